@@ -1,0 +1,32 @@
+# The one place that says how code of this project is compiled. Every target of ours links one of:
+#   orva_compile_options    warnings, exact floating point, sanitizers: tests, examples, tools
+#   orva_library_options    the same, and what the two libraries add: nothing visible, no exceptions, no RTTI
+
+set(CMAKE_CXX_STANDARD 20)
+set(CMAKE_CXX_STANDARD_REQUIRED ON)
+set(CMAKE_CXX_EXTENSIONS OFF)
+set(CMAKE_C_STANDARD 99)
+set(CMAKE_C_STANDARD_REQUIRED ON)
+set(CMAKE_C_EXTENSIONS OFF)
+
+set(ORVA_SANITIZE "" CACHE STRING "Sanitizers to build with, separated by commas: address,undefined or thread")
+
+add_library(orva_compile_options INTERFACE)
+target_compile_options(orva_compile_options INTERFACE
+    -Wall -Wextra -Wconversion -Wshadow -Werror
+    -ffp-contract=off)                                    # a fused multiply-add rounds once where the results round twice
+if(ORVA_SANITIZE)
+    target_compile_options(orva_compile_options INTERFACE
+        -fsanitize=${ORVA_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer)
+    target_link_options(orva_compile_options INTERFACE -fsanitize=${ORVA_SANITIZE})
+endif()
+
+add_library(orva_library_options INTERFACE)
+target_link_libraries(orva_library_options INTERFACE orva_compile_options)
+target_compile_options(orva_library_options INTERFACE
+    -fvisibility=hidden
+    $<$<COMPILE_LANGUAGE:CXX>:-fvisibility-inlines-hidden -fno-exceptions -fno-rtti>
+    $<$<CXX_COMPILER_ID:GNU>:-fno-gnu-unique>)            # a unique symbol would keep dlclose from unloading
+target_link_options(orva_library_options INTERFACE
+    -Wl,-z,now                                            # no symbol is looked up later, under the loader's lock, on a thread of ours
+    $<$<NOT:$<BOOL:${ORVA_SANITIZE}>>:-Wl,-z,defs>)

@@ -1,0 +1,31 @@
+/** @file
+ *  The life cycle of the library.
+ *
+ *  Loading the library counts as one use and brings it up; unloading takes that use away and, when it was the last, takes
+ *  the library down, which writes the wisdom store. A host therefore needs neither of these calls. It may make them in
+ *  pairs, from one thread at a time.
+ *
+ *  Windows, interpolation and measures work whatever the count says.
+ */
+#ifndef ORVA_ORVACORE_H
+#define ORVA_ORVACORE_H
+
+#include <orva/ORVAtypes.h>
+
+/** Counts one use of the library; the first brings it up: it registers its version with libkett, sets the default of the
+ *  setting "orva.fftw.prepare_plans" to off, starts libkett and then the FFT engine (ORVA_InitializeFFT()).
+ *
+ *  Threads: one at a time, ORVA_Finalize() included.   Real time: no (allocates, locks, may read the wisdom store).
+ */
+ORVA_API void ORVA_Initialize(void);
+
+/** Takes one use away; the last takes the library down: the FFT engine first (ORVA_FinalizeFFT()), then libkett. A call
+ *  without a use to take away only moves the count below zero; the next ORVA_Initialize() brings the library up again.
+ *
+ *  May wait for a preparation of plans that is under way, until it has ended the transform length that it is at.
+ *
+ *  Threads: one at a time, ORVA_Initialize() included.   Real time: no (waits, may write the wisdom store).
+ */
+ORVA_API void ORVA_Finalize(void);
+
+#endif

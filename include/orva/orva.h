@@ -1,0 +1,14 @@
+/** @file
+ *  All of liborva.
+ */
+#ifndef ORVA_ORVA_H
+#define ORVA_ORVA_H
+
+#include <orva/ORVAcomplex.h>
+#include <orva/ORVAcore.h>
+#include <orva/ORVAfft.h>
+#include <orva/ORVAtypes.h>
+#include <orva/ORVAversion.h>
+#include <orva/ORVAwinfnc.h>
+
+#endif

@@ -1,0 +1,29 @@
+/** @file
+ *  Environment values: what the host publishes inside the process, and behind it the C environment.
+ */
+#ifndef KETT_KTENV_H
+#define KETT_KTENV_H
+
+#include <kett/KTtypes.h>
+
+/** Publishes a value inside the process. The C environment is not touched.
+ *
+ *  @param name   the variable's name, not null and not empty.
+ *  @param value  its value, copied; null takes a published value away.
+ *  @return       true, or false when `name` is null or empty or memory is out; nothing has then changed.
+ *
+ *  Threads: any, at any time.   Real time: no (allocates, takes a lock).
+ */
+KT_API bool KTENV_SetEnvValue(const char *name, const char *value);
+
+/** The value of a variable: a published one, else what `getenv` gives.
+ *
+ *  @param name  the variable's name; null finds nothing.
+ *  @return      the value, or null when the variable is not set. Never freed by the caller: a published text stays valid
+ *               until libkett is unloaded, one from the C environment as long as that leaves it alone.
+ *
+ *  Threads: any, at any time.   Real time: no (takes a lock).
+ */
+KT_API const char *KTENV_GetEnvValue(const char *name);
+
+#endif

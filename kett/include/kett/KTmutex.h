@@ -1,0 +1,44 @@
+/** @file
+ *  Mutexes, not recursive.
+ */
+#ifndef KETT_KTMUTEX_H
+#define KETT_KTMUTEX_H
+
+#include <kett/KTtypes.h>
+
+/** A mutex. */
+typedef struct KT_MUTEX KT_MUTEX;
+
+/** Creates an unlocked mutex.
+ *
+ *  @return the mutex, or null when memory is out.
+ *
+ *  Threads: any.   Real time: no (allocates).
+ */
+KT_API KT_MUTEX *MutexInit(void);
+
+/** Blocks until the mutex is held.
+ *
+ *  @param mutex  the mutex; null does nothing.
+ *
+ *  Threads: any that does not hold it yet.   Real time: no (waits).
+ */
+KT_API void MutexLock(KT_MUTEX *mutex);
+
+/** Releases the mutex.
+ *
+ *  @param mutex  a mutex that the calling thread holds; null does nothing.
+ *
+ *  Real time: no (may wake a thread).
+ */
+KT_API void MutexUnlock(KT_MUTEX *mutex);
+
+/** Destroys a mutex for which nobody waits and that nobody holds.
+ *
+ *  @param mutex  the mutex, gone after the call; null does nothing.
+ *
+ *  Real time: no (frees memory).
+ */
+KT_API void MutexDestroy(KT_MUTEX *mutex);
+
+#endif

@@ -1,0 +1,70 @@
+/** @file
+ *  Settings: named values that live in memory as long as the process.
+ *
+ *  A setting is asked for by one literal text, the key, an equals sign and a default, bracketed or bare:
+ *
+ *      int64_t longest = KTSETTINGS_GetIntEx(NULL, "orva.fftw.max_plan_len=[4096]");
+ *
+ *  The answer is the stored value; else a default set by KTSETTINGS_SetDefaultEx(); else the default in the text. That
+ *  last one is never remembered. A value that does not parse as the asked type counts as absent. Booleans are 1/0,
+ *  true/false, yes/no or on/off in any case, and any other integer but 0 is true. Keys are case-sensitive.
+ *
+ *      KTSETTINGS_SetEx(NULL, "orva.fftw.max_plan_len=%d", 1024);
+ *
+ *  Every operation may be called from any thread at any time; all take a lock, so none is for a real-time thread.
+ */
+#ifndef KETT_KTSETTINGS_H
+#define KETT_KTSETTINGS_H
+
+#include <kett/KTtypes.h>
+
+/** A settings store. There is one, the global store, and null stands for it. */
+typedef struct KT_SETTINGS KT_SETTINGS;
+
+#if defined(__GNUC__)
+#define KTSETTINGS_FORMAT __attribute__((format(printf, 2, 3)))
+#else
+#define KTSETTINGS_FORMAT
+#endif
+
+/** Reads a boolean setting.
+ *
+ *  @param settings        null, the global store.
+ *  @param keyWithDefault  "key=[default]" or "key=default".
+ *  @return                the value; false when there is none that parses.
+ */
+KT_API bool KTSETTINGS_GetBoolEx(KT_SETTINGS *settings, const char *keyWithDefault);
+
+/** Reads an integer setting.
+ *
+ *  @param settings        null, the global store.
+ *  @param keyWithDefault  "key=[default]" or "key=default".
+ *  @return                the value, all 64 bits; 0 when there is none that parses.
+ */
+KT_API int64_t KTSETTINGS_GetIntEx(KT_SETTINGS *settings, const char *keyWithDefault);
+
+/** Sets a key's default, which goes before the one in a getter's text.
+ *
+ *  @param settings  null, the global store.
+ *  @param format    printf-style "key=value", followed by what it asks for.
+ *  @return          true, or false when the text holds no key and value or memory is out; nothing has then changed.
+ */
+KT_API bool KTSETTINGS_SetDefaultEx(KT_SETTINGS *settings, const char *format, ...) KTSETTINGS_FORMAT;
+
+/** Stores a value, which goes before every default.
+ *
+ *  @param settings  null, the global store.
+ *  @param format    printf-style "key=value", followed by what it asks for.
+ *  @return          true, or false when the text holds no key and value or memory is out; nothing has then changed.
+ */
+KT_API bool KTSETTINGS_SetEx(KT_SETTINGS *settings, const char *format, ...) KTSETTINGS_FORMAT;
+
+/** Takes a stored value away; defaults stay.
+ *
+ *  @param settings  null, the global store.
+ *  @param key       the key.
+ *  @return          true if a value was stored.
+ */
+KT_API bool KTSETTINGS_UnsetEx(KT_SETTINGS *settings, const char *key);
+
+#endif

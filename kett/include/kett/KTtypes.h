@@ -1,0 +1,16 @@
+/** @file
+ *  The export macro that every header of libkett uses.
+ */
+#ifndef KETT_KTTYPES_H
+#define KETT_KTTYPES_H
+
+#include <stdbool.h>
+#include <stdint.h>
+
+#ifdef __cplusplus
+#define KT_API extern "C" __attribute__((visibility("default")))
+#else
+#define KT_API __attribute__((visibility("default")))
+#endif
+
+#endif
