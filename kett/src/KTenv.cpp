@@ -1,0 +1,75 @@
+#include <kett/KTenv.h>
+
+#include "KTlock.h"
+#include "KTnamed.h"
+#include "KTunload.h"
+
+#include <cstdlib>
+
+namespace
+{
+
+// A published text. It is kept after it has been replaced, since a caller may still hold it.
+struct Text {
+    Text *next;
+    char *name;
+};
+
+struct Variable {
+    Variable *next;
+    char *name;
+    kett::NamedList<Text> texts; // all that were ever published, each once
+    const Text *value;           // the one in force, or null
+};
+
+} // namespace
+
+using kett::Data;
+using kett::Hold;
+
+static constinit kett::NamedList<Variable> variables;
+
+bool KTENV_SetEnvValue(const char *name, const char *value)
+{
+    if (name == nullptr || *name == '\0')
+        return false;
+    const Hold hold(Data::environment);
+    if (value == nullptr) {
+        if (Variable *variable = variables.find(name); variable != nullptr)
+            variable->value = nullptr;
+        return true;
+    }
+    Variable *variable = variables.findOrAdd(name);
+    if (variable == nullptr)
+        return false;
+    const Text *text = variable->texts.findOrAdd(value);
+    if (text == nullptr)
+        return false;
+    variable->value = text;
+    return true;
+}
+
+static const char *published(const char *name)
+{
+    const Hold hold(Data::environment);
+    const Variable *variable = variables.find(name);
+    return variable != nullptr && variable->value != nullptr ? variable->value->name : nullptr;
+}
+
+const char *KTENV_GetEnvValue(const char *name)
+{
+    if (name == nullptr || *name == '\0')
+        return nullptr;
+    const char *value = published(name);
+    return value != nullptr ? value : std::getenv(name);
+}
+
+void kett::discardEnvironment()
+{
+    const Hold hold(Data::environment);
+    while (variables.first != nullptr) {
+        while (variables.first->texts.first != nullptr)
+            variables.first->texts.remove(variables.first->texts.first);
+        variables.remove(variables.first);
+    }
+}

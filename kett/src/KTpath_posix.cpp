@@ -1,0 +1,97 @@
+#include "KTpath_posix.h"
+
+#include "KTtext.h"
+
+#include <cerrno>
+#include <climits>
+#include <cstdlib>
+#include <fcntl.h>
+#include <string_view>
+#include <unistd.h>
+
+namespace kett
+{
+
+// "a/b/c" has the folder "a/b/", "c" has none.
+static std::string_view folderOf(std::string_view path)
+{
+    return path.substr(0, path.rfind('/') + 1);
+}
+
+static char *joined(std::string_view folder, std::string_view separator, std::string_view name)
+{
+    auto *path = static_cast<char *>(std::malloc(folder.size() + separator.size() + name.size() + 1));
+    if (path == nullptr)
+        return nullptr;
+    char *end = path;
+    for (const auto part : {folder, separator, name}) {
+        std::memcpy(end, part.data(), part.size());
+        end += part.size();
+    }
+    *end = '\0';
+    return path;
+}
+
+// The path of a file that is not there, in a folder that is.
+static char *resolvedNewFile(std::string_view path)
+{
+    const auto name = path.substr(folderOf(path).size());
+    if (name.empty())
+        return nullptr;
+    char *given = folderOf(path).empty() ? copied(".") : copied(folderOf(path));
+    char *folder = given != nullptr ? realpath(given, nullptr) : nullptr;
+    std::free(given);
+    if (folder == nullptr)
+        return nullptr;
+    const std::string_view resolved = folder;
+    char *target = joined(resolved, resolved.ends_with('/') ? "" : "/", name);
+    std::free(folder);
+    return target;
+}
+
+// What the symbolic link `path` names, seen from where `path` is seen from; null if it is no link.
+static char *linkedPath(const char *path)
+{
+    char content[PATH_MAX];
+    const ssize_t length = readlink(path, content, sizeof content);
+    if (length <= 0 || length == sizeof content)
+        return nullptr;
+    const std::string_view linked(content, static_cast<size_t>(length));
+    return joined(linked.starts_with('/') ? std::string_view() : folderOf(path), "", linked);
+}
+
+char *resolvedTarget(const char *path)
+{
+    char *current = copied(path);
+    while (current != nullptr) {
+        char *target = realpath(current, nullptr);
+        if (target == nullptr && errno == ENOENT) {
+            // A circle of links gives ELOOP above, so this walk ends.
+            if (char *linked = linkedPath(current); linked != nullptr) {
+                std::free(current);
+                current = linked;
+                continue;
+            }
+            target = resolvedNewFile(current);
+        }
+        std::free(current);
+        return target;
+    }
+    return nullptr;
+}
+
+bool mayReplace(const char *target, const struct stat &old)
+{
+    if (faccessat(AT_FDCWD, target, W_OK, AT_EACCESS) != 0)
+        return false;
+    // In a folder with the sticky bit, only the owner of a file may put another in its place.
+    char *folder = copied(folderOf(target));
+    struct stat status;
+    const bool known = folder != nullptr && stat(folder, &status) == 0;
+    std::free(folder);
+    const uid_t user = geteuid();
+    return known &&
+           ((status.st_mode & S_ISVTX) == 0 || user == 0 || user == old.st_uid || user == status.st_uid);
+}
+
+} // namespace kett

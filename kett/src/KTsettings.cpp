@@ -1,0 +1,144 @@
+#include <kett/KTsettings.h>
+
+#include "KTformat.h"
+#include "KTlocale.h"
+#include "KTlock.h"
+#include "KTnamed.h"
+#include "KTnumber.h"
+#include "KTunload.h"
+
+#include <cstdarg>
+
+namespace
+{
+
+struct Setting {
+    Setting *next;
+    char *name;
+    char *value;        // stored, or null
+    char *defaultValue; // set by KTSETTINGS_SetDefaultEx, or null
+};
+
+// "key=[value]" or "key=value", blanks around each part left out. Without an equals sign all is key.
+struct KeyAndValue {
+    explicit KeyAndValue(std::string_view text)
+    {
+        const size_t equals = text.find('=');
+        key = kett::trimmed(text.substr(0, equals));
+        if (equals == text.npos)
+            return;
+        value = kett::trimmed(text.substr(equals + 1));
+        if (value.size() >= 2 && value.front() == '[' && value.back() == ']')
+            value = kett::trimmed(value.substr(1, value.size() - 2));
+    }
+
+    std::string_view key;
+    std::string_view value;
+};
+
+} // namespace
+
+using kett::Data;
+using kett::Hold;
+
+static constinit kett::NamedList<Setting> settingList;
+
+// The first in order that parses: the stored value, the default that was set, the default in the text.
+template <class Value>
+static Value get(const char *keyWithDefault, bool (*parse)(std::string_view, Value &), Value otherwise)
+{
+    if (keyWithDefault == nullptr)
+        return otherwise;
+    const KeyAndValue asked(keyWithDefault);
+    Value value = otherwise;
+    {
+        const Hold hold(Data::settings);
+        if (const Setting *setting = settingList.find(asked.key); setting != nullptr) {
+            if (setting->value != nullptr && parse(setting->value, value))
+                return value;
+            if (setting->defaultValue != nullptr && parse(setting->defaultValue, value))
+                return value;
+        }
+    }
+    parse(asked.value, value);
+    return value;
+}
+
+bool KTSETTINGS_GetBoolEx(KT_SETTINGS *, const char *keyWithDefault)
+{
+    return get(keyWithDefault, kett::parseBoolean, false);
+}
+
+int64_t KTSETTINGS_GetIntEx(KT_SETTINGS *, const char *keyWithDefault)
+{
+    return get(keyWithDefault, kett::parseInteger, int64_t{0});
+}
+
+// Formats "key=value" and puts a copy of the value into `place` of the key's record.
+static bool set(char *Setting::*place, const char *format, va_list arguments)
+{
+    if (format == nullptr)
+        return false;
+    const kett::NumericLocaleC locale;
+    const kett::FormattedText formatted(format, arguments);
+    if (!formatted.complete)
+        return false;
+    const KeyAndValue given(formatted.text);
+    if (given.key.empty() || given.value.empty())
+        return false;
+    char *value = kett::copied(given.value);
+    if (value == nullptr)
+        return false;
+    const Hold hold(Data::settings);
+    Setting *setting = settingList.findOrAdd(given.key);
+    if (setting == nullptr) {
+        std::free(value);
+        return false;
+    }
+    std::free(setting->*place);
+    setting->*place = value;
+    return true;
+}
+
+bool KTSETTINGS_SetDefaultEx(KT_SETTINGS *, const char *format, ...)
+{
+    va_list arguments;
+    va_start(arguments, format);
+    const bool done = set(&Setting::defaultValue, format, arguments);
+    va_end(arguments);
+    return done;
+}
+
+bool KTSETTINGS_SetEx(KT_SETTINGS *, const char *format, ...)
+{
+    va_list arguments;
+    va_start(arguments, format);
+    const bool done = set(&Setting::value, format, arguments);
+    va_end(arguments);
+    return done;
+}
+
+bool KTSETTINGS_UnsetEx(KT_SETTINGS *, const char *key)
+{
+    if (key == nullptr)
+        return false;
+    const Hold hold(Data::settings);
+    Setting *setting = settingList.find(kett::trimmed(key));
+    if (setting == nullptr || setting->value == nullptr)
+        return false;
+    std::free(setting->value);
+    setting->value = nullptr;
+    if (setting->defaultValue == nullptr)
+        settingList.remove(setting);
+    return true;
+}
+
+void kett::discardSettings()
+{
+    const Hold hold(Data::settings);
+    while (settingList.first != nullptr) {
+        std::free(settingList.first->value);
+        std::free(settingList.first->defaultValue);
+        settingList.remove(settingList.first);
+    }
+}
