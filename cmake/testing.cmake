@@ -10,7 +10,7 @@ file(WRITE ${ORVA_LEFT_OUT_TESTS} "")
 # orva_test(<name> FAMILY <family> SOURCES <files> [LIBRARIES <targets>] [LABELS <labels>] [ENVIRONMENT <NAME=value>])
 #
 # Builds the test program <name> and registers its tests under the label <family> and the further LABELS. Tests labelled
-# 'interposer' or 'strace' exist only in builds without a sanitizer.
+# 'interposer' or 'strace' exist only in builds without a sanitizer; the interposer is linked in front of the LIBRARIES.
 function(orva_test name)
     cmake_parse_arguments(ARG "" "FAMILY" "SOURCES;LIBRARIES;LABELS;ENVIRONMENT" ${ARGN})
     if(ORVA_SANITIZE)
@@ -26,9 +26,24 @@ function(orva_test name)
             endif()
         endforeach()
     endif()
+    if(interposer IN_LIST ARG_LABELS)
+        list(PREPEND ARG_LIBRARIES orva_interposer)
+    endif()
     add_executable(${name} ${ARG_SOURCES})
     target_link_libraries(${name} PRIVATE ${ARG_LIBRARIES} orva_test_support GTest::gtest_main orva_compile_options)
-    list(JOIN ARG_LABELS "\\;" labels)
-    gtest_discover_tests(${name} DISCOVERY_MODE PRE_TEST
-        PROPERTIES LABELS "${ARG_FAMILY}\\;${labels}" TIMEOUT 300 ENVIRONMENT "${ARG_ENVIRONMENT}")
+    gtest_discover_tests(${name} DISCOVERY_MODE PRE_TEST DISCOVERY_TIMEOUT 60)
+
+    # gtest_discover_tests flattens a list among its PROPERTIES; so they are set where ctest has read the tests.
+    set(labels ${ARG_FAMILY} ${ARG_LABELS})
+    set(properties ${CMAKE_CURRENT_BINARY_DIR}/${name}_properties.cmake)
+    file(CONFIGURE OUTPUT ${properties} @ONLY CONTENT [[
+if(NOT DEFINED @name@_TESTS)
+    set(@name@_TESTS @name@_NOT_BUILT)
+endif()
+set_tests_properties(${@name@_TESTS} PROPERTIES
+    LABELS "@labels@"
+    ENVIRONMENT "@ARG_ENVIRONMENT@"
+    TIMEOUT 300)
+]])
+    set_property(DIRECTORY APPEND PROPERTY TEST_INCLUDE_FILES ${properties})
 endfunction()
