@@ -1,0 +1,68 @@
+// The heap. It forwards to the names under which the GNU C library offers its own allocator to those who
+// replace malloc: a look-up by dlsym may allocate.
+#include "support/interposer_internal.h"
+
+#include <bit>
+#include <cerrno>
+#include <cstddef>
+
+using namespace support::interposer;
+
+extern "C" {
+
+void *__libc_malloc(size_t size);
+void *__libc_calloc(size_t count, size_t size);
+void *__libc_realloc(void *block, size_t size);
+void *__libc_memalign(size_t alignment, size_t size);
+void __libc_free(void *block);
+
+#pragma GCC visibility push(default)
+
+void *malloc(size_t size) noexcept
+{
+    return allocationFails() ? nullptr : __libc_malloc(size);
+}
+
+void *calloc(size_t count, size_t size) noexcept
+{
+    return allocationFails() ? nullptr : __libc_calloc(count, size);
+}
+
+// reallocarray ends here, too.
+void *realloc(void *block, size_t size) noexcept
+{
+    return allocationFails() ? nullptr : __libc_realloc(block, size);
+}
+
+void *memalign(size_t alignment, size_t size) noexcept
+{
+    return allocationFails() ? nullptr : __libc_memalign(alignment, size);
+}
+
+void *aligned_alloc(size_t alignment, size_t size) noexcept
+{
+    return allocationFails() ? nullptr : __libc_memalign(alignment, size);
+}
+
+int posix_memalign(void **block, size_t alignment, size_t size) noexcept
+{
+    if (!std::has_single_bit(alignment) || alignment % sizeof(void *) != 0)
+        return EINVAL;
+    const int before = errno;
+    void *const result = allocationFails() ? nullptr : __libc_memalign(alignment, size);
+    errno = before; // the result tells, errno does not
+    if (result == nullptr)
+        return ENOMEM;
+    *block = result;
+    return 0;
+}
+
+void free(void *block) noexcept
+{
+    count(&support::Counts::heap);
+    __libc_free(block);
+}
+
+#pragma GCC visibility pop
+
+} // extern "C"
