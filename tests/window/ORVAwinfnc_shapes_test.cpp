@@ -23,7 +23,7 @@ constexpr int32_t allTypes[] = {rectangular,     triangular, halfTriangular, han
                                 blackmanNuttall, nuttal,     flatTop};
 constexpr int32_t cosineSums[] = {hanning,         hamming, blackman, blackmanHarris,
                                   blackmanNuttall, nuttal,  flatTop};
-constexpr float nan = std::numeric_limits<float>::quiet_NaN();
+constexpr float notANumber = std::numeric_limits<float>::quiet_NaN();
 constexpr float inf = std::numeric_limits<float>::infinity();
 
 std::vector<float> window(int32_t type, uint32_t length)
@@ -179,13 +179,13 @@ TEST(WindowShapes, ShortWindowsHaveTheirWorkedValues)
         {rectangular, {1.0f}},
         {rectangular, {1.0f, 1.0f, 1.0f}},
         {triangular, {-0.0f}},
-        {triangular, {nan, nan}},
-        {triangular, {nan, inf, nan}},
+        {triangular, {notANumber, notANumber}},
+        {triangular, {notANumber, inf, notANumber}},
         {triangular, {0.0f, 1.0f, 1.0f, 0.0f}},
         {triangular, {0.0f, 1.0f, 2.0f, 1.0f, 0.0f}},
         {triangular, {0.0f, third, twoThirds, 1.0f, 1.0f, twoThirds, third, 0.0f}},
         {triangular, {0.0f, third, twoThirds, 1.0f, fourThirds, 1.0f, twoThirds, third, 0.0f}},
-        {halfTriangular, {nan}},
+        {halfTriangular, {notANumber}},
         {halfTriangular, {0.0f, 1.0f}},
         {halfTriangular, {0.0f, 0.25f, 0.5f, 0.75f, 1.0f}},
         {hanning, {0.0f, 1.0f, 0.0f}},
@@ -216,6 +216,26 @@ TEST(WindowShapes, LengthZeroWritesNothing)
         float sample = 77.0f;
         EXPECT_TRUE(ORVA_CreateWindow(type, &sample, 0));
         EXPECT_EQ(sample, 77.0f) << "type " << type;
+    }
+}
+
+// From 2^24 on, indices are rounded when they become floats.
+TEST(WindowShapes, TrianglesTakeTheirIndicesThroughFloat)
+{
+    const uint32_t length = (1u << 25) + 4321;
+    std::vector<float> w(length);
+    for (int32_t type : {triangular, halfTriangular}) {
+        ASSERT_TRUE(ORVA_CreateWindow(type, w.data(), length));
+        const double slope = static_cast<double>(static_cast<float>(length / 2)) - 1.0;
+        const float last = static_cast<float>(static_cast<double>(length) - 1.0);
+        bool exactIndexDiffers = false;
+        for (uint32_t i = 1u << 24; i < length / 2; ++i) {
+            const float index = static_cast<float>(i);
+            const double v = static_cast<double>(index) / slope;
+            ASSERT_EQ(bitsOf(w[i]), bitsOf(type == triangular ? static_cast<float>(v) : index / last)) << i;
+            exactIndexDiffers |= w[i] != static_cast<float>(i / slope);
+        }
+        EXPECT_TRUE(exactIndexDiffers);
     }
 }
 
