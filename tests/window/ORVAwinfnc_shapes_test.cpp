@@ -227,15 +227,16 @@ TEST(WindowShapes, TrianglesTakeTheirIndicesThroughFloat)
     for (int32_t type : {triangular, halfTriangular}) {
         ASSERT_TRUE(ORVA_CreateWindow(type, w.data(), length));
         const double slope = static_cast<double>(static_cast<float>(length / 2)) - 1.0;
-        const float last = static_cast<float>(static_cast<double>(length) - 1.0);
+        const double last = static_cast<double>(length) - 1.0;
         bool exactIndexDiffers = false;
         for (uint32_t i = 1u << 24; i < length / 2; ++i) {
             const float index = static_cast<float>(i);
-            const double v = static_cast<double>(index) / slope;
-            ASSERT_EQ(bitsOf(w[i]), bitsOf(type == triangular ? static_cast<float>(v) : index / last)) << i;
-            exactIndexDiffers |= w[i] != static_cast<float>(i / slope);
+            const float expected = type == triangular ? static_cast<float>(static_cast<double>(index) / slope)
+                                                      : index / static_cast<float>(last);
+            ASSERT_EQ(bitsOf(w[i]), bitsOf(expected)) << i;
+            exactIndexDiffers |= expected != static_cast<float>(i / (type == triangular ? slope : last));
         }
-        EXPECT_TRUE(exactIndexDiffers);
+        EXPECT_TRUE(exactIndexDiffers) << "else this test shows nothing";
     }
 }
 
