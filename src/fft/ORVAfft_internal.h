@@ -15,19 +15,23 @@ struct ORVA_FFT {
     fftwf_plan plan; // owned; null if FFTW refused the length
 };
 
-// The one lock around FFTW's planner: plan creation, plan destruction, wisdom import and export. Another family takes it
-// where the handle is not null, and never creates or destroys it.
+// The one lock around FFTW's planner: plan creation, plan destruction, wisdom import and export. Another
+// family takes it where the handle is not null, and never creates or destroys it.
 extern KT_MUTEX *__FFTW_PlanLock;
 
 extern KT_THREAD *__FFTW_InitThread; // the preparation, null when none was started or it has been collected
 extern bool __FFTW_WisdomLoaded;     // the load from the store has run to its end; never cleared
 extern bool __FFTW_Initialized;      // between ORVA_InitializeFFT and ORVA_FinalizeFFT
 
-// Tells the preparation to stop. Set by ORVA_FinalizeFFT and never cleared: after a restart, a preparation stops behind
-// its first length. Relaxed: no ordering rests on it, and being late by a length is harmless.
+// Tells the preparation to stop. Set by ORVA_FinalizeFFT and never cleared: after a restart, a preparation
+// stops behind its first length. Relaxed: no ordering rests on it, and being late by a length is harmless.
 extern std::atomic<bool> __FFTW_StopOptimization;
 
 ORVA_FFT *__FFTW_CreatePlan(int32_t length, bool inverse);
 bool __FFTW_LoadWisdom();
 bool __FFTW_SaveWisdom();
 int32_t __InitializeFFTWPlans(void *unused);
+
+// Keeps FFTW loaded to the end of the process. Its planner, and what the planner has allocated, then outlives
+// our unloading and serves the next load, instead of being left behind at every round.
+void pinFFTW();
