@@ -8,8 +8,8 @@ static char version_string[256];
 
 const char *ORVAVERSION_String(void)
 {
-    std::snprintf(version_string, sizeof version_string, "liborva version %d.%d.%d.%d (built in %s)", versionMajor,
-                  versionMinor, versionRelease, versionBuild, __DATE__);
+    std::snprintf(version_string, sizeof version_string, "liborva version %d.%d.%d.%d (built in %s)",
+                  versionMajor, versionMinor, versionRelease, versionBuild, __DATE__);
     return version_string;
 }
 

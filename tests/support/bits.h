@@ -10,7 +10,8 @@
 #include <span>
 #include <vector>
 
-namespace support {
+namespace support
+{
 
 inline uint32_t bitsOf(float x)
 {
@@ -28,15 +29,17 @@ template <class Real> bool sameBits(Real a, Real b)
     return bitsOf(a) == bitsOf(b) || (std::isnan(a) && std::isnan(b));
 }
 
-template <class Real> testing::AssertionResult sameBits(std::span<const Real> actual, std::span<const Real> expected)
+template <class Real>
+testing::AssertionResult sameBits(std::span<const Real> actual, std::span<const Real> expected)
 {
     if (actual.size() != expected.size())
         return testing::AssertionFailure() << actual.size() << " values instead of " << expected.size();
     for (size_t i = 0; i < actual.size(); ++i)
         if (!sameBits(actual[i], expected[i]))
-            return testing::AssertionFailure() << std::setprecision(17) << "at " << i << " of " << actual.size() << ": "
-                                               << actual[i] << " instead of " << expected[i] << " (0x" << std::hex
-                                               << bitsOf(actual[i]) << ", 0x" << bitsOf(expected[i]) << ")";
+            return testing::AssertionFailure()
+                   << std::setprecision(17) << "at " << i << " of " << actual.size() << ": " << actual[i]
+                   << " instead of " << expected[i] << " (0x" << std::hex << bitsOf(actual[i]) << ", 0x"
+                   << bitsOf(expected[i]) << ")";
     return testing::AssertionSuccess();
 }
 

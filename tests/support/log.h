@@ -7,7 +7,8 @@
 #include <string>
 #include <vector>
 
-namespace support {
+namespace support
+{
 
 struct Message {
     int32_t level;
@@ -25,7 +26,7 @@ inline std::ostream &operator<<(std::ostream &out, const Message &message)
 // Takes the place of the default sink as long as it lives.
 class Log
 {
-  public:
+public:
     Log()
     {
         KTDEBUG_SetSink(keep, this);
@@ -41,7 +42,7 @@ class Log
 
     std::vector<Message> messages;
 
-  private:
+private:
     static void keep(void *context, int32_t level, int32_t code, const char *text)
     {
         static_cast<Log *>(context)->messages.push_back({level, code, text});

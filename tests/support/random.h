@@ -9,7 +9,8 @@
 #include <random>
 #include <vector>
 
-namespace support {
+namespace support
+{
 
 // ORVA_TEST_SEED if it is set, else a new seed.
 inline uint64_t seed()
@@ -24,10 +25,8 @@ inline uint64_t seed()
 
 class Random
 {
-  public:
-    explicit Random(uint64_t start = seed()) : engine(start)
-    {
-    }
+public:
+    explicit Random(uint64_t start = seed()) : engine(start) {}
 
     // An integer in first .. last, both included.
     int64_t integer(int64_t first, int64_t last)
@@ -55,7 +54,7 @@ class Random
         return std::bit_cast<float>(static_cast<uint32_t>(engine()));
     }
 
-  private:
+private:
     std::mt19937_64 engine;
 };
 

@@ -7,7 +7,8 @@
 #include <string>
 #include <vector>
 
-namespace support {
+namespace support
+{
 
 inline const char *recordingPath()
 {

@@ -17,10 +17,10 @@
 
 /** The levels as a sink is told them. */
 typedef enum {
-    KTDEBUG_LEVEL_LOG = 0,      /**< plain log line */
-    KTDEBUG_LEVEL_WARNING = 1,  /**< warning */
-    KTDEBUG_LEVEL_ERROR = 2,    /**< error: the caller goes on and returns its failure value */
-    KTDEBUG_LEVEL_TERMINAL = 3  /**< error that the caller regards as fatal; the call returns all the same */
+    KTDEBUG_LEVEL_LOG = 0,     /**< plain log line */
+    KTDEBUG_LEVEL_WARNING = 1, /**< warning */
+    KTDEBUG_LEVEL_ERROR = 2,   /**< error: the caller goes on and returns its failure value */
+    KTDEBUG_LEVEL_TERMINAL = 3 /**< error that the caller regards as fatal; the call returns all the same */
 } KTDEBUG_LEVEL;
 
 /** Receives one message. Calls are serialised, and arrive on the thread that logs.

@@ -25,7 +25,8 @@
  *  Threads: any; one state belongs to one thread at a time.   Real time: yes (no heap, lock, log or system call).
  *  Source: A. V. Oppenheim, R. W. Schafer, "Discrete-Time Signal Processing", section on transposed forms.
  */
-KT_API void FilterBlockFloat(const double *denominator, const double *numerator, int32_t coefficientCount, double *state1,
-                             double *state2, const float *input, double *output, int32_t sampleCount);
+KT_API void FilterBlockFloat(const double *denominator, const double *numerator, int32_t coefficientCount,
+                             double *state1, double *state2, const float *input, double *output,
+                             int32_t sampleCount);
 
 #endif

@@ -39,8 +39,8 @@
  *  @return              1; 0 when the key is absent and `defaultValue` null, or when `output` is null or `size` not above
  *                       0; nothing is then written.
  */
-KT_API int32_t KTSTRING_GetStringValueFromString(const char *config, const char *key, const char *defaultValue, char *output,
-                                                 int32_t size);
+KT_API int32_t KTSTRING_GetStringValueFromString(const char *config, const char *key,
+                                                 const char *defaultValue, char *output, int32_t size);
 
 /** Looks up an integer. A number with a fraction or an exponent is cut toward zero.
  *
@@ -97,7 +97,8 @@ KT_API int32_t KTSTRING_GetDoubleVectorValuesFromString(const char *config, cons
  *  @param columns  out: the length of each row; untouched on refusal; may be null.
  *  @return         1, or 0 when the key holds no matrix.
  */
-KT_API int32_t KTSTRING_GetMatrixSizeFromString(const char *config, const char *key, int32_t *rows, int32_t *columns);
+KT_API int32_t KTSTRING_GetMatrixSizeFromString(const char *config, const char *key, int32_t *rows,
+                                                int32_t *columns);
 
 /** Reads the elements of a matrix row by row, one after the other.
  *
@@ -109,8 +110,8 @@ KT_API int32_t KTSTRING_GetMatrixSizeFromString(const char *config, const char *
  *  @param columns  room: columns.
  *  @return         the number of elements written, 0 when the key holds no matrix.
  */
-KT_API int32_t KTSTRING_GetDoubleMatrixValuesFromString(const char *config, const char *key, double *output, int32_t rows,
-                                                        int32_t columns);
+KT_API int32_t KTSTRING_GetDoubleMatrixValuesFromString(const char *config, const char *key, double *output,
+                                                        int32_t rows, int32_t columns);
 
 /** Turns A-Z to a-z in place; every other byte stays.
  *

@@ -17,7 +17,8 @@
  *
  *  Threads: any, at any time.   Real time: no (allocates, takes a lock).
  */
-KT_API bool KTVERSION_Register(const char *name, int32_t major, int32_t minor, int32_t release, int32_t build);
+KT_API bool KTVERSION_Register(const char *name, int32_t major, int32_t minor, int32_t release,
+                               int32_t build);
 
 /** Reads back what KTVERSION_Register() recorded.
  *
@@ -30,6 +31,7 @@ KT_API bool KTVERSION_Register(const char *name, int32_t major, int32_t minor, i
  *
  *  Threads: any, at any time.   Real time: no (takes a lock).
  */
-KT_API bool KTVERSION_Find(const char *name, int32_t *major, int32_t *minor, int32_t *release, int32_t *build);
+KT_API bool KTVERSION_Find(const char *name, int32_t *major, int32_t *minor, int32_t *release,
+                           int32_t *build);
 
 #endif
