@@ -2,15 +2,17 @@
 find_package(GTest REQUIRED)
 include(GoogleTest)
 
-# What these two labels name works by standing between a program and the C library, where a sanitizer stands already.
-set(ORVA_LABELS_WITHOUT_SANITIZER interposer strace)
+# What 'interposer' and 'strace' name works by standing between a program and the C library, where a sanitizer stands
+# already; 'lint' looks at sources and at code compiled for the purpose, to which a sanitizer adds nothing.
+set(ORVA_LABELS_WITHOUT_SANITIZER interposer strace lint)
 set(ORVA_LEFT_OUT_TESTS ${CMAKE_BINARY_DIR}/left_out_tests)    # one line a test that this build leaves out
 file(WRITE ${ORVA_LEFT_OUT_TESTS} "")
 
 # orva_test(<name> FAMILY <family> SOURCES <files> [LIBRARIES <targets>] [LABELS <labels>] [ENVIRONMENT <NAME=value>])
 #
 # Builds the test program <name> and registers its tests under the label <family> and the further LABELS. Tests labelled
-# 'interposer' or 'strace' exist only in builds without a sanitizer; the interposer is linked in front of the LIBRARIES.
+# 'interposer', 'strace' or 'lint' exist only in builds without a sanitizer; 'interposer' links the interposer in front of
+# the LIBRARIES.
 function(orva_test name)
     cmake_parse_arguments(ARG "" "FAMILY" "SOURCES;LIBRARIES;LABELS;ENVIRONMENT" ${ARGN})
     if(ORVA_SANITIZE)
