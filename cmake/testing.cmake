@@ -8,13 +8,14 @@ set(ORVA_LABELS_WITHOUT_SANITIZER interposer strace lint)
 set(ORVA_LEFT_OUT_TESTS ${CMAKE_BINARY_DIR}/left_out_tests)    # one line a test that this build leaves out
 file(WRITE ${ORVA_LEFT_OUT_TESTS} "")
 
-# orva_test(<name> FAMILY <family> SOURCES <files> [LIBRARIES <targets>] [LABELS <labels>] [ENVIRONMENT <NAME=value>])
+# orva_test(<name> FAMILY <family> SOURCES <files> [LIBRARIES <targets>] [LABELS <labels>] [ENVIRONMENT <NAME=value>]
+#           [WITHOUT_KETT])
 #
 # Builds the test program <name> and registers its tests under the label <family> and the further LABELS. Tests labelled
 # 'interposer', 'strace' or 'lint' exist only in builds without a sanitizer; 'interposer' links the interposer in front of
-# the LIBRARIES.
+# the LIBRARIES. Every test program links libkett, unless it is told not to.
 function(orva_test name)
-    cmake_parse_arguments(ARG "" "FAMILY" "SOURCES;LIBRARIES;LABELS;ENVIRONMENT" ${ARGN})
+    cmake_parse_arguments(ARG "WITHOUT_KETT" "FAMILY" "SOURCES;LIBRARIES;LABELS;ENVIRONMENT" ${ARGN})
     if(ORVA_SANITIZE)
         foreach(label ${ARG_LABELS})
             if(label IN_LIST ORVA_LABELS_WITHOUT_SANITIZER)
@@ -32,6 +33,9 @@ function(orva_test name)
         list(PREPEND ARG_LIBRARIES orva_interposer)
     endif()
     add_executable(${name} ${ARG_SOURCES})
+    if(NOT ARG_WITHOUT_KETT)
+        list(APPEND ARG_LIBRARIES kett::kett)
+    endif()
     target_link_libraries(${name} PRIVATE ${ARG_LIBRARIES} orva_test_support GTest::gtest_main orva_compile_options)
     gtest_discover_tests(${name} DISCOVERY_MODE PRE_TEST DISCOVERY_TIMEOUT 60)
 

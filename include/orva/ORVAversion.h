@@ -1,12 +1,21 @@
 /** @file
- *  The version of the library.
+ *  The version of the library: four numbers, called major, minor, release and build, and one line of text that also names
+ *  the day of compilation.
+ *
+ *      int32_t major, minor;
+ *      ORVAVERSION_Number(&major, &minor, NULL, NULL);
+ *      if (major != 3 || minor < 7)
+ *          puts("needs liborva 3.7 or a later 3");
+ *      else
+ *          puts(ORVAVERSION_String());
  */
 #ifndef ORVA_ORVAVERSION_H
 #define ORVA_ORVAVERSION_H
 
 #include <orva/ORVAtypes.h>
 
-/** The version as one line, such as "liborva version 3.7.18.0 (built in Jun  3 2020)".
+/** The version as one line, such as "liborva version 3.7.18.0 (built in Jun  3 2020)": the month in three letters, the day
+ *  padded to two places by a blank, the year.
  *
  *  @return the text: the same pointer at each call, valid until the library is unloaded, never freed by the caller.
  *

@@ -2,14 +2,22 @@
 
 #include "core/ORVAversion_internal.h"
 
+#include <atomic>
+#include <cstddef>
 #include <cstdio>
 
 static char version_string[256];
 
 const char *ORVAVERSION_String(void)
 {
-    std::snprintf(version_string, sizeof version_string, "liborva version %d.%d.%d.%d (built in %s)",
-                  versionMajor, versionMinor, versionRelease, versionBuild, __DATE__);
+    char text[sizeof version_string] = {};
+    std::snprintf(text, sizeof text, "liborva version %d.%d.%d.%d (built in %s)", versionMajor, versionMinor,
+                  versionRelease, versionBuild, __DATE__);
+
+    // Each byte is only ever replaced by its equal, so that who reads the text while another thread asks for it
+    // anew sees it whole. A formatted write would empty the buffer for a moment.
+    for (size_t i = 0; i < sizeof text; ++i)
+        std::atomic_ref(version_string[i]).store(text[i], std::memory_order_relaxed);
     return version_string;
 }
 
