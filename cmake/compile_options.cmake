@@ -17,7 +17,8 @@ target_compile_options(orva_compile_options INTERFACE
     -ffp-contract=off)                                    # a fused multiply-add rounds once where the results round twice
 if(ORVA_SANITIZE)
     target_compile_options(orva_compile_options INTERFACE
-        -fsanitize=${ORVA_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer)
+        -fsanitize=${ORVA_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer
+        $<$<CXX_COMPILER_ID:GNU>:-Wno-maybe-uninitialized>)    # sees ghosts in instrumented standard templates
     target_link_options(orva_compile_options INTERFACE -fsanitize=${ORVA_SANITIZE})
 endif()
 

@@ -1,0 +1,65 @@
+#include <array>
+#include <atomic>
+#include <functional>
+#include <gtest/gtest.h>
+#include <orva/ORVAversion.h>
+#include <regex>
+#include <string>
+#include <thread>
+
+TEST(VersionNumber, EachPointerMayBeNull)
+{
+    constexpr std::array<int32_t, 4> version = {3, 7, 18, 0};
+    for (unsigned mask = 0; mask < 16; ++mask) {
+        std::array<int32_t, 4> stored = {-1, -1, -1, -1};
+        const auto target = [&](unsigned i) { return (mask >> i & 1u) != 0 ? &stored[i] : nullptr; };
+        ORVAVERSION_Number(target(0), target(1), target(2), target(3));
+        for (unsigned i = 0; i < 4; ++i)
+            EXPECT_EQ(stored[i], (mask >> i & 1u) != 0 ? version[i] : -1) << "mask " << mask;
+    }
+}
+
+TEST(VersionNumber, IsTheVersionOfTheBuild)
+{
+    int32_t major = -1, minor = -1, release = -1;
+    ORVAVERSION_Number(&major, &minor, &release, nullptr);
+    EXPECT_EQ(std::to_string(major) + "." + std::to_string(minor) + "." + std::to_string(release),
+              PROJECT_VERSION);
+}
+
+TEST(VersionString, IsOneLineWithTheDayOfCompilation)
+{
+    const std::regex line(
+        R"(liborva version 3\.7\.18\.0 \(built in )"
+        R"((Jan|Feb|Mar|Apr|May|Jun|Jul|Aug|Sep|Oct|Nov|Dec) ( [1-9]|[12]\d|3[01]) \d{4}\))");
+    EXPECT_TRUE(std::regex_match(ORVAVERSION_String(), line)) << ORVAVERSION_String();
+}
+
+TEST(VersionString, IsTheSamePointerEachTimeAndRewritten)
+{
+    const char *const text = ORVAVERSION_String();
+    const std::string before = text;
+    EXPECT_EQ(ORVAVERSION_String(), text);
+    EXPECT_EQ(text, before);
+
+    const_cast<char *>(text)[0] = '?'; // the buffer is writable inside the library
+    EXPECT_EQ(ORVAVERSION_String(), before);
+}
+
+TEST(VersionString, IsNeverSeenEmptyOrTornByAnotherThread)
+{
+    const std::string expected = ORVAVERSION_String();
+    std::array<int, 2> wrong = {};
+    const auto ask = [&](int &count) {
+        for (int i = 0; i < 3000; ++i) {
+            const char *const text = ORVAVERSION_String();
+            for (size_t k = 0; k <= expected.size(); ++k)
+                count += std::atomic_ref(const_cast<char &>(text[k])).load(std::memory_order_relaxed) !=
+                         expected.c_str()[k];
+        }
+    };
+    std::thread other(ask, std::ref(wrong[1]));
+    ask(wrong[0]);
+    other.join();
+    EXPECT_EQ(wrong[0] + wrong[1], 0);
+}
