@@ -20,7 +20,7 @@ struct KT_FILE {
     char *temporary; // path of what is written, beside the target
 };
 
-// More in one call than a system call takes.
+// In bytes; less than the most that one system call takes.
 static constexpr uint64_t longestTransfer = uint64_t{1} << 30;
 
 bool KTIO_FileExists(const char *path)
@@ -89,16 +89,16 @@ static bool openToWrite(KT_FILE *file, const char *path)
     if (file->target == nullptr)
         return false;
     struct stat old;
-    if (stat(file->target, &old) != 0)
-        return errno == ENOENT && createTemporary(file, 0666);
+    if (lstat(file->target, &old) != 0)
+        return errno == ENOENT && createTemporary(file, 0666); // less the umask
     if (!S_ISREG(old.st_mode) || !kett::mayReplace(file->target, old))
         return false;
-    // Closed to others until it has the old file's owner and mode, as somebody may already look into it.
+    // Closed to everybody else until it has the old file's owner and mode.
     if (!createTemporary(file, 0600))
         return false;
-    if (fchown(file->descriptor, old.st_uid, old.st_gid) != 0) {
-        // Not ours to give away: the file then belongs to whoever writes it.
-    }
+    // Succeeds where a superuser writes a user's file, which stays that user's; elsewhere it belongs to its
+    // writer.
+    [[maybe_unused]] const int chowned = fchown(file->descriptor, old.st_uid, old.st_gid);
     if (fchmod(file->descriptor, old.st_mode & 0777) == 0)
         return true;
     close(file->descriptor);

@@ -11,6 +11,12 @@ public:
     NumericLocaleC();
     ~NumericLocaleC();
 
+    // False when memory was out; the host's locale is then in force.
+    bool isInForce() const
+    {
+        return here != nullptr;
+    }
+
     NumericLocaleC(const NumericLocaleC &) = delete;
     NumericLocaleC &operator=(const NumericLocaleC &) = delete;
 

@@ -97,13 +97,12 @@ int32_t KTMEM_DisposeMemDescr(KT_MEM *memory)
 {
     if (memory == nullptr)
         return 0;
-    {
+    if (memory->isShown) {
         const Hold hold(Data::descriptors);
         KT_MEM **link = &shownDescriptors;
-        while (*link != nullptr && *link != memory)
+        while (*link != memory)
             link = &(*link)->nextShown;
-        if (*link != nullptr)
-            *link = memory->nextShown;
+        *link = memory->nextShown;
     }
     release(memory);
     return 1;
@@ -117,9 +116,9 @@ void KTMEM_DisplayMemDescr(KT_MEM *memory)
         KTDEBUG_Log(-1, "KTMEM_DisplayMemDescr: '%s': %llu blocks, %llu bytes\n", memory->name,
                     static_cast<unsigned long long>(memory->blockCount),
                     static_cast<unsigned long long>(memory->byteCount));
-    const Hold hold(Data::descriptors);
     if (memory->isShown)
         return;
+    const Hold hold(Data::descriptors);
     memory->isShown = true;
     memory->nextShown = shownDescriptors;
     shownDescriptors = memory;

@@ -25,8 +25,7 @@ static char *joined(std::string_view folder, std::string_view separator, std::st
         return nullptr;
     char *end = path;
     for (const auto part : {folder, separator, name}) {
-        std::memcpy(end, part.data(), part.size());
-        end += part.size();
+        end += part.copy(end, part.size());
     }
     *end = '\0';
     return path;
@@ -60,24 +59,25 @@ static char *linkedPath(const char *path)
     return joined(linked.starts_with('/') ? std::string_view() : folderOf(path), "", linked);
 }
 
+// Links from link to link, as the system counts them.
+static constexpr int mostLinks = 40;
+
 char *resolvedTarget(const char *path)
 {
     char *current = copied(path);
-    while (current != nullptr) {
-        char *target = realpath(current, nullptr);
-        if (target == nullptr && errno == ENOENT) {
-            // A circle of links gives ELOOP above, so this walk ends.
-            if (char *linked = linkedPath(current); linked != nullptr) {
-                std::free(current);
-                current = linked;
-                continue;
-            }
+    char *target = current != nullptr ? realpath(current, nullptr) : nullptr;
+    for (int i = 0; i < mostLinks && target == nullptr && current != nullptr && errno == ENOENT; ++i) {
+        char *linked = linkedPath(current);
+        if (linked == nullptr) {
             target = resolvedNewFile(current);
+            break;
         }
         std::free(current);
-        return target;
+        current = linked;
+        target = realpath(current, nullptr);
     }
-    return nullptr;
+    std::free(current);
+    return target;
 }
 
 bool mayReplace(const char *target, const struct stat &old)

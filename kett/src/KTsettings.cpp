@@ -8,6 +8,7 @@
 #include "KTunload.h"
 
 #include <cstdarg>
+#include <cstdlib>
 
 namespace
 {
@@ -81,7 +82,7 @@ static bool set(char *Setting::*place, const char *format, va_list arguments)
         return false;
     const kett::NumericLocaleC locale;
     const kett::FormattedText formatted(format, arguments);
-    if (!formatted.complete)
+    if (!locale.isInForce() || !formatted.complete)
         return false;
     const KeyAndValue given(formatted.text);
     if (given.key.empty() || given.value.empty())

@@ -2,7 +2,6 @@
 #pragma once
 
 #include <cstdlib>
-#include <cstring>
 #include <string_view>
 
 namespace kett
@@ -44,7 +43,7 @@ inline char *copied(std::string_view text)
 {
     auto *copy = static_cast<char *>(std::malloc(text.size() + 1));
     if (copy != nullptr) {
-        std::memcpy(copy, text.data(), text.size());
+        text.copy(copy, text.size());
         copy[text.size()] = '\0';
     }
     return copy;

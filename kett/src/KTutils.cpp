@@ -6,7 +6,7 @@
 // it leaves.
 static int16_t rounded(float scaled)
 {
-    if (!(scaled == scaled))
+    if (std::isnan(scaled))
         return 0;
     if (scaled >= 32767.0f)
         return 32767;

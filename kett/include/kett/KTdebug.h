@@ -1,8 +1,10 @@
 /** @file
  *  The log: four levels that go to one sink, by default the standard error stream.
  *
- *  A message reaches the sink exactly as it was formatted, in one call, with nothing added or trimmed; a line feed is
- *  there only if the message ends in one. The default sink writes each message by one system call.
+ *  A message reaches the sink exactly as it was formatted, in one call, with nothing added or trimmed; a line
+ *  feed is there only if the message ends in one. The default sink writes each message by one system call. A
+ *  message may have any length; only where memory is out, it is cut to 1023 characters. A format that printf
+ *  refuses is written as it stands, and a null format writes nothing.
  *
  *      static void keep(void *context, int32_t level, int32_t code, const char *text) { ... }
  *
@@ -33,8 +35,8 @@ typedef enum {
  */
 typedef void (*KTDEBUG_SINK)(void *context, int32_t level, int32_t code, const char *text);
 
-/** Sends all further messages to `sink`. When the call returns, the sink set before is not running any more and is not
- *  called again.
+/** Sends all further messages to `sink`. When the call returns, the sink set before is not running any more
+ *  and is not called again.
  *
  *  @param sink     the new sink, or null for the default, standard error.
  *  @param context  passed to every call of `sink`.

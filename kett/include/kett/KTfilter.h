@@ -16,13 +16,15 @@
  *  @param denominator       a: `coefficientCount` doubles, the first equal to 1.0 and not read.
  *  @param numerator         b: `coefficientCount` doubles.
  *  @param coefficientCount  the filter's order plus one; 0 or less writes zeros to `output`.
- *  @param state1            s: `coefficientCount` + 1 doubles, zeros before the first block, kept from block to block.
+ *  @param state1            s: `coefficientCount` + 1 doubles, zeros before the first block, kept from block
+ *                           to block.
  *  @param state2            as many doubles, left as they are; may be null.
  *  @param input             `sampleCount` floats.
  *  @param output            out: `sampleCount` doubles; must not overlap `input`.
  *  @param sampleCount       samples; 0 or less changes nothing.
  *
- *  Threads: any; one state belongs to one thread at a time.   Real time: yes (no heap, lock, log or system call).
+ *  Threads: any; one state belongs to one thread at a time.
+ *  Real time: yes (no heap, lock, log or system call).
  *  Source: A. V. Oppenheim, R. W. Schafer, "Discrete-Time Signal Processing", section on transposed forms.
  */
 KT_API void FilterBlockFloat(const double *denominator, const double *numerator, int32_t coefficientCount,

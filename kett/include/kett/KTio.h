@@ -1,9 +1,16 @@
 /** @file
  *  Files, read whole or replaced whole.
  *
- *  A file opened with "w" is written beside its target under a unique temporary name; KTIO_CloseFile() flushes it to the
- *  disk and puts it in the target's place in one step. A crash, a full disk or a second process thus leaves the old
- *  content or the new one, never a mixture. The new file keeps the old one's mode, and a symbolic link is followed.
+ *  A file opened with "w" is written beside its target under a unique temporary name; KTIO_CloseFile()
+ *  flushes it to the disk and puts it in the target's place in one step. A crash, a full disk or a second
+ *  process thus leaves the old content or the new one, never a mixture. The new file keeps the old one's
+ *  permissions, and a symbolic link is followed, also one that leads to a file not there yet. Only regular
+ *  files are opened; nothing here waits for a pipe or a device.
+ *
+ *      KT_FILE *file = KTIO_Open("/var/lib/host/store", "w");
+ *      KTIO_WriteData(file, text, length);
+ *      if (!KTIO_CloseFile(file))               // true: store holds the text; false: it holds what it held
+ *          ...
  */
 #ifndef KETT_KTIO_H
 #define KETT_KTIO_H
@@ -26,8 +33,10 @@ KT_API bool KTIO_FileExists(const char *path);
  *
  *  @param path  the path, not null.
  *  @param mode  "r" to read, "w" to replace the content when the file is closed.
- *  @return      the file, or null when it cannot be opened: no such file, a folder, no right to read or to write it (also
- *               where the folder, or the file to be replaced, refuses), another mode, memory out. Nothing has then changed.
+ *  @return      the file, or null when it cannot be opened: no such file (with "w": no such folder), a folder
+ *               or anything else that is no regular file, no right to read or to write it (also where the
+ *               folder, or the file to be replaced, refuses), another mode, memory out. Nothing has then
+ *               changed.
  *
  *  Threads: any; one file belongs to one thread at a time.   Real time: no (allocates, system calls).
  */
@@ -38,39 +47,43 @@ KT_API KT_FILE *KTIO_Open(const char *path, const char *mode);
  *  @param file  an open file; null gives 0.
  *  @return      bytes; for a file being written, the bytes written so far.
  *
- *  Real time: no (system call).
+ *  Threads: one at a time for a file.   Real time: no (system call).
  */
 KT_API int64_t KTIO_FileSize(KT_FILE *file);
 
 /** Reads on from where the last read ended.
  *
  *  @param file    a file opened with "r"; null reads nothing.
- *  @param buffer  out: `size` bytes; those behind the end of the file stay as they were.
+ *  @param buffer  out: `size` bytes; those behind the end of the file stay as they were. Null reads nothing.
  *  @param size    bytes to read.
- *  @return        bytes read, fewer than `size` at the end of the file or on an error.
+ *  @return        bytes read, fewer than `size` at the end of the file or on an error; 0 from a file opened
+ *                 with "w".
  *
- *  Real time: no (system call).
+ *  Threads: one at a time for a file.   Real time: no (system call).
  */
 KT_API uint64_t KTIO_ReadData(KT_FILE *file, void *buffer, uint64_t size);
 
 /** Appends bytes as they are.
  *
  *  @param file    a file opened with "w"; null writes nothing.
- *  @param buffer  `size` bytes.
+ *  @param buffer  `size` bytes; null writes nothing, which is a short write unless `size` is 0.
  *  @param size    bytes to write.
- *  @return        bytes written. After a short write the file is lost: KTIO_CloseFile() then leaves the target as it was.
+ *  @return        bytes written. After a short write the file is lost: KTIO_CloseFile() then leaves the
+ *                 target as it was. 0 to a file opened with "r".
  *
- *  Real time: no (system call).
+ *  Threads: one at a time for a file.   Real time: no (system call).
  */
 KT_API uint64_t KTIO_WriteData(KT_FILE *file, const void *buffer, uint64_t size);
 
 /** Closes a file; for one opened with "w", makes what was written the content of its target.
  *
  *  @param file  an open file, or null, which does nothing and gives false. The handle is gone after the call.
- *  @return      true if all went well; false when a write, the flush or the replacement failed. The target is then as it
- *               was before KTIO_Open(), and the temporary file is gone.
+ *  @return      true if all went well; false when a write, the flush or the replacement failed. The target is
+ *               then as it was before KTIO_Open(), and the temporary file is gone. Once the new content
+ *               stands in its place the result is true, even where the folder itself cannot be flushed to the
+ *               disk.
  *
- *  Real time: no (system calls, frees memory).
+ *  Threads: one at a time for a file.   Real time: no (system calls, frees memory).
  */
 KT_API bool KTIO_CloseFile(KT_FILE *file);
 

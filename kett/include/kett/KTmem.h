@@ -32,7 +32,8 @@ KT_API KT_MEM *KTMEM_CreateMemDescrEx(const char *name, uint32_t blockSize, uint
  *  @param memory  the descriptor; null gives null.
  *  @param size    bytes; 0 gives a valid pointer to none.
  *  @param flags   not used.
- *  @return        the block, zeroed and aligned to 16 bytes, or null when memory is out or the size cannot be had.
+ *  @return        the block, zeroed and aligned to 16 bytes, or null when memory is out or the size cannot be
+ *                 had.
  *
  *  Threads: one at a time for a descriptor.   Real time: no (allocates).
  */
@@ -43,7 +44,8 @@ KT_API void *KTMEM_NewEx(KT_MEM *memory, uint64_t size, uint32_t flags);
  *  @param memory     the descriptor; null gives null.
  *  @param alignment  bytes, a power of two; less than 16 counts as 16.
  *  @param size       bytes; 0 gives a valid pointer to none.
- *  @return           the block, zeroed, or null when memory is out, the size cannot be had or `alignment` is no power of two.
+ *  @return           the block, zeroed, or null when memory is out, the size cannot be had or `alignment` is
+ *                    no power of two.
  *
  *  Threads: one at a time for a descriptor.   Real time: no (allocates).
  */
@@ -68,8 +70,8 @@ KT_API float *KTMEM_NewFloatVector(KT_MEM *memory, int32_t count);
  */
 KT_API int32_t KTMEM_DisposeMemDescr(KT_MEM *memory);
 
-/** Marks the descriptor as shown and, when the setting "kett.mem.display=[0]" is on, logs its name, the number of its
- *  blocks and their bytes. The descriptor stays allocated.
+/** Marks the descriptor as shown and, when the setting "kett.mem.display=[0]" is on, logs its name, the
+ *  number of its blocks and their bytes. The descriptor stays allocated.
  *
  *  @param memory  the descriptor; null does nothing.
  *
@@ -77,8 +79,8 @@ KT_API int32_t KTMEM_DisposeMemDescr(KT_MEM *memory);
  */
 KT_API void KTMEM_DisplayMemDescr(KT_MEM *memory);
 
-/** Frees every descriptor that has been shown by KTMEM_DisplayMemDescr() and not been disposed of since, for hosts that
- *  want back what an owner has left behind.
+/** Frees every descriptor that has been shown by KTMEM_DisplayMemDescr() and not been disposed of since, for
+ *  hosts that want back what an owner has left behind.
  *
  *  @return the number of descriptors freed.
  *

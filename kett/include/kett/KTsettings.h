@@ -5,20 +5,25 @@
  *
  *      int64_t longest = KTSETTINGS_GetIntEx(NULL, "orva.fftw.max_plan_len=[4096]");
  *
- *  The answer is the stored value; else a default set by KTSETTINGS_SetDefaultEx(); else the default in the text. That
- *  last one is never remembered. A value that does not parse as the asked type counts as absent. Booleans are 1/0,
- *  true/false, yes/no or on/off in any case, and any other integer but 0 is true. Keys are case-sensitive.
+ *  The answer is the first of these that parses: the stored value; else a default set by
+ *  KTSETTINGS_SetDefaultEx(); else the default in the text. That last one is never remembered. Blanks around
+ *  a key or a value do not count. A value that does not parse as the asked type counts as absent, and so does
+ *  a number out of range. Integers are decimal; a fraction or exponent is allowed, and what is behind the
+ *  point is cut off. Booleans are 1/0, true/false, yes/no or on/off in any case, and any other integer but 0
+ *  is true. A text is formatted with the point as decimal sign, whatever the locale. Keys are case-sensitive.
  *
  *      KTSETTINGS_SetEx(NULL, "orva.fftw.max_plan_len=%d", 1024);
  *
- *  Every operation may be called from any thread at any time; all take a lock, so none is for a real-time thread.
+ *  Every operation may be called from any thread at any time; all take a lock, so none is for a real-time
+ *  thread.
  */
 #ifndef KETT_KTSETTINGS_H
 #define KETT_KTSETTINGS_H
 
 #include <kett/KTtypes.h>
 
-/** A settings store. There is one, the global store, and null stands for it. */
+/** A settings store. There is one, the global store, and null stands for it;
+ *  the argument is not looked at. */
 typedef struct KT_SETTINGS KT_SETTINGS;
 
 #if defined(__GNUC__)
@@ -47,7 +52,8 @@ KT_API int64_t KTSETTINGS_GetIntEx(KT_SETTINGS *settings, const char *keyWithDef
  *
  *  @param settings  null, the global store.
  *  @param format    printf-style "key=value", followed by what it asks for.
- *  @return          true, or false when the text holds no key and value or memory is out; nothing has then changed.
+ *  @return          true, or false when the text holds no key and value or memory is out; nothing has then
+ *                   changed.
  */
 KT_API bool KTSETTINGS_SetDefaultEx(KT_SETTINGS *settings, const char *format, ...) KTSETTINGS_FORMAT;
 
@@ -55,14 +61,15 @@ KT_API bool KTSETTINGS_SetDefaultEx(KT_SETTINGS *settings, const char *format, .
  *
  *  @param settings  null, the global store.
  *  @param format    printf-style "key=value", followed by what it asks for.
- *  @return          true, or false when the text holds no key and value or memory is out; nothing has then changed.
+ *  @return          true, or false when the text holds no key and value or memory is out; nothing has then
+ *                   changed.
  */
 KT_API bool KTSETTINGS_SetEx(KT_SETTINGS *settings, const char *format, ...) KTSETTINGS_FORMAT;
 
 /** Takes a stored value away; defaults stay.
  *
  *  @param settings  null, the global store.
- *  @param key       the key.
+ *  @param key       the key; null is absent.
  *  @return          true if a value was stored.
  */
 KT_API bool KTSETTINGS_UnsetEx(KT_SETTINGS *settings, const char *key);

@@ -6,8 +6,8 @@
 
 #include <kett/KTtypes.h>
 
-/** A started thread. Its record lives until libkett is unloaded, so that it can be joined at any later time, by several
- *  threads and again. */
+/** A started thread. Its record lives until libkett is unloaded, so that it can be joined at any later time,
+ *  by several threads and again. */
 typedef struct KT_THREAD KT_THREAD;
 
 /** The body of a thread.
@@ -19,7 +19,7 @@ typedef int32_t (*KTTHREAD_FUNCTION)(void *argument);
 
 /** Starts a function at once on a new thread, which blocks all signals.
  *
- *  @param function  the body; null starts nothing.
+ *  @param function  the body; null starts nothing and gives null.
  *  @param argument  its argument.
  *  @param flags     not used.
  *  @return          the thread, or null when it could not be started.
@@ -28,14 +28,14 @@ typedef int32_t (*KTTHREAD_FUNCTION)(void *argument);
  */
 KT_API KT_THREAD *KTTHREAD_AddThread(KTTHREAD_FUNCTION function, void *argument, int32_t flags);
 
-/** Blocks until the thread has ended. Several threads may wait for one, and a thread that has ended long since, or has
- *  been joined before, is joined at once.
+/** Blocks until the thread has ended. Several threads may wait for one, and a thread that has ended long
+ *  since, or has been joined before, is joined at once.
  *
  *  @param thread  the thread; null does nothing.
  *  @param flags   not used.
- *  @return        1, or 0 for null.
+ *  @return        1; 0 for null, and at once for a thread that would join itself.
  *
- *  Threads: any but the thread itself.   Real time: no (waits).
+ *  Threads: any.   Real time: no (waits).
  */
 KT_API int32_t KTTHREAD_JoinThreadEx(KT_THREAD *thread, int32_t flags);
 

@@ -1,8 +1,9 @@
 /** @file
  *  Kernels over vectors of floats, any alignment.
  *
- *  A length of zero or below is an empty vector. All are pure functions of their arguments: any thread, at any time, real
- *  time: yes (no heap, lock, log or system call). The bits of a result do not depend on alignment or processor.
+ *  A length of zero or below is an empty vector. All are pure functions of their arguments: any thread, at
+ *  any time, real time: yes (no heap, lock, log or system call). The bits of a result do not depend on
+ *  alignment or processor.
  */
 #ifndef KETT_KTVECTOR_H
 #define KETT_KTVECTOR_H

@@ -1,6 +1,6 @@
 /** @file
- *  All of libkett, the foundation under liborva: log, settings, configuration strings, files, memory descriptors, threads,
- *  mutexes and a few vector kernels.
+ *  All of libkett, the foundation under liborva: log, settings, configuration strings, files, memory
+ *  descriptors, threads, mutexes and a few vector kernels.
  */
 #ifndef KETT_KETT_H
 #define KETT_KETT_H
