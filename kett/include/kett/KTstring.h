@@ -11,33 +11,43 @@
  *      value  := word | '"' text '"' | '[' row { ';' row } ']' | '[' '[' row ']' { [','] '[' row ']' } ']'
  *      row    := number { gap number }      gap := white space with at most one ',' in it, or one ','
  *
- *  White space is the six ASCII blanks. It is allowed after '[' and around ']', ';' and ','; a last row may be followed
- *  by ';'. A key is a run of characters other than white space and ; , = " [ ] and is case-sensitive. A word runs to the
- *  next white space, ';' or ','. Quotes have no escapes; quoted text may be empty or hold separators and is never a
- *  vector. An unclosed quote or bracket makes no pair and ends the reading; whatever else is no pair is skipped to the
- *  next separator.
+ *  White space is the six ASCII blanks. It is allowed after '[' and around ']', ';' and ','; a last row may
+ *  be followed by ';'. A key is a run of characters other than white space and ; , = " [ ] and is
+ *  case-sensitive. The value is what follows '=' and blanks on it; a separator or the end there means no pair
+ *  ("type=; order=4" has no type).
  *
- *  Numbers are decimal with the point as decimal sign, whatever the locale, with an optional sign, and use their whole
- *  word; no hexadecimal, infinity or not-a-number. What does not parse as the asked type, or is out of its range, counts
- *  as absent and gives the default.
+ *  A word runs to the next white space, ';' or ',', and '=' may stand in it. Quotes have no escapes; quoted
+ *  text may be empty or hold separators, is never a vector, and is a number or a boolean when that is all it
+ *  holds. A bracket runs to the one that closes it, whatever stands between them; '[]' is a text, but no
+ *  vector.
  *
- *  In every operation a null configuration is an empty one. All are pure functions of their arguments: any thread, at any
- *  time, real time: yes (no heap, lock, log or system call; time grows with the length of the text).
+ *  Quotes and brackets open only where a value begins. An unclosed one makes no pair and ends the reading; a
+ *  closed one makes no pair when anything but a separator follows on it. Whatever is no pair is skipped to
+ *  the next separator. Of equal keys the last pair holds, also when its value is not of the asked type.
+ *
+ *  Numbers are decimal with the point as decimal sign, whatever the locale, with an optional sign, and use
+ *  their whole word; "5." and ".5" are numbers, hexadecimal, infinity and not-a-number are none. What does
+ *  not parse as the asked type, or is out of its range, counts as absent and gives the default.
+ *
+ *  In every operation a null configuration is an empty one. All are pure functions of their arguments: any
+ *  thread, at any time, real time: yes (no heap, lock, log or system call; time grows with the length of the
+ *  text).
  */
 #ifndef KETT_KTSTRING_H
 #define KETT_KTSTRING_H
 
 #include <kett/KTtypes.h>
 
-/** Looks up a value as text. A bracketed value gives its text, brackets included; a quoted one what stands inside.
+/** Looks up a value as text. A bracketed value gives its text, brackets included; a quoted one what stands
+ *  inside.
  *
  *  @param config        the configuration string.
  *  @param key           the key; null is absent.
- *  @param defaultValue  written when the key is absent; may be null.
+ *  @param defaultValue  written when the key is absent; may be null, and may stand in `output`.
  *  @param output        out: the text, cut to `size` - 1 characters and terminated; may be null.
  *  @param size          room in bytes.
- *  @return              1; 0 when the key is absent and `defaultValue` null, or when `output` is null or `size` not above
- *                       0; nothing is then written.
+ *  @return              1; 0 when the key is absent and `defaultValue` null, or when `output` is null or
+ *                       `size` not above 0; nothing is then written.
  */
 KT_API int32_t KTSTRING_GetStringValueFromString(const char *config, const char *key,
                                                  const char *defaultValue, char *output, int32_t size);
@@ -61,6 +71,7 @@ KT_API int32_t KTSTRING_GetIntegerValueFromString(const char *config, const char
 KT_API float KTSTRING_GetFloatValueFromString(const char *config, const char *key, float defaultValue);
 
 /** Looks up a boolean: 1/0, true/false, yes/no, on/off in any case; any other integer but 0 is true.
+ *  A fraction is cut first, so that 0.5 is false.
  *
  *  @param config        the configuration string.
  *  @param key           the key; null is absent.
@@ -78,13 +89,15 @@ KT_API bool KTSTRING_GetBooleanValueFromString(const char *config, const char *k
  */
 KT_API int32_t KTSTRING_GetVectorSizeFromString(const char *config, const char *key, int32_t *size);
 
-/** Reads the elements of a vector in order.
+/** Reads the elements of a vector in order, each rounded once from the text. One that is no number or too
+ *  large makes it no vector.
  *
  *  @param config    the configuration string.
  *  @param key       the key; null is absent.
  *  @param output    out: the elements, as many as there are and fit; nothing else is written; may be null.
  *  @param capacity  room in doubles.
- *  @return          the number of elements written, 0 when the key holds no vector.
+ *  @return          the number of elements written; 0 when the key holds no vector, `output` is null or
+ *                   `capacity` is not above 0.
  */
 KT_API int32_t KTSTRING_GetDoubleVectorValuesFromString(const char *config, const char *key, double *output,
                                                         int32_t capacity);
@@ -100,15 +113,17 @@ KT_API int32_t KTSTRING_GetDoubleVectorValuesFromString(const char *config, cons
 KT_API int32_t KTSTRING_GetMatrixSizeFromString(const char *config, const char *key, int32_t *rows,
                                                 int32_t *columns);
 
-/** Reads the elements of a matrix row by row, one after the other.
+/** Reads the elements of a matrix row by row, one after the other without a break, also where `columns` is
+ *  not the length of its rows.
  *
  *  @param config   the configuration string.
  *  @param key      the key; null is absent.
- *  @param output   out: the elements, as many as there are and fit in `rows` times `columns`; nothing else is written; may
- *                  be null.
+ *  @param output   out: the elements, as many as there are and fit in `rows` times `columns`; nothing else is
+ *                  written; may be null.
  *  @param rows     room: rows.
  *  @param columns  room: columns.
- *  @return         the number of elements written, 0 when the key holds no matrix.
+ *  @return         the number of elements written; 0 when the key holds no matrix, `output` is null, or
+ *                  `rows` or `columns` is not above 0.
  */
 KT_API int32_t KTSTRING_GetDoubleMatrixValuesFromString(const char *config, const char *key, double *output,
                                                         int32_t rows, int32_t columns);
@@ -120,8 +135,8 @@ KT_API int32_t KTSTRING_GetDoubleMatrixValuesFromString(const char *config, cons
  */
 KT_API void KTSTRING_Strlwr(char *text, int32_t flags);
 
-/** Compares two texts without regard to the case of A-Z. The terminating null takes part, so a text differs from its own
- *  beginning when the count reaches that far.
+/** Compares two texts without regard to the case of A-Z. The terminating null takes part, so a text differs
+ *  from its own beginning when the count reaches that far.
  *
  *  @param first   a text; a null pointer counts as an empty text.
  *  @param second  another.
