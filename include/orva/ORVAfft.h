@@ -96,20 +96,123 @@ ORVA_API bool ORVA_OptimizeFFT(bool wait);
 
 /* Processors */
 
-/** A transform of one length in one direction. */
+/** A transform of one length N in one direction: forward (real to complex) or inverse (complex to real).
+ *
+ *  Real data is N floats. Complex data is bins 0 to floor(N / 2), each a real and an imaginary part; bin 0 is
+ *  the constant term, and for even N the last bin is the one at half the sampling rate. The upper half of the
+ *  spectrum is the mirror of it and is never stored. So floor(N / 2) + 1 complex values are meaningful, while
+ *  ORVA_CreateComplexVector() gives room for N.
+ *
+ *      X[k] = sum over n of x[n] exp(-2 pi i k n / N)                           forward, not scaled
+ *      x[n] = sum over all N bins of X[k] exp(2 pi i k n / N), over N if asked  inverse
+ *
+ *  Every array of floats or complex values must be aligned to 16 bytes, as fftwf_malloc(),
+ *  ORVA_CreateComplexVector() and KTMEM_NewAligned() align. That is not checked, nor is the direction of the
+ *  handle: a call with an array or a handle of the wrong kind may do anything FFTW does with it.
+ *
+ *  A processor holds no buffers, and an execution only reads it: one may serve several threads, each with
+ *  arrays of its own. It is created and destroyed while the engine runs.
+ *
+ *  Executions take no lock, and this library allocates nothing in them but the work array told below. FFTW
+ *  itself takes a block from the heap at some lengths. Measured with FFTW 3.3.10 and an empty wisdom, it does
+ *  so in every execution at odd lengths, apart from 1 to 15 and 25, and at even lengths with a prime factor
+ *  of 37 or more (74, 82, 94 ...); at no other even length up to 4200, nor at powers of two up to 4194304. A
+ *  wisdom store may change which lengths these are. A real-time thread uses powers of two.
+ *
+ *      ORVA_FFT *fft = ORVA_FFTProcCreate(1024);
+ *      ORVA_COMPLEX *work = ORVA_CreateComplexVector(fft);
+ *      ...
+ *      ORVA_ApplyWindow(window, frame, 1024);                                 // frame by frame
+ *      int32_t bins = ORVA_FFTProcExecutePSDEx(fft, frame, power, work);      // 513; power holds 516 floats
+ *      ORVA_PSDtoDB(1024, power, decibels, NULL, 1.0, 120.0);
+ *      ...
+ *      ORVA_DestroyComplexVector(work);
+ *      ORVA_FFTProcDestroy(fft);
+ */
 typedef struct ORVA_FFT ORVA_FFT;
 
+/** Makes a forward processor.
+ *
+ *  @param length  N, real samples; every length that FFTW accepts, fastest with small prime factors.
+ *  @return        the processor, to be given to ORVA_FFTProcDestroy(); null when memory is out. At a length
+ *                 that FFTW refuses, zero and below among them, a processor that executes nothing.
+ *
+ *  Threads: any, while the engine runs.   Real time: no (allocates, locks, plans, may read the wisdom store).
+ */
 ORVA_API ORVA_FFT *ORVA_FFTProcCreate(int32_t length);
 
+/** Makes an inverse processor.
+ *
+ *  @param length  N, real samples, as for ORVA_FFTProcCreate().
+ *  @return        as that of ORVA_FFTProcCreate().
+ *
+ *  Threads: any, while the engine runs.   Real time: no (allocates, locks, plans, may read the wisdom store).
+ */
 ORVA_API ORVA_FFT *ORVA_IFFTProcCreate(int32_t length);
 
-ORVA_API int32_t ORVA_FFTProcExecute(ORVA_FFT *fft, const float *input, ORVA_COMPLEX *output);
+/** Transforms real samples to their spectrum, without scaling.
+ *
+ *  When `input` and `output` are the same address, it reports the terminal error "ORVA_FFTProcExecute: Input
+ *  and output vectors must be different!" and transforms all the same, to values without meaning.
+ *
+ *  @param fft     a processor of ORVA_FFTProcCreate().
+ *  @param input   N floats, aligned; stays as it is.
+ *  @param output  out: floor(N / 2) + 1 complex values, aligned; must not overlap `input`.
+ *  @return        floor(N / 2) + 1, the number of bins; 0, nothing written, when an argument is null or FFTW
+ *                 has refused the length.
+ *
+ *  Threads: any, several with one processor.   Real time: yes at lengths where FFTW takes nothing from the
+ *  heap, see ::ORVA_FFT (no lock or system call).
+ */
+ORVA_API int32_t ORVA_FFTProcExecute(const ORVA_FFT *fft, const float *input, ORVA_COMPLEX *output);
 
-ORVA_API int32_t ORVA_IFFTProcExecuteEx(ORVA_FFT *fft, ORVA_COMPLEX *input, float *output, bool normalise);
+/** Transforms a spectrum back to real samples.
+ *
+ *  When `input` and `output` are the same address, it reports the terminal error "ORVA_IFFTProcExecute: Input
+ *  and output vectors must be different!" and transforms all the same, to values without meaning.
+ *
+ *  @param fft        a processor of ORVA_IFFTProcCreate().
+ *  @param input      floor(N / 2) + 1 complex values, aligned; spoiled by the call.
+ *  @param output     out: N floats, aligned; must not overlap `input`.
+ *  @param normalise  true: multiply each sample by 1 / N, both in float, so that forward and inverse in a row
+ *                    give the samples back; false: they give N times the samples.
+ *  @return           N; 0, nothing written, when an argument is null or FFTW has refused the length.
+ *
+ *  Threads: any, several with one processor.   Real time: yes at lengths where FFTW takes nothing from the
+ *  heap, see ::ORVA_FFT (no lock or system call).
+ */
+ORVA_API int32_t ORVA_IFFTProcExecuteEx(const ORVA_FFT *fft, ORVA_COMPLEX *input, float *output,
+                                        bool normalise);
 
-ORVA_API int32_t ORVA_FFTProcExecutePSDEx(ORVA_FFT *fft, const float *input, float *power,
+/** Transforms real samples to the power of each bin, re * re + im * im in float, without scaling.
+ *
+ *  Powers are computed in whole groups of four: floor(N / 8) + 1 groups, up to three values more than there
+ *  are bins. What they hold there has no meaning.
+ *
+ *  @param fft    a processor of ORVA_FFTProcCreate().
+ *  @param input  N floats, aligned; stays as it is.
+ *  @param power  out: 4 * (floor(N / 8) + 1) floats, aligned (516 for N = 1024, which has 513 bins).
+ *  @param work   out: N complex values and four at least, aligned; holds the spectrum after the call. Null:
+ *                the call allocates and frees a work array of its own.
+ *  @return       floor(N / 2) + 1, the number of bins; 0, nothing written, when `fft`, `input` or `power` is
+ *                null, FFTW has refused the length or the work array cannot be had.
+ *
+ *  The three arrays must not overlap each other.
+ *
+ *  Threads: any, several with one processor.   Real time: with a work array yes, at lengths where FFTW takes
+ *  nothing from the heap, see ::ORVA_FFT (no lock or system call); without one no (allocates).
+ */
+ORVA_API int32_t ORVA_FFTProcExecutePSDEx(const ORVA_FFT *fft, const float *input, float *power,
                                           ORVA_COMPLEX *work);
 
+/** Destroys a processor of either direction.
+ *
+ *  @param fft  the processor, gone after the call, or null.
+ *  @return     true, or false for null, which does nothing and takes no lock.
+ *
+ *  Threads: any, while the engine runs and no other thread uses the processor.   Real time: no (locks, frees
+ *  memory).
+ */
 ORVA_API bool ORVA_FFTProcDestroy(ORVA_FFT *fft);
 
 #endif
