@@ -178,7 +178,7 @@ TEST(Unload, WaitsForThePreparationAndUnmapsAllTheSame)
         EXPECT_FALSE(isMapped("liborva.so"));
         EXPECT_FALSE(isMapped("libkett.so"));
         EXPECT_EQ(entriesOf("/proc/self/task").size(), threads);
-        const std::string wisdom = support::textOf(folder.store());
+        const std::string wisdom = support::readFile(folder.store());
         EXPECT_EQ(wisdom.substr(0, 6), "(fftw-");
         EXPECT_GT(std::count(wisdom.begin(), wisdom.end(), '\n'), 2) << "nothing was prepared";
     }
