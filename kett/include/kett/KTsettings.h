@@ -14,8 +14,7 @@
  *
  *      KTSETTINGS_SetEx(NULL, "orva.fftw.max_plan_len=%d", 1024);
  *
- *  Every operation may be called from any thread at any time; all take a lock, so none is for a real-time
- *  thread.
+ *  Threads: any, at any time.   Real time: no (all take a lock).
  */
 #ifndef KETT_KTSETTINGS_H
 #define KETT_KTSETTINGS_H

@@ -1,0 +1,101 @@
+// What the headers say about real-time threads.
+#pragma once
+
+#include <algorithm>
+#include <cctype>
+#include <filesystem>
+#include <fstream>
+#include <gtest/gtest.h>
+#include <iterator>
+#include <regex>
+#include <set>
+#include <string>
+#include <vector>
+
+namespace realtime
+{
+
+// The text of a comment without the asterisks in front of its lines, all white space a single blank.
+inline std::string flat(const std::string &comment)
+{
+    static const std::regex lineStart(R"(\n\s*\*)"), whiteSpace(R"(\s+)");
+    return std::regex_replace(std::regex_replace(comment, lineStart, "\n"), whiteSpace, " ");
+}
+
+enum class Claim { none, no, yes };
+
+// "Real time: yes (...)", "... real time: no ...": what does not begin with no is yes, with or without a condition.
+inline Claim claimIn(const std::string &comment)
+{
+    static const std::regex claim(R"([Rr]eal time: (no\b)?)");
+    std::smatch match;
+    const std::string text = flat(comment);
+    if (!std::regex_search(text, match, claim))
+        return Claim::none;
+    return match[1].matched ? Claim::no : Claim::yes;
+}
+
+struct Declaration {
+    std::string name;
+    std::string comment; // the one in front of it
+};
+
+// The exported functions of a header, each with its comment. `fileComment` receives the one at the top.
+inline std::vector<Declaration> declarationsIn(const std::string &header, std::string &fileComment)
+{
+    std::vector<Declaration> found;
+    std::ifstream file(header);
+    const std::string text(std::istreambuf_iterator<char>(file), {});
+    static const std::regex name(R"((\w+)\s*\()");
+    std::string comment;
+    for (size_t at = 0; at < text.size();) {
+        if (text.compare(at, 2, "/*") == 0) {
+            const size_t end = std::min(text.find("*/", at), text.size() - 2) + 2;
+            comment = text.substr(at, end - at);
+            if (comment.find("@file") != std::string::npos)
+                fileComment = comment;
+            at = end;
+            continue;
+        }
+        const size_t end = std::min(text.find('\n', at), text.size() - 1) + 1;
+        const std::string line = text.substr(at, end - at);
+        std::smatch match;
+        if ((line.starts_with("ORVA_API ") || line.starts_with("KT_API ")) &&
+            std::regex_search(line, match, name))
+            found.push_back({match[1], comment});
+        at = end;
+    }
+    return found;
+}
+
+// The names of the functions for which the headers of a folder say yes. One that says nothing takes the word of
+// the top of its file, one that refers to another, "real time: as NAME()", that of the other.
+inline std::set<std::string> functionsForRealTime(const std::string &folder)
+{
+    static const std::regex reference(R"([Rr]eal time: as (\w+)\(\))");
+    std::set<std::string> yes;
+    std::vector<std::pair<std::string, std::string>> references;
+    for (const auto &entry : std::filesystem::directory_iterator(folder)) {
+        std::string fileComment;
+        for (const auto &[name, comment] : declarationsIn(entry.path(), fileComment)) {
+            std::smatch match;
+            const std::string text = flat(comment);
+            Claim claim = claimIn(comment);
+            if (std::regex_search(text, match, reference)) {
+                references.emplace_back(name, match[1]);
+                continue;
+            }
+            if (claim == Claim::none)
+                claim = claimIn(fileComment);
+            EXPECT_NE(claim, Claim::none) << name << " says nothing about real time";
+            if (claim == Claim::yes)
+                yes.insert(name);
+        }
+    }
+    for (const auto &[name, other] : references)
+        if (yes.contains(other))
+            yes.insert(name);
+    return yes;
+}
+
+} // namespace realtime

@@ -1,0 +1,119 @@
+// Every function whose header allows it on a real-time thread, seen at work: no heap, no lock, no file, no log. A new
+// function is a row of the table, and the objects that its call needs stand above.
+#include "realtime_claims.h"
+#include "support/interposer.h"
+
+#include <array>
+#include <fftw3.h>
+#include <functional>
+#include <kett/kett.h>
+#include <orva/orva.h>
+
+using support::Counts;
+
+namespace
+{
+
+// What the calls work on.
+constexpr int32_t length = 1024;
+alignas(64) std::array<float, 2 * length> input, output, window;
+alignas(64) std::array<double, 2 * length> doubles;
+alignas(64) std::array<ORVA_COMPLEX, length> spectrum, otherSpectrum, work;
+std::array<int16_t, length> words;
+std::array<int32_t, 4> numbers;
+std::array<char, 256> text = {"Text"};
+const char *const config =
+    "type=lowpass; order=4, fs=48e3; on=yes; biquads=[1 2 3 4 5; 6, 7, 8, 9, 10] window=hann";
+const std::array<double, 3> denominator = {1.0, -0.5, 0.25}, numerator = {0.1, 0.2, 0.3};
+
+ORVA_FFT *const forward = ORVA_FFTProcCreate(length);
+ORVA_FFT *const inverse = ORVA_IFFTProcCreate(length);
+
+struct Row {
+    const char *name;
+    std::function<void()> call;
+};
+
+// clang-format off
+const Row table[] = {
+    // liborva
+    {"ORVAVERSION_Number", [] { ORVAVERSION_Number(&numbers[0], &numbers[1], &numbers[2], &numbers[3]); }},
+
+    {"ORVA_CreateWindow", [] { for (int32_t type = -1; type < 12; ++type) ORVA_CreateWindow(type, window.data(), length); }},
+    {"ORVA_ApplyWindow", [] { ORVA_ApplyWindow(window.data(), input.data(), length); }},
+    {"ORVA_GetWindowType", [] { ORVA_GetWindowType("Hanning"); ORVA_GetWindowType("no window"); }},
+    {"ORVA_GetWindowName", [] { ORVA_GetWindowName(3); ORVA_GetWindowName(99); }},
+    {"ORVA_GetWindowNormFactor", [] { ORVA_GetWindowNormFactor(window.data(), length); }},
+    {"ORVA_GetTwoWindowNormFactor", [] { ORVA_GetTwoWindowNormFactor(window.data(), input.data(), length); }},
+    {"ORVA_GetWindowTypeFromStringConfig", [] { ORVA_GetWindowTypeFromStringConfig(config, "window", 1); }},
+
+    {"ORVA_FFTProcExecute", [] { ORVA_FFTProcExecute(forward, input.data(), spectrum.data()); }},
+    {"ORVA_IFFTProcExecuteEx", [] { ORVA_IFFTProcExecuteEx(inverse, spectrum.data(), output.data(), true); }},
+    {"ORVA_FFTProcExecutePSDEx", [] { ORVA_FFTProcExecutePSDEx(forward, input.data(), output.data(), work.data()); }},
+
+    {"ORVA_CreatePreEmphAdjust", [] { ORVA_CreatePreEmphAdjust(output.data(), length, 0.97); }},
+    {"ORVA_PSDtoDB", [] { ORVA_PSDtoDB(length, input.data(), output.data(), nullptr, 1.0, 120.0); }},
+    {"ORVA_ComplexVectorMultiply", [] { ORVA_ComplexVectorMultiply(spectrum.data(), otherSpectrum.data(), work.data(), length); }},
+
+    // libkett
+    {"KTCORE_Initialize", [] { KTCORE_Initialize(); }},
+    {"KTCORE_Finalize", [] { KTCORE_Finalize(); }},
+
+    {"KTSTRING_GetStringValueFromString", [] { KTSTRING_GetStringValueFromString(config, "type", "none", text.data(), 256); }},
+    {"KTSTRING_GetIntegerValueFromString", [] { KTSTRING_GetIntegerValueFromString(config, "order", 1); }},
+    {"KTSTRING_GetFloatValueFromString", [] { KTSTRING_GetFloatValueFromString(config, "fs", 1.0f); }},
+    {"KTSTRING_GetBooleanValueFromString", [] { KTSTRING_GetBooleanValueFromString(config, "on", false); }},
+    {"KTSTRING_GetVectorSizeFromString", [] { KTSTRING_GetVectorSizeFromString(config, "order", numbers.data()); }},
+    {"KTSTRING_GetDoubleVectorValuesFromString", [] { KTSTRING_GetDoubleVectorValuesFromString(config, "order", doubles.data(), length); }},
+    {"KTSTRING_GetMatrixSizeFromString", [] { KTSTRING_GetMatrixSizeFromString(config, "biquads", &numbers[0], &numbers[1]); }},
+    {"KTSTRING_GetDoubleMatrixValuesFromString", [] { KTSTRING_GetDoubleMatrixValuesFromString(config, "biquads", doubles.data(), 2, 5); }},
+    {"KTSTRING_Strlwr", [] { KTSTRING_Strlwr(text.data(), 0); }},
+    {"KTSTRING_CompareInsensitiveN", [] { KTSTRING_CompareInsensitiveN("Hanning", "hanning", 8); }},
+
+    {"KTUTILS_ConvertIEEEFloatToWord16", [] { KTUTILS_ConvertIEEEFloatToWord16(input.data(), words.data(), length); }},
+    {"KTUTILS_ConvertWord16ToIEEEFloat", [] { KTUTILS_ConvertWord16ToIEEEFloat(words.data(), output.data(), length); }},
+
+    {"FVectorMulScalar", [] { FVectorMulScalar(output.data(), length, 0.5f); }},
+    {"FVectorSumOfSquares", [] { FVectorSumOfSquares(input.data(), length); }},
+    {"FVectorAbsMax", [] { FVectorAbsMax(input.data(), length); }},
+    {"FVectorArgAbsMax", [] { FVectorArgAbsMax(input.data(), length, output.data()); }},
+    {"FilterBlockFloat", [] { FilterBlockFloat(denominator.data(), numerator.data(), 3, doubles.data(), nullptr, input.data(), doubles.data() + 8, length); }},
+};
+// clang-format on
+
+// Counts from the first call on, and again where the function has warmed up.
+Counts countOf(const Row &row)
+{
+    support::begin();
+    row.call();
+    row.call();
+    return support::end();
+}
+
+} // namespace
+
+TEST(RealTime, NoCallOfTheTableTakesMemoryALockAFileOrTheLog)
+{
+    for (size_t i = 0; i < input.size(); ++i)
+        input[i] = static_cast<float>(i % 17) - 8.0f;
+    for (const Row &row : table)
+        EXPECT_EQ(countOf(row), Counts{}) << row.name;
+}
+
+TEST(RealTime, TheTableHoldsWhatTheHeadersAllow)
+{
+    std::set<std::string> allowed = realtime::functionsForRealTime(SOURCE_DIR "/include/orva");
+    allowed.merge(realtime::functionsForRealTime(SOURCE_DIR "/kett/include/kett"));
+    std::set<std::string> listed;
+    for (const Row &row : table)
+        EXPECT_TRUE(listed.insert(row.name).second) << row.name << " stands in the table twice";
+    EXPECT_EQ(listed, allowed);
+}
+
+// The control: the table would show what it looks for.
+TEST(RealTime, ACallThatAllocatesIsSeen)
+{
+    const Row row = {"ORVA_FFTProcExecutePSDEx without a work array",
+                     [] { ORVA_FFTProcExecutePSDEx(forward, input.data(), output.data(), nullptr); }};
+    EXPECT_GE(countOf(row).heap, 4u);
+}
