@@ -85,6 +85,7 @@ const Call calls[] = {
          keep(aligned);
      },
      oneHeap, [] {}, release},
+    {"free of null", [] { free(block); }, Counts{}, [] { keep(nullptr); }},
     {"free", [] { free(block); }, oneHeap, [] { keep(malloc(10)); }},
     {"new", [] { keep(operator new(10)); }, oneHeap, [] {}, [] { operator delete(block); }},
     {"delete", [] { operator delete(block); }, oneHeap, [] { keep(operator new(10)); }},
