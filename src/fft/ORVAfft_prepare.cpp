@@ -9,14 +9,22 @@
 
 static constexpr int32_t __FFTWInitLen[11] = {16, 32, 64, 128, 256, 512, 1024, 2048, 4096, 8192, 16384};
 
-// The host may name the folder a moment after it has asked for the preparation.
+static const char *dataFolder()
+{
+    return KTENV_GetEnvValue("KT_DATA_PATH");
+}
+
+// A host may name the folder a moment after it has asked for the preparation.
 static bool waitForFolder()
 {
     constexpr int32_t pauseMsec = 50;
     KTUTILS_sleep_msec(pauseMsec);
-    for (int pauses = 0; pauses < 5 && KTENV_GetEnvValue("KT_DATA_PATH") == nullptr; ++pauses)
+    const char *folder = dataFolder();
+    for (int pauses = 0; pauses < 5 && folder == nullptr; ++pauses) {
         KTUTILS_sleep_msec(pauseMsec);
-    return KTENV_GetEnvValue("KT_DATA_PATH") != nullptr;
+        folder = dataFolder();
+    }
+    return dataFolder() != nullptr;
 }
 
 int32_t __InitializeFFTWPlans(void *)

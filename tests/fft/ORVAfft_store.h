@@ -1,0 +1,76 @@
+// A wisdom store for tests of the engine, and the wisdom that FFTW gathers.
+#pragma once
+
+#include "support/folder.h"
+
+#include <cstdlib>
+#include <fftw3.h>
+#include <kett/KTenv.h>
+#include <string>
+#include <vector>
+
+namespace store
+{
+
+// A folder for a store, not announced to the library yet.
+struct Store {
+    Store()
+    {
+        unsetenv("KT_DATA_PATH");
+        KTENV_SetEnvValue("KT_DATA_PATH", nullptr);
+    }
+
+    void announce() const
+    {
+        KTENV_SetEnvValue("KT_DATA_PATH", folder.path.c_str());
+    }
+
+    bool exists() const
+    {
+        return std::filesystem::exists(path);
+    }
+
+    // True if there is nothing in the folder, or nothing but the store.
+    bool isTidy() const
+    {
+        for (const auto &entry : std::filesystem::directory_iterator(folder.path))
+            if (entry.path() != path)
+                return false;
+        return true;
+    }
+
+    support::Folder folder;
+    std::filesystem::path path = folder.path / "ruko.optimization";
+};
+
+inline std::string wisdom()
+{
+    char *text = fftwf_export_wisdom_to_string();
+    std::string copy = text;
+    std::free(text);
+    return copy;
+}
+
+// Plans as the engine does, forward and then inverse.
+inline void learn(int length)
+{
+    float *real = fftwf_alloc_real(static_cast<size_t>(length));
+    fftwf_complex *bins = fftwf_alloc_complex(static_cast<size_t>(length));
+    fftwf_destroy_plan(fftwf_plan_dft_r2c_1d(length, real, bins, FFTW_ESTIMATE));
+    fftwf_destroy_plan(fftwf_plan_dft_c2r_1d(length, bins, real, FFTW_ESTIMATE));
+    fftwf_free(bins);
+    fftwf_free(real);
+}
+
+// The wisdom that planning these lengths leaves, from none before to none after.
+inline std::string wisdomOf(const std::vector<int> &lengths)
+{
+    fftwf_forget_wisdom();
+    for (const int length : lengths)
+        learn(length);
+    const std::string text = wisdom();
+    fftwf_forget_wisdom();
+    return text;
+}
+
+} // namespace store

@@ -1,0 +1,470 @@
+// The wisdom store: when it is read, when it is written, and what it then holds.
+#include "fft/ORVAfft_internal.h"
+#include "fft/ORVAfft_store.h"
+#include "support/log.h"
+#include "support/process.h"
+#include "support/random.h"
+
+#include <algorithm>
+#include <csignal>
+#include <fcntl.h>
+#include <kett/KTsettings.h>
+#include <sstream>
+#include <sys/resource.h>
+#include <sys/stat.h>
+
+using store::Store;
+using store::wisdom;
+using support::inOwnProcess;
+using support::textOf;
+using support::writeText;
+
+namespace
+{
+
+void plan(int32_t length)
+{
+    ORVA_FFTProcDestroy(__FFTW_CreatePlan(length, false));
+    ORVA_FFTProcDestroy(__FFTW_CreatePlan(length, true));
+}
+
+// FFTW keeps wisdom in a hash table, so the order of the lines says nothing.
+std::string sortedLines(const std::string &text)
+{
+    std::istringstream in(text);
+    std::vector<std::string> lines;
+    for (std::string line; std::getline(in, line);)
+        lines.push_back(line);
+    std::sort(lines.begin(), lines.end());
+    std::string sorted;
+    for (const auto &line : lines)
+        sorted += line + '\n';
+    return sorted;
+}
+
+// Gives a file a time long past, so that any later writing shows.
+void makeOld(const std::filesystem::path &path)
+{
+    const timespec past[2] = {{1000000000, 0}, {1000000000, 0}};
+    ASSERT_EQ(utimensat(AT_FDCWD, path.c_str(), past, 0), 0);
+}
+
+bool isOld(const std::filesystem::path &path)
+{
+    struct stat status;
+    return stat(path.c_str(), &status) == 0 && status.st_mtim.tv_sec == 1000000000 &&
+           status.st_mtim.tv_nsec == 0;
+}
+
+} // namespace
+
+TEST(WisdomLoad, WithoutAFolderPlansAreMadeAndNothingIsKept)
+{
+    inOwnProcess([] {
+        const support::Log log;
+        const Store store;
+        ORVA_InitializeFFT();
+        EXPECT_FALSE(__FFTW_LoadWisdom());
+        plan(64);
+        EXPECT_FALSE(__FFTW_WisdomLoaded);
+        ORVA_FinalizeFFT();
+        store.announce();
+        EXPECT_FALSE(store.exists());
+        EXPECT_TRUE(log.messages.empty());
+    });
+}
+
+TEST(WisdomLoad, AMissingStoreCountsAsLoadedAndIsCreatedAtTheEnd)
+{
+    inOwnProcess([] {
+        const Store store;
+        store.announce();
+        EXPECT_FALSE(__FFTW_LoadWisdom());
+        EXPECT_TRUE(__FFTW_WisdomLoaded);
+        ORVA_InitializeFFT();
+        plan(64);
+        EXPECT_FALSE(store.exists());
+        ORVA_FinalizeFFT();
+        EXPECT_EQ(textOf(store.path), wisdom());
+        EXPECT_TRUE(store.isTidy());
+    });
+}
+
+TEST(WisdomLoad, AStoreIsImportedOnceAndWhole)
+{
+    inOwnProcess([] {
+        const Store store;
+        const std::string kept = store::wisdomOf({16, 360, 1009});
+        writeText(store.path, kept);
+        store.announce();
+        EXPECT_TRUE(__FFTW_LoadWisdom());
+        EXPECT_TRUE(__FFTW_WisdomLoaded);
+        EXPECT_EQ(sortedLines(wisdom()), sortedLines(kept));
+        writeText(store.path, store::wisdomOf({4096}));
+        const std::string known = wisdom();
+        EXPECT_FALSE(__FFTW_LoadWisdom());
+        EXPECT_EQ(wisdom(), known);
+    });
+}
+
+TEST(WisdomLoad, AFolderSetLateIsUsedByTheNextPlan)
+{
+    inOwnProcess([] {
+        const Store store;
+        const std::string kept = store::wisdomOf({360});
+        writeText(store.path, kept);
+        ORVA_InitializeFFT();
+        plan(16);
+        EXPECT_FALSE(__FFTW_WisdomLoaded);
+        store.announce();
+        plan(16);
+        EXPECT_TRUE(__FFTW_WisdomLoaded);
+        const std::string known = wisdom();
+        plan(360); // teaches nothing new any more
+        EXPECT_EQ(wisdom(), known);
+        ORVA_FinalizeFFT();
+        EXPECT_EQ(textOf(store.path), known);
+    });
+}
+
+TEST(WisdomLoad, TheFolderMayComeFromTheEnvironment)
+{
+    inOwnProcess([] {
+        const Store store;
+        setenv("KT_DATA_PATH", store.folder.path.c_str(), 1);
+        writeText(store.path, store::wisdomOf({16}));
+        EXPECT_TRUE(__FFTW_LoadWisdom());
+    });
+}
+
+TEST(WisdomLoad, WaitsForTheSettingToo)
+{
+    inOwnProcess([] {
+        const Store store;
+        const std::string kept = store::wisdomOf({360});
+        writeText(store.path, kept);
+        store.announce();
+        KTSETTINGS_SetEx(nullptr, "orva.fftw.use_wisdom=%d", 0);
+        ORVA_InitializeFFT();
+        plan(16);
+        EXPECT_FALSE(__FFTW_WisdomLoaded);
+        KTSETTINGS_SetEx(nullptr, "orva.fftw.use_wisdom=%d", 1);
+        plan(16);
+        EXPECT_TRUE(__FFTW_WisdomLoaded);
+        ORVA_FinalizeFFT();
+    });
+}
+
+// Refused stores count as loaded all the same, leave FFTW's wisdom as it was and are passed over without a
+// word.
+TEST(WisdomLoad, ACorruptStoreIsPassedOverInSilence)
+{
+    const std::string good = store::wisdomOf({16});
+    const std::pair<const char *, std::string> cases[] = {
+        {"empty", ""},
+        {"a line feed", "\n"},
+        {"other text", "no wisdom here\n"},
+        {"cut in a line", good.substr(0, good.size() / 2)},
+        {"cut behind the first line", good.substr(0, good.find('\n') + 1)},
+        {"a null byte first", std::string(1, '\0') + good},
+        {"a null byte inside", good.substr(0, 100) + std::string(1, '\0') + good.substr(101)},
+        {"null bytes alone", std::string(good.size(), '\0')},
+        {"flags that FFTW would abort on", "(fftw-3.3.10 fftwf_wisdom" +
+                                               good.substr(25, good.find('\n') - 24) +
+                                               "  (fftwf_rdft_nop_register 0 #xfffffff #xfffffff #x0 "
+                                               "#x00000000 #x00000000 #x00000000 #x00000000)\n)\n"},
+    };
+    for (const auto &[name, text] : cases) {
+        SCOPED_TRACE(name);
+        inOwnProcess([&] {
+            const support::Log log;
+            const Store store;
+            writeText(store.path, text);
+            store.announce();
+            store::learn(100);
+            const std::string known = wisdom();
+            EXPECT_TRUE(__FFTW_LoadWisdom());
+            EXPECT_TRUE(__FFTW_WisdomLoaded);
+            EXPECT_EQ(wisdom(), known);
+            ORVA_InitializeFFT();
+            ORVA_FinalizeFFT();
+            EXPECT_EQ(textOf(store.path), known);
+            EXPECT_TRUE(log.messages.empty());
+        });
+    }
+}
+
+TEST(WisdomLoad, WhatStandsBehindTheWisdomIsNotRead)
+{
+    const std::string good = store::wisdomOf({16});
+    for (const std::string &behind : {std::string("x"), std::string(1, '\0'), std::string("\n\n"), good}) {
+        inOwnProcess([&] {
+            const Store store;
+            writeText(store.path, good + behind);
+            store.announce();
+            EXPECT_TRUE(__FFTW_LoadWisdom());
+            EXPECT_EQ(sortedLines(wisdom()), sortedLines(good));
+        });
+    }
+}
+
+// A pipe exists and is no folder, but cannot be opened as a file.
+TEST(WisdomLoad, AStoreThatCannotBeOpenedReadsAsEmpty)
+{
+    inOwnProcess([] {
+        const Store store;
+        ASSERT_EQ(mkfifo(store.path.c_str(), 0600), 0);
+        store.announce();
+        const std::string known = wisdom();
+        EXPECT_TRUE(__FFTW_LoadWisdom());
+        EXPECT_TRUE(__FFTW_WisdomLoaded);
+        EXPECT_EQ(wisdom(), known);
+        EXPECT_FALSE(__FFTW_SaveWisdom());
+        EXPECT_TRUE(std::filesystem::is_fifo(store.path));
+        EXPECT_TRUE(store.isTidy());
+    });
+}
+
+TEST(WisdomLoad, AFolderInTheStoresPlaceIsNoStore)
+{
+    inOwnProcess([] {
+        const Store store;
+        std::filesystem::create_directory(store.path);
+        store.announce();
+        EXPECT_FALSE(__FFTW_LoadWisdom());
+        EXPECT_TRUE(__FFTW_WisdomLoaded);
+        EXPECT_FALSE(__FFTW_SaveWisdom());
+        EXPECT_TRUE(std::filesystem::is_directory(store.path));
+        EXPECT_TRUE(store.isTidy());
+    });
+}
+
+// Sizes of which the lowest 32 bits are negative, too large or those of a genuine store.
+TEST(WisdomLoad, ASizeThatDoesNotFitCountsAsCorrupt)
+{
+    const std::string good = store::wisdomOf({16});
+    const auto goodSize = static_cast<int64_t>(good.size());
+    for (const int64_t size : {int64_t{INT32_MAX}, int64_t{INT32_MAX} + 1, int64_t{UINT32_MAX},
+                               (int64_t{1} << 32) + goodSize, int64_t{1} << 40}) {
+        SCOPED_TRACE(size);
+        inOwnProcess([&] {
+            const Store store;
+            writeText(store.path, good);
+            ASSERT_EQ(truncate(store.path.c_str(), size), 0); // a sparse file
+            store.announce();
+            rusage before, after;
+            getrusage(RUSAGE_SELF, &before);
+            const std::string known = wisdom();
+            EXPECT_TRUE(__FFTW_LoadWisdom());
+            EXPECT_TRUE(__FFTW_WisdomLoaded);
+            EXPECT_EQ(wisdom(), known);
+            EXPECT_TRUE(__FFTW_SaveWisdom());
+            EXPECT_EQ(textOf(store.path), known);
+            getrusage(RUSAGE_SELF, &after);
+            EXPECT_LT(after.ru_maxrss - before.ru_maxrss, 64 * 1024) << "kilobytes";
+        });
+    }
+}
+
+TEST(WisdomLoad, AStoreOfManyMegabytesIsTaken)
+{
+    inOwnProcess([] {
+        const std::string genuine = store::wisdomOf({1024});
+        const size_t firstEntry = genuine.find('\n') + 1;
+        support::Random random;
+        std::string large = genuine.substr(0, firstEntry);
+        while (large.size() < 6'000'000) {
+            char sums[64];
+            std::snprintf(sums, sizeof sums, " #x%08x #x%08x #x%08x #x%08x)\n",
+                          static_cast<unsigned>(random.integer(0, UINT32_MAX)),
+                          static_cast<unsigned>(random.integer(0, UINT32_MAX)),
+                          static_cast<unsigned>(random.integer(0, UINT32_MAX)),
+                          static_cast<unsigned>(random.integer(0, UINT32_MAX)));
+            large += std::string("  (fftwf_rdft_nop_register 0 #x30bff #x31bff #x0") + sums;
+        }
+        large += genuine.substr(firstEntry);
+
+        const Store store;
+        writeText(store.path, large);
+        store.announce();
+        ORVA_InitializeFFT();
+        EXPECT_EQ(sortedLines(wisdom()), sortedLines(large));
+        plan(1024);
+        ORVA_FinalizeFFT();
+        EXPECT_EQ(sortedLines(textOf(store.path)), sortedLines(large));
+    });
+}
+
+TEST(WisdomSave, AnEqualStoreIsNotTouched)
+{
+    inOwnProcess([] {
+        const Store store;
+        store.announce();
+        ORVA_InitializeFFT();
+        plan(360);
+        writeText(store.path, wisdom());
+        makeOld(store.path);
+        ORVA_FinalizeFFT();
+        EXPECT_TRUE(isOld(store.path));
+        EXPECT_TRUE(store.isTidy());
+    });
+}
+
+TEST(WisdomSave, AnyDifferenceRewritesTheStore)
+{
+    const std::pair<const char *, std::string (*)(std::string)> changes[] = {
+        {"one byte longer", [](std::string text) { return text + '\n'; }},
+        {"one byte shorter", [](std::string text) { return text.substr(0, text.size() - 1); }},
+        {"first byte changed", [](std::string text) { return '[' + text.substr(1); }},
+        {"last byte changed", [](std::string text) { return text.substr(0, text.size() - 1) + ' '; }},
+        {"one byte in the middle changed",
+         [](std::string text) {
+             text[text.size() / 2] = '\0';
+             return text;
+         }},
+        {"empty", [](std::string) { return std::string(); }},
+    };
+    for (const auto &[name, change] : changes) {
+        SCOPED_TRACE(name);
+        inOwnProcess([&change = change] {
+            const Store store;
+            store.announce();
+            ORVA_InitializeFFT();
+            plan(360);
+            writeText(store.path, change(wisdom()));
+            makeOld(store.path);
+            ORVA_FinalizeFFT();
+            EXPECT_EQ(textOf(store.path), wisdom());
+            EXPECT_FALSE(isOld(store.path));
+            EXPECT_TRUE(store.isTidy());
+        });
+    }
+}
+
+TEST(WisdomSave, TellsWhetherTheStoreHoldsTheWisdom)
+{
+    inOwnProcess([] {
+        const support::Log log;
+        const Store store;
+        store::learn(16);
+        EXPECT_FALSE(__FFTW_SaveWisdom()) << "no folder";
+        store.announce();
+        KTSETTINGS_SetEx(nullptr, "orva.fftw.use_wisdom=%s", "off");
+        EXPECT_FALSE(__FFTW_SaveWisdom()) << "setting off";
+        EXPECT_FALSE(store.exists());
+        KTSETTINGS_SetEx(nullptr, "orva.fftw.use_wisdom=%s", "on");
+        EXPECT_TRUE(__FFTW_SaveWisdom()) << "written";
+        EXPECT_EQ(textOf(store.path), wisdom());
+        EXPECT_TRUE(__FFTW_SaveWisdom()) << "equal";
+        KTENV_SetEnvValue("KT_DATA_PATH", (store.folder.path / "missing").c_str());
+        EXPECT_FALSE(__FFTW_SaveWisdom()) << "no such folder";
+        EXPECT_TRUE(store.isTidy());
+        EXPECT_TRUE(log.messages.empty());
+    });
+}
+
+TEST(WisdomSave, TheFolderIsAskedAnew)
+{
+    inOwnProcess([] {
+        const Store first, second;
+        first.announce();
+        ORVA_InitializeFFT();
+        plan(16);
+        second.announce();
+        ORVA_FinalizeFFT();
+        EXPECT_FALSE(first.exists());
+        EXPECT_EQ(textOf(second.path), wisdom());
+    });
+}
+
+// The load never came to its end, so there is nothing to compare a store with.
+TEST(WisdomSave, NothingIsSavedWithoutALoad)
+{
+    inOwnProcess([] {
+        const Store store;
+        ORVA_InitializeFFT();
+        plan(16);
+        store.announce();
+        ORVA_FinalizeFFT();
+        EXPECT_FALSE(store.exists());
+    });
+}
+
+TEST(WisdomSave, AStoreThatVanishedIsWrittenAnew)
+{
+    inOwnProcess([] {
+        const Store store;
+        writeText(store.path, store::wisdomOf({16}));
+        store.announce();
+        ORVA_InitializeFFT();
+        std::filesystem::remove(store.path);
+        ORVA_FinalizeFFT();
+        EXPECT_EQ(textOf(store.path), wisdom());
+    });
+}
+
+// A limit on the length of files stands in for a disk that fills up in the middle of the writing.
+TEST(WisdomSave, AFullDiskLeavesTheOldStore)
+{
+    inOwnProcess([] {
+        const support::Log log;
+        const Store store;
+        const std::string old = store::wisdomOf({16});
+        writeText(store.path, old);
+        store.announce();
+        ORVA_InitializeFFT();
+        plan(1009);
+        signal(SIGXFSZ, SIG_IGN);
+        const rlimit limit{old.size() + 100, RLIM_INFINITY};
+        ASSERT_EQ(setrlimit(RLIMIT_FSIZE, &limit), 0);
+        ASSERT_GT(wisdom().size(), limit.rlim_cur);
+        ORVA_FinalizeFFT();
+        const rlimit none{RLIM_INFINITY, RLIM_INFINITY};
+        ASSERT_EQ(setrlimit(RLIMIT_FSIZE, &none), 0);
+        EXPECT_EQ(textOf(store.path), old);
+        EXPECT_TRUE(store.isTidy());
+        EXPECT_TRUE(log.messages.empty());
+    });
+}
+
+// 511 characters is all that a path holds.
+TEST(WisdomPath, ALongerPathIsCut)
+{
+    for (const size_t nameLength : {1, 4, 5, 16, 17}) {
+        SCOPED_TRACE(nameLength);
+        inOwnProcess([&] {
+            const Store store;
+            const size_t folderLength =
+                511 - 1 - nameLength; // leaves room for a separator and part of the name
+            std::string folder = store.folder.path;
+            while (folder.size() < folderLength) {
+                // Never so that a single character, a separator, is left over.
+                size_t step = std::min<size_t>(folderLength - folder.size() - 1, 200);
+                if (folderLength - folder.size() - 1 - step == 1)
+                    --step;
+                folder += '/' + std::string(step, 'f');
+            }
+            ASSERT_EQ(folder.size(), folderLength);
+            std::filesystem::create_directories(folder);
+            KTENV_SetEnvValue("KT_DATA_PATH", folder.c_str());
+            ORVA_InitializeFFT();
+            ORVA_FinalizeFFT();
+            const std::string name = std::string("ruko.optimization").substr(0, nameLength);
+            EXPECT_EQ(textOf(folder + '/' + name), wisdom());
+        });
+    }
+}
+
+TEST(WisdomPath, AFolderNameLongerThanAPathFindsNothing)
+{
+    inOwnProcess([] {
+        const support::Log log;
+        KTENV_SetEnvValue("KT_DATA_PATH", ("/" + std::string(5000, 'f')).c_str());
+        ORVA_InitializeFFT();
+        EXPECT_TRUE(__FFTW_WisdomLoaded);
+        plan(16);
+        EXPECT_FALSE(__FFTW_SaveWisdom());
+        ORVA_FinalizeFFT();
+        EXPECT_TRUE(log.messages.empty());
+    });
+}
