@@ -1,0 +1,84 @@
+// The engine when memory is out, at each of its allocations in turn.
+#include "fft/ORVAfft_internal.h"
+#include "fft/ORVAfft_store.h"
+#include "support/interposer.h"
+#include "support/process.h"
+
+using store::Store;
+using support::inOwnProcess;
+
+TEST(EngineMemory, APlanThatCannotBeHadIsMissingAndTheLockIsFree)
+{
+    inOwnProcess([] {
+        const Store none;
+        ORVA_InitializeFFT();
+        ORVA_FFTProcDestroy(__FFTW_CreatePlan(64, false)); // so that FFTW itself is set up
+        for (const bool inverse : {false, true})
+            for (const int n : {1, 2, 3}) { // record, samples, bins
+                support::failAllocation(static_cast<uint64_t>(n));
+                ORVA_FFT *fft = __FFTW_CreatePlan(64, inverse);
+                EXPECT_TRUE(support::endFailure());
+                if (n == 1) {
+                    EXPECT_EQ(fft, nullptr);
+                } else {
+                    ASSERT_NE(fft, nullptr);
+                    EXPECT_EQ(fft->length, 64);
+                    EXPECT_EQ(fft->plan, nullptr);
+                }
+                ORVA_FFTProcDestroy(fft);
+                fft = __FFTW_CreatePlan(64, inverse);
+                EXPECT_NE(fft->plan, nullptr);
+                ORVA_FFTProcDestroy(fft);
+            }
+        ORVA_FinalizeFFT();
+    });
+}
+
+TEST(EngineMemory, AStoreThatCannotBeReadCountsAsLoaded)
+{
+    for (const uint64_t n : {1, 2}) // the file's handle, the text
+        inOwnProcess([n] {
+            const Store store;
+            support::writeText(store.path, store::wisdomOf({16}));
+            store.announce();
+            const std::string known = store::wisdom();
+            support::failAllocation(n);
+            EXPECT_TRUE(__FFTW_LoadWisdom());
+            EXPECT_TRUE(support::endFailure());
+            EXPECT_TRUE(__FFTW_WisdomLoaded);
+            EXPECT_EQ(store::wisdom(), known);
+        });
+}
+
+TEST(EngineMemory, AStartNeverFails)
+{
+    bool happened = true;
+    for (uint64_t n = 1; happened && n < 50; ++n) {
+        const Store none;
+        support::failAllocation(n);
+        EXPECT_TRUE(ORVA_InitializeFFT());
+        happened = support::endFailure();
+        EXPECT_TRUE(__FFTW_Initialized);
+        ORVA_FFT *fft = __FFTW_CreatePlan(16, false);
+        EXPECT_NE(fft->plan, nullptr);
+        ORVA_FFTProcDestroy(fft);
+        EXPECT_TRUE(ORVA_FinalizeFFT());
+    }
+    EXPECT_FALSE(happened);
+}
+
+TEST(EngineMemory, AThreadThatCannotBeHadIsTriedAgain)
+{
+    inOwnProcess([] {
+        const Store store;
+        store.announce();
+        ORVA_InitializeFFT();
+        support::failAllocation(1);
+        EXPECT_TRUE(ORVA_OptimizeFFT(true));
+        EXPECT_TRUE(support::endFailure());
+        EXPECT_EQ(__FFTW_InitThread, nullptr);
+        EXPECT_TRUE(ORVA_OptimizeFFT(false));
+        EXPECT_NE(__FFTW_InitThread, nullptr);
+        ORVA_FinalizeFFT();
+    });
+}
