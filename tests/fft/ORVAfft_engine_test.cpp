@@ -42,7 +42,7 @@ TEST(EngineStop, RestartMakesANewLockAndClearsNeitherFlag)
 {
     inOwnProcess([] {
         const Store store;
-        support::writeText(store.path, store::wisdomOf({16}));
+        support::writeFile(store.path, store::wisdomOf({16}));
         store.announce();
         ORVA_InitializeFFT();
         EXPECT_TRUE(__FFTW_WisdomLoaded);
@@ -65,7 +65,7 @@ TEST(EngineStop, ARestartDoesNotReadTheStoreAgain)
 {
     inOwnProcess([] {
         const Store store;
-        support::writeText(store.path, store::wisdomOf({16}));
+        support::writeFile(store.path, store::wisdomOf({16}));
         store.announce();
         ORVA_InitializeFFT();
         const std::string known = store::wisdom();
@@ -74,12 +74,12 @@ TEST(EngineStop, ARestartDoesNotReadTheStoreAgain)
         fftwf_forget_wisdom();
         const std::string more = store::wisdomOf({16, 360});
         fftwf_import_wisdom_from_string(known.c_str());
-        support::writeText(store.path, more);
+        support::writeFile(store.path, more);
         ORVA_InitializeFFT();
         EXPECT_FALSE(__FFTW_LoadWisdom());
         EXPECT_EQ(store::wisdom(), known);
         ORVA_FinalizeFFT();
-        EXPECT_EQ(support::textOf(store.path), known);
+        EXPECT_EQ(support::readFile(store.path), known);
     });
 }
 
@@ -99,7 +99,7 @@ TEST(EngineNeverStarted, EverythingWorksWithoutALock)
         EXPECT_TRUE(ORVA_OptimizeFFT(true));
         EXPECT_TRUE(ORVA_FinalizeFFT());
         EXPECT_TRUE(ORVA_FinalizeFFT());
-        EXPECT_EQ(support::textOf(store.path), store::wisdom());
+        EXPECT_EQ(support::readFile(store.path), store::wisdom());
         EXPECT_TRUE(log.messages.empty());
     });
 }

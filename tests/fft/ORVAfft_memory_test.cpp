@@ -39,7 +39,7 @@ TEST(EngineMemory, AStoreThatCannotBeReadCountsAsLoaded)
     for (const uint64_t n : {1, 2}) // the file's handle, the text
         inOwnProcess([n] {
             const Store store;
-            support::writeText(store.path, store::wisdomOf({16}));
+            support::writeFile(store.path, store::wisdomOf({16}));
             store.announce();
             const std::string known = store::wisdom();
             support::failAllocation(n);

@@ -11,7 +11,7 @@
 
 using store::Store;
 using support::inOwnProcess;
-using support::textOf;
+using support::readFile;
 
 namespace
 {
@@ -89,9 +89,9 @@ TEST(Preparation, PreparesTheLengthsUpToTheLongestAndSavesThem)
                 KTSETTINGS_SetEx(nullptr, "orva.fftw.max_plan_len=%s", c.longest);
             ORVA_InitializeFFT();
             EXPECT_TRUE(ORVA_OptimizeFFT(true));
-            EXPECT_EQ(textOf(store.path), expected);
+            EXPECT_EQ(readFile(store.path), expected);
             ORVA_FinalizeFFT();
-            EXPECT_EQ(textOf(store.path), expected);
+            EXPECT_EQ(readFile(store.path), expected);
             EXPECT_TRUE(store.isTidy());
             EXPECT_TRUE(log.messages.empty());
         });
@@ -144,7 +144,7 @@ TEST(Preparation, WaitsForAFolderThatComesLate)
         ORVA_OptimizeFFT(false);
         store.announce(); // in the first of the sleeps
         ORVA_OptimizeFFT(true);
-        EXPECT_EQ(textOf(store.path), store::wisdomOf({16}));
+        EXPECT_EQ(readFile(store.path), store::wisdomOf({16}));
         EXPECT_TRUE(log.messages.empty());
         ORVA_FinalizeFFT();
     });
@@ -183,7 +183,7 @@ TEST(Preparation, AStopWaitsForItsEndAndKeepsWhatIsPreparedSoFar)
         ORVA_OptimizeFFT(false);
         ORVA_FinalizeFFT();
         EXPECT_GE(millisecondsSince(start), 50);
-        const std::string kept = textOf(store.path);
+        const std::string kept = readFile(store.path);
         EXPECT_NE(std::find(expected.begin(), expected.end(), kept), expected.end()) << kept;
         EXPECT_EQ(kept, store::wisdom());
         std::this_thread::sleep_for(std::chrono::milliseconds(50));
@@ -216,7 +216,7 @@ TEST(Preparation, AfterARestartItStopsBehindItsFirstLength)
         ORVA_FinalizeFFT();
         ORVA_InitializeFFT();
         ORVA_OptimizeFFT(true);
-        EXPECT_EQ(textOf(store.path), expected);
+        EXPECT_EQ(readFile(store.path), expected);
         ORVA_FinalizeFFT();
     });
 }

@@ -13,8 +13,8 @@
 #include <sys/wait.h>
 
 using store::Store;
-using support::textOf;
-using support::writeText;
+using support::readFile;
+using support::writeFile;
 
 namespace
 {
@@ -82,9 +82,9 @@ bool byStrace(const Store &store, const Fault &fault, size_t n)
     static const std::vector<Call> calls = [] {
         const Store scratch;
         const std::string trace = scratch.folder.path / "trace";
-        writeText(scratch.path, store::wisdomOf({16}));
+        writeFile(scratch.path, store::wisdomOf({16}));
         EXPECT_EQ(run("strace -o " + trace + " " + program(scratch)), 0);
-        return callsOfTheSave(textOf(trace));
+        return callsOfTheSave(readFile(trace));
     }();
     EXPECT_GT(calls.size(), 10u);
     if (n > calls.size())
@@ -98,7 +98,7 @@ bool byStrace(const Store &store, const Fault &fault, size_t n)
     run("strace -o " + trace + " -e inject=" + call.name +
         (fault.kills ? ":signal=KILL" : ":error=" + std::to_string(fault.error)) +
         ":when=" + std::to_string(call.number) + " " + program(store));
-    const std::string traced = textOf(trace);
+    const std::string traced = readFile(trace);
     EXPECT_NE(traced.find(beginMark), std::string::npos) << call.name;
     EXPECT_EQ(traced.find(endMark) == std::string::npos, fault.kills) << call.name;
     return true;
@@ -126,9 +126,9 @@ struct Texts {
     std::string before = store::wisdomOf({16});
     std::string after = [this] {
         const Store store;
-        writeText(store.path, before);
+        writeFile(store.path, before);
         EXPECT_EQ(run(program(store)), 0);
-        return textOf(store.path);
+        return readFile(store.path);
     }();
 };
 
@@ -141,10 +141,10 @@ void walkThrough(const Walk &walk, const Fault &fault, const std::function<void(
     int news = 0;
     for (size_t n = 1; n < 200; ++n) {
         const Store store;
-        writeText(store.path, texts.before);
+        writeFile(store.path, texts.before);
         if (!walk(store, fault, n))
             break;
-        const std::string text = textOf(store.path);
+        const std::string text = readFile(store.path);
         olds += text == texts.before;
         news += text == texts.after;
         EXPECT_TRUE(text == texts.before || text == texts.after) << "call " << n << ":\n" << text;
@@ -164,10 +164,9 @@ TEST(SaveFaults, AKillAtAnyCallLeavesTheOldStoreOrTheNewOne)
     for (const Walk &walk : walks()) {
         int leftovers = 0;
         walkThrough(walk, killed, [&leftovers](const Store &store) {
-            for (const auto &entry : std::filesystem::directory_iterator(store.folder.path))
-                if (entry.path() != store.path) {
+            for (const std::string &name : store.folder.entries())
+                if (store.folder.path / name != store.path) {
                     ++leftovers;
-                    const std::string name = entry.path().filename();
                     EXPECT_TRUE(name.starts_with(".kett-") && name.ends_with(".tmp")) << name;
                 }
         });
@@ -180,13 +179,13 @@ TEST(SaveFaults, TheNextSaveSucceedsBesideALeftover)
     const Texts texts;
     const Store store;
     for (size_t n = 1; store.isTidy() && n < 200; ++n) {
-        writeText(store.path, texts.before);
+        writeFile(store.path, texts.before);
         byInterposer(store, killed, n);
     }
     ASSERT_FALSE(store.isTidy());
-    writeText(store.path, texts.before);
+    writeFile(store.path, texts.before);
     EXPECT_EQ(run(program(store)), 0);
-    EXPECT_EQ(textOf(store.path), texts.after);
+    EXPECT_EQ(readFile(store.path), texts.after);
 }
 
 TEST(SaveFaults, AFullDiskLeavesTheOldStoreOrTheNewOneAndNothingElse)

@@ -30,13 +30,11 @@ struct Store {
         return std::filesystem::exists(path);
     }
 
-    // True if there is nothing in the folder, or nothing but the store.
+    // Nothing in the folder, or nothing but the store.
     bool isTidy() const
     {
-        for (const auto &entry : std::filesystem::directory_iterator(folder.path))
-            if (entry.path() != path)
-                return false;
-        return true;
+        const auto entries = folder.entries();
+        return entries.empty() || entries == std::vector{path.filename().string()};
     }
 
     support::Folder folder;

@@ -48,7 +48,7 @@ TEST(EngineThreads, PlansComeAndGoWhileOthersArePrepared)
         }
         ORVA_OptimizeFFT(true);
         ORVA_FinalizeFFT();
-        EXPECT_EQ(support::textOf(store.path), store::wisdom());
+        EXPECT_EQ(support::readFile(store.path), store::wisdom());
     });
 }
 
@@ -65,7 +65,7 @@ TEST(EngineThreads, TwoThatWaitBothComeBack)
             for (int thread = 0; thread < 2; ++thread)
                 threads.emplace_back([&] {
                     EXPECT_TRUE(ORVA_OptimizeFFT(true));
-                    EXPECT_EQ(support::textOf(store.path), expected);
+                    EXPECT_EQ(support::readFile(store.path), expected);
                 });
         }
         ORVA_OptimizeFFT(true);

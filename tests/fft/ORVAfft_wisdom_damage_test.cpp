@@ -150,7 +150,7 @@ void expectRightTransform(const Known &known, bool inverse)
 void load(const Store &store, const std::string &text)
 {
     std::filesystem::remove(store.path); // writing over a file takes some file systems to the disk
-    support::writeText(store.path, text);
+    support::writeFile(store.path, text);
     __FFTW_WisdomLoaded = false;
     EXPECT_TRUE(__FFTW_LoadWisdom());
     EXPECT_TRUE(__FFTW_WisdomLoaded);
@@ -215,6 +215,6 @@ TEST(WisdomDamage, NoDamagedStoreAbortsPrintsOrSpoilsATransform)
             Random own(start);
             runBatch(genuine, before, known, own);
         });
-        EXPECT_EQ(support::textOf(output), "") << "batch " << batch;
+        EXPECT_EQ(support::readFile(output), "") << "batch " << batch;
     }
 }

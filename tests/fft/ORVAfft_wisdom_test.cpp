@@ -16,8 +16,8 @@
 using store::Store;
 using store::wisdom;
 using support::inOwnProcess;
-using support::textOf;
-using support::writeText;
+using support::readFile;
+using support::writeFile;
 
 namespace
 {
@@ -85,7 +85,7 @@ TEST(WisdomLoad, AMissingStoreCountsAsLoadedAndIsCreatedAtTheEnd)
         plan(64);
         EXPECT_FALSE(store.exists());
         ORVA_FinalizeFFT();
-        EXPECT_EQ(textOf(store.path), wisdom());
+        EXPECT_EQ(readFile(store.path), wisdom());
         EXPECT_TRUE(store.isTidy());
     });
 }
@@ -95,12 +95,12 @@ TEST(WisdomLoad, AStoreIsImportedOnceAndWhole)
     inOwnProcess([] {
         const Store store;
         const std::string kept = store::wisdomOf({16, 360, 1009});
-        writeText(store.path, kept);
+        writeFile(store.path, kept);
         store.announce();
         EXPECT_TRUE(__FFTW_LoadWisdom());
         EXPECT_TRUE(__FFTW_WisdomLoaded);
         EXPECT_EQ(sortedLines(wisdom()), sortedLines(kept));
-        writeText(store.path, store::wisdomOf({4096}));
+        writeFile(store.path, store::wisdomOf({4096}));
         const std::string known = wisdom();
         EXPECT_FALSE(__FFTW_LoadWisdom());
         EXPECT_EQ(wisdom(), known);
@@ -112,7 +112,7 @@ TEST(WisdomLoad, AFolderSetLateIsUsedByTheNextPlan)
     inOwnProcess([] {
         const Store store;
         const std::string kept = store::wisdomOf({360});
-        writeText(store.path, kept);
+        writeFile(store.path, kept);
         ORVA_InitializeFFT();
         plan(16);
         EXPECT_FALSE(__FFTW_WisdomLoaded);
@@ -123,7 +123,7 @@ TEST(WisdomLoad, AFolderSetLateIsUsedByTheNextPlan)
         plan(360); // teaches nothing new any more
         EXPECT_EQ(wisdom(), known);
         ORVA_FinalizeFFT();
-        EXPECT_EQ(textOf(store.path), known);
+        EXPECT_EQ(readFile(store.path), known);
     });
 }
 
@@ -132,7 +132,7 @@ TEST(WisdomLoad, TheFolderMayComeFromTheEnvironment)
     inOwnProcess([] {
         const Store store;
         setenv("KT_DATA_PATH", store.folder.path.c_str(), 1);
-        writeText(store.path, store::wisdomOf({16}));
+        writeFile(store.path, store::wisdomOf({16}));
         EXPECT_TRUE(__FFTW_LoadWisdom());
     });
 }
@@ -142,7 +142,7 @@ TEST(WisdomLoad, WaitsForTheSettingToo)
     inOwnProcess([] {
         const Store store;
         const std::string kept = store::wisdomOf({360});
-        writeText(store.path, kept);
+        writeFile(store.path, kept);
         store.announce();
         KTSETTINGS_SetEx(nullptr, "orva.fftw.use_wisdom=%d", 0);
         ORVA_InitializeFFT();
@@ -179,7 +179,7 @@ TEST(WisdomLoad, ACorruptStoreIsPassedOverInSilence)
         inOwnProcess([&] {
             const support::Log log;
             const Store store;
-            writeText(store.path, text);
+            writeFile(store.path, text);
             store.announce();
             store::learn(100);
             const std::string known = wisdom();
@@ -188,7 +188,7 @@ TEST(WisdomLoad, ACorruptStoreIsPassedOverInSilence)
             EXPECT_EQ(wisdom(), known);
             ORVA_InitializeFFT();
             ORVA_FinalizeFFT();
-            EXPECT_EQ(textOf(store.path), known);
+            EXPECT_EQ(readFile(store.path), known);
             EXPECT_TRUE(log.messages.empty());
         });
     }
@@ -200,7 +200,7 @@ TEST(WisdomLoad, WhatStandsBehindTheWisdomIsNotRead)
     for (const std::string &behind : {std::string("x"), std::string(1, '\0'), std::string("\n\n"), good}) {
         inOwnProcess([&] {
             const Store store;
-            writeText(store.path, good + behind);
+            writeFile(store.path, good + behind);
             store.announce();
             EXPECT_TRUE(__FFTW_LoadWisdom());
             EXPECT_EQ(sortedLines(wisdom()), sortedLines(good));
@@ -249,7 +249,7 @@ TEST(WisdomLoad, ASizeThatDoesNotFitCountsAsCorrupt)
         SCOPED_TRACE(size);
         inOwnProcess([&] {
             const Store store;
-            writeText(store.path, good);
+            writeFile(store.path, good);
             ASSERT_EQ(truncate(store.path.c_str(), size), 0); // a sparse file
             store.announce();
             rusage before, after;
@@ -259,7 +259,7 @@ TEST(WisdomLoad, ASizeThatDoesNotFitCountsAsCorrupt)
             EXPECT_TRUE(__FFTW_WisdomLoaded);
             EXPECT_EQ(wisdom(), known);
             EXPECT_TRUE(__FFTW_SaveWisdom());
-            EXPECT_EQ(textOf(store.path), known);
+            EXPECT_EQ(readFile(store.path), known);
             getrusage(RUSAGE_SELF, &after);
             EXPECT_LT(after.ru_maxrss - before.ru_maxrss, 64 * 1024) << "kilobytes";
         });
@@ -285,13 +285,13 @@ TEST(WisdomLoad, AStoreOfManyMegabytesIsTaken)
         large += genuine.substr(firstEntry);
 
         const Store store;
-        writeText(store.path, large);
+        writeFile(store.path, large);
         store.announce();
         ORVA_InitializeFFT();
         EXPECT_EQ(sortedLines(wisdom()), sortedLines(large));
         plan(1024);
         ORVA_FinalizeFFT();
-        EXPECT_EQ(sortedLines(textOf(store.path)), sortedLines(large));
+        EXPECT_EQ(sortedLines(readFile(store.path)), sortedLines(large));
     });
 }
 
@@ -302,7 +302,7 @@ TEST(WisdomSave, AnEqualStoreIsNotTouched)
         store.announce();
         ORVA_InitializeFFT();
         plan(360);
-        writeText(store.path, wisdom());
+        writeFile(store.path, wisdom());
         makeOld(store.path);
         ORVA_FinalizeFFT();
         EXPECT_TRUE(isOld(store.path));
@@ -331,10 +331,10 @@ TEST(WisdomSave, AnyDifferenceRewritesTheStore)
             store.announce();
             ORVA_InitializeFFT();
             plan(360);
-            writeText(store.path, change(wisdom()));
+            writeFile(store.path, change(wisdom()));
             makeOld(store.path);
             ORVA_FinalizeFFT();
-            EXPECT_EQ(textOf(store.path), wisdom());
+            EXPECT_EQ(readFile(store.path), wisdom());
             EXPECT_FALSE(isOld(store.path));
             EXPECT_TRUE(store.isTidy());
         });
@@ -354,7 +354,7 @@ TEST(WisdomSave, TellsWhetherTheStoreHoldsTheWisdom)
         EXPECT_FALSE(store.exists());
         KTSETTINGS_SetEx(nullptr, "orva.fftw.use_wisdom=%s", "on");
         EXPECT_TRUE(__FFTW_SaveWisdom()) << "written";
-        EXPECT_EQ(textOf(store.path), wisdom());
+        EXPECT_EQ(readFile(store.path), wisdom());
         EXPECT_TRUE(__FFTW_SaveWisdom()) << "equal";
         KTENV_SetEnvValue("KT_DATA_PATH", (store.folder.path / "missing").c_str());
         EXPECT_FALSE(__FFTW_SaveWisdom()) << "no such folder";
@@ -373,7 +373,7 @@ TEST(WisdomSave, TheFolderIsAskedAnew)
         second.announce();
         ORVA_FinalizeFFT();
         EXPECT_FALSE(first.exists());
-        EXPECT_EQ(textOf(second.path), wisdom());
+        EXPECT_EQ(readFile(second.path), wisdom());
     });
 }
 
@@ -394,12 +394,12 @@ TEST(WisdomSave, AStoreThatVanishedIsWrittenAnew)
 {
     inOwnProcess([] {
         const Store store;
-        writeText(store.path, store::wisdomOf({16}));
+        writeFile(store.path, store::wisdomOf({16}));
         store.announce();
         ORVA_InitializeFFT();
         std::filesystem::remove(store.path);
         ORVA_FinalizeFFT();
-        EXPECT_EQ(textOf(store.path), wisdom());
+        EXPECT_EQ(readFile(store.path), wisdom());
     });
 }
 
@@ -410,7 +410,7 @@ TEST(WisdomSave, AFullDiskLeavesTheOldStore)
         const support::Log log;
         const Store store;
         const std::string old = store::wisdomOf({16});
-        writeText(store.path, old);
+        writeFile(store.path, old);
         store.announce();
         ORVA_InitializeFFT();
         plan(1009);
@@ -421,7 +421,7 @@ TEST(WisdomSave, AFullDiskLeavesTheOldStore)
         ORVA_FinalizeFFT();
         const rlimit none{RLIM_INFINITY, RLIM_INFINITY};
         ASSERT_EQ(setrlimit(RLIMIT_FSIZE, &none), 0);
-        EXPECT_EQ(textOf(store.path), old);
+        EXPECT_EQ(readFile(store.path), old);
         EXPECT_TRUE(store.isTidy());
         EXPECT_TRUE(log.messages.empty());
     });
@@ -450,7 +450,7 @@ TEST(WisdomPath, ALongerPathIsCut)
             ORVA_InitializeFFT();
             ORVA_FinalizeFFT();
             const std::string name = std::string("ruko.optimization").substr(0, nameLength);
-            EXPECT_EQ(textOf(folder + '/' + name), wisdom());
+            EXPECT_EQ(readFile(folder + '/' + name), wisdom());
         });
     }
 }
