@@ -6,6 +6,19 @@
  *      "type=bandpass; order=4; fpass1=300; fpass2=3400; fs=8000"
  *      "biquads=[-0.94, 0.33, 0.1, 0.2, 0.1; -1.1 0.4 0.2 0.4 0.2], nc=2"
  *
+ *  and it is read key by key:
+ *
+ *      char type[64];
+ *      KTSTRING_GetStringValueFromString(config, "type", "lowpass", type, sizeof type);
+ *      int32_t order = KTSTRING_GetIntegerValueFromString(config, "order", -1);
+ *      int32_t rows, columns;
+ *      if (KTSTRING_GetMatrixSizeFromString(config, "biquads", &rows, &columns) != 0) {
+ *          double *biquads = calloc((size_t)rows * (size_t)columns, sizeof *biquads);
+ *          KTSTRING_GetDoubleMatrixValuesFromString(config, "biquads", biquads, rows, columns);
+ *      }
+ *
+ *  Its grammar:
+ *
  *      config := [ pair { sep pair } ]      sep := ';' | ',' | white space, any run of them
  *      pair   := key '=' value              blanks around '=' are allowed; of equal keys the last holds
  *      value  := word | '"' text '"' | '[' row { ';' row } ']' | '[' '[' row ']' { [','] '[' row ']' } ']'
