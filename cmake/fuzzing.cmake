@@ -1,0 +1,34 @@
+# Fuzz targets: programs that hand arbitrary bytes to an operation that meets hostile input.
+option(ORVA_FUZZ "Build the fuzz targets with libFuzzer, which needs clang" OFF)
+
+set(ORVA_FUZZ_TARGETS ${CMAKE_BINARY_DIR}/fuzz_targets)   # one line each: name, corpus, and its dictionary if it has one
+if(ORVA_FUZZ)
+    file(WRITE ${ORVA_FUZZ_TARGETS} "")
+    add_custom_target(fuzz)                               # all of them, and only what they need
+    target_compile_options(orva_compile_options INTERFACE -fsanitize=fuzzer-no-link)
+endif()
+
+# orva_fuzz(<name> FAMILY <family> SOURCES <files> CORPUS <folder> [DICTIONARY <file>] [LIBRARIES <targets>])
+#
+# The SOURCES define LLVMFuzzerTestOneInput. In the preset 'fuzz' they are linked with libFuzzer to the program <name>, which
+# script/fuzz runs; in the others they make a test that runs each file of the corpus and, for two seconds, mutations of them.
+function(orva_fuzz name)
+    cmake_parse_arguments(ARG "" "FAMILY;CORPUS;DICTIONARY" "SOURCES;LIBRARIES" ${ARGN})
+    cmake_path(ABSOLUTE_PATH ARG_CORPUS)
+    if(ORVA_FUZZ)
+        if(ARG_DICTIONARY)
+            cmake_path(ABSOLUTE_PATH ARG_DICTIONARY)
+        endif()
+        file(APPEND ${ORVA_FUZZ_TARGETS} "${name} ${ARG_CORPUS} ${ARG_DICTIONARY}\n")
+        add_executable(${name} ${ARG_SOURCES})
+        target_link_options(${name} PRIVATE -fsanitize=fuzzer)
+        add_dependencies(fuzz ${name})
+    elseif(ORVA_BUILD_TESTS)
+        add_executable(${name} ${ARG_SOURCES} ${PROJECT_SOURCE_DIR}/tests/support/fuzz_replay.cpp)
+        add_test(NAME ${name}.CorpusAndItsMutationsRun COMMAND ${name} ${ARG_CORPUS} 2)
+        set_tests_properties(${name}.CorpusAndItsMutationsRun PROPERTIES LABELS ${ARG_FAMILY} TIMEOUT 300)
+    else()
+        return()
+    endif()
+    target_link_libraries(${name} PRIVATE ${ARG_LIBRARIES} orva_compile_options)
+endfunction()
