@@ -22,7 +22,7 @@ struct Reader {
 
 static bool isNumberCharacter(char c)
 {
-    return isWordCharacter(c) && c != '[' && c != ']';
+    return isWordCharacter(c) && c != ']';
 }
 
 // Takes `mark` and the blanks around it; without the mark only the blanks before it are gone.
@@ -72,11 +72,9 @@ static bool takeRow(Reader &reader)
 static bool takeFlatRows(Reader &reader)
 {
     while (takeRow(reader)) {
-        const bool ended = takeMark(reader, ';');
+        takeMark(reader, ';'); // a row ends at one or at the bracket
         if (*reader.at == ']')
             return true;
-        if (!ended)
-            return false;
     }
     return false;
 }

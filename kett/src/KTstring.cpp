@@ -80,7 +80,7 @@ int32_t KTSTRING_GetDoubleVectorValuesFromString(const char *config, const char 
 {
     ConfigPair pair;
     int32_t size = 0;
-    if (output == nullptr || capacity <= 0 || !findVector(config, key, pair, size))
+    if (output == nullptr || !findVector(config, key, pair, size))
         return 0;
     return storeMatrix(pair, output, capacity);
 }

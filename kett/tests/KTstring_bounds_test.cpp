@@ -54,8 +54,8 @@ TEST(ConfigText, TheDefaultMayStandInTheOutput)
     char output[16] = "lowpass";
     EXPECT_EQ(KTSTRING_GetStringValueFromString("b=1", "a", output, output, sizeof output), 1);
     EXPECT_STREQ(output, "lowpass");
-    EXPECT_EQ(KTSTRING_GetStringValueFromString("b=1", "a", output + 3, output, 4), 1);
-    EXPECT_STREQ(output, "pas");
+    EXPECT_EQ(KTSTRING_GetStringValueFromString("b=1", "a", output + 1, output, 4), 1);
+    EXPECT_STREQ(output, "owp");
 }
 
 TEST(ConfigVector, NoMoreIsWrittenThanThereIsOrFits)

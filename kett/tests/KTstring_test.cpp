@@ -138,6 +138,10 @@ TEST(ConfigText, AKeyIsARunOfAnyOtherCharacters)
         {"a[0]=1 c=2", "a[0]", nullptr},
         {"a[0]=1 c=2", "c", "2"},
         {"]a=1", "a", nullptr},
+        {"]a=1", "]a", nullptr},
+        {"a]=1", "a]", nullptr},
+        {"[a=1", "[a", nullptr},
+        {"\"a=1", "\"a", nullptr},
         {"==1 a=2", "a", "2"},
     });
 }
