@@ -87,13 +87,13 @@ int32_t ORVA_FFTProcExecutePSDEx(const ORVA_FFT *fft, const float *input, float 
 {
     if (!canExecute(fft) || input == nullptr || power == nullptr)
         return 0;
-    ORVA_COMPLEX *own = work == nullptr ? newWorkArray(fft) : nullptr;
-    ORVA_COMPLEX *bins = work == nullptr ? own : work;
+    ORVA_COMPLEX *bins = work != nullptr ? work : newWorkArray(fft);
     if (bins == nullptr)
         return 0;
     transform(fft, input, bins);
     squareBins(bins, power, groupedCount(fft));
-    fftwf_free(own);
+    if (work == nullptr)
+        fftwf_free(bins);
     return binCount(fft);
 }
 

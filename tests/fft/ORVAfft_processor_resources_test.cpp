@@ -8,7 +8,7 @@
 
 using support::Counts;
 
-TEST(SpectrumRoad, OfAFrameTakesNothingFromTheSystem)
+TEST(SpectrumResources, AFrameTakesNothingFromTheSystem)
 {
     for (int32_t length : {64, 480, 1024, 1200, 4096}) {
         const auto size = static_cast<size_t>(length);
@@ -35,7 +35,7 @@ TEST(SpectrumRoad, OfAFrameTakesNothingFromTheSystem)
     }
 }
 
-TEST(SpectrumRoad, PowerWithoutAWorkArrayAllocatesAndFreesOne)
+TEST(SpectrumResources, PowerWithoutAWorkArrayAllocatesAndFreesOne)
 {
     ORVA_FFT *fft = ORVA_FFTProcCreate(1024);
     std::vector<float> frame(1024), power(516);
@@ -45,7 +45,7 @@ TEST(SpectrumRoad, PowerWithoutAWorkArrayAllocatesAndFreesOne)
     ORVA_FFTProcDestroy(fft);
 }
 
-TEST(SpectrumRoad, MemoryOutGivesNoPowerAndNoVector)
+TEST(SpectrumResources, MemoryOutGivesNoPowerAndNoVector)
 {
     ORVA_FFT *fft = ORVA_FFTProcCreate(1024);
     std::vector<float> frame(1024), power(516, 77.0f);
