@@ -19,12 +19,13 @@ int32_t KTSTRING_GetStringValueFromString(const char *config, const char *key, c
     const size_t room = static_cast<size_t>(size) - 1;
     ConfigPair pair;
     std::string_view text;
-    if (findPair(config, key, pair))
+    if (findPair(config, key, pair)) {
         text = pair.value.substr(0, room);
-    else if (defaultValue != nullptr)
+    } else if (defaultValue != nullptr) {
         text = {defaultValue, strnlen(defaultValue, room)};
-    else
+    } else {
         return 0;
+    }
     memmove(output, text.data(), text.size()); // the default may stand in the output already
     output[text.size()] = '\0';
     return 1;

@@ -169,9 +169,10 @@ inline std::optional<lookup::Matrix> matrix(const Config &config, const std::str
             return std::nullopt;
         result.columns = columns;
     }
-    for (const double x : result.values)
+    for (const double x : result.values) {
         if (std::isinf(x))
             return std::nullopt;
+    }
     return result;
 }
 
