@@ -286,6 +286,26 @@ TEST(FFTProcessor, NullArgumentsExecuteNothing)
     EXPECT_TRUE(std::all_of(spectrum.begin(), spectrum.end(), isMark));
 }
 
+// Two nulls are the same pointer, and a handle without a plan does not keep the report back.
+TEST(FFTProcessor, ReportsEqualPointersAlsoWhereItExecutesNothing)
+{
+    const auto refused = forward(0);
+    float sample = 77.0f;
+    const support::Log log;
+    EXPECT_EQ(ORVA_FFTProcExecute(nullptr, nullptr, nullptr), 0);
+    EXPECT_EQ(ORVA_FFTProcExecute(refused.get(), &sample, reinterpret_cast<ORVA_COMPLEX *>(&sample)), 0);
+    EXPECT_EQ(ORVA_IFFTProcExecuteEx(nullptr, nullptr, nullptr, true), 0);
+    EXPECT_EQ(ORVA_FFTProcExecutePSDEx(nullptr, nullptr, nullptr, nullptr), 0);
+    EXPECT_EQ(sample, 77.0f);
+    const auto forwardReport =
+        support::terminalError("ORVA_FFTProcExecute: Input and output vectors must be different!");
+    EXPECT_EQ(
+        log.messages,
+        (std::vector<support::Message>{
+            forwardReport, forwardReport,
+            support::terminalError("ORVA_IFFTProcExecute: Input and output vectors must be different!")}));
+}
+
 TEST(FFTProcessor, DestroyTellsNullFromAProcessor)
 {
     EXPECT_FALSE(ORVA_FFTProcDestroy(nullptr));
