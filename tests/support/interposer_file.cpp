@@ -177,6 +177,16 @@ int fchmod(int file, mode_t mode) noexcept
     return fileCall<fchmod>(-1, "fchmod", file, mode);
 }
 
+int chown(const char *path, uid_t owner, gid_t group) noexcept
+{
+    return fileCall<chown>(-1, "chown", path, owner, group);
+}
+
+int fchown(int file, uid_t owner, gid_t group) noexcept
+{
+    return fileCall<fchown>(-1, "fchown", file, owner, group);
+}
+
 ssize_t readlink(const char *path, char *buffer, size_t size) noexcept
 {
     return fileCall<readlink>(ssize_t{-1}, "readlink", path, buffer, size);

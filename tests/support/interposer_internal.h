@@ -31,7 +31,7 @@ bool allocationFails();
 bool fileCallFails();
 
 // The function of that name that would have been called without us.
-template <auto *ours> auto next(const char *name)
+template <auto *ours> [[gnu::visibility("hidden")]] auto next(const char *name)
 {
     static const auto function = reinterpret_cast<decltype(ours)>(dlsym(RTLD_NEXT, name));
     return function;

@@ -147,6 +147,8 @@ const Call calls[] = {
     {"faccessat", [] { EXPECT_EQ(faccessat(AT_FDCWD, "/dev/null", R_OK, 0), 0); }, oneFile},
     {"chmod", [] { EXPECT_EQ(chmod(buffer, 0600), 0); }, oneFile, openScratch, closeScratch},
     {"fchmod", [] { EXPECT_EQ(fchmod(file, 0600), 0); }, oneFile, openScratch, closeScratch},
+    {"chown", [] { EXPECT_EQ(chown(buffer, getuid(), getgid()), 0); }, oneFile, openScratch, closeScratch},
+    {"fchown", [] { EXPECT_EQ(fchown(file, getuid(), getgid()), 0); }, oneFile, openScratch, closeScratch},
     {"readlink", [] { EXPECT_GT(readlink("/proc/self/exe", buffer, sizeof buffer), 0); }, oneFile},
     {"realpath", [] { EXPECT_NE(realpath("/dev/null", buffer), nullptr); }, oneFile},
 
