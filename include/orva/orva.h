@@ -7,6 +7,7 @@
 #include <orva/ORVAcomplex.h>
 #include <orva/ORVAcore.h>
 #include <orva/ORVAfft.h>
+#include <orva/ORVAfilter.h>
 #include <orva/ORVAtypes.h>
 #include <orva/ORVAversion.h>
 #include <orva/ORVAwinfnc.h>

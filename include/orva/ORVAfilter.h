@@ -1,0 +1,198 @@
+/** @file
+ *  Digital filters on interleaved buffers of any number of channels.
+ *
+ *  A filter is one handle, whatever the structure inside; a call filters a block and keeps what the next
+ *  block needs. There are two structures, both Direct Form II:
+ *
+ *  - Direct form, from two coefficient vectors b and a, of any order and of unequal length if need be:
+ *
+ *        H(z) = (b(0) + b(1) z^-1 + b(2) z^-2 + ...) / (a(0) + a(1) z^-1 + a(2) z^-2 + ...)
+ *
+ *    It is divided through by a(0) when the filter is made and then runs in single precision throughout. An
+ *    order above four or so calls for biquads instead.
+ *
+ *  - Biquads, a cascade of second-order sections, section 0 the first to act on the signal:
+ *
+ *        H(z) = product of (b0 + b1 z^-1 + b2 z^-2) / (1 + a1 z^-1 + a2 z^-2)
+ *
+ *    A section is a record of five doubles in the order a1, a2, b0, b1, b2; its leading 1 is not stored. Note
+ *    the sign: a1 and a2 are those of the transfer function, and are subtracted in the recursion. Sections
+ *    run in double precision, and the signal is rounded to float from each section to the next.
+ *
+ *  Counts, offsets and strides are in floats, not in frames: a frame of a stereo filter is two floats, one
+ *  per channel, and a block of 1024 of them is a `numSamples` of 2048. Cutting a stream into blocks anywhere
+ *  between frames does not change a bit of the result. Results are 1 for success and 0 for failure.
+ *
+ *      static const double smooth[] = {-0.94, 0.33, 0.1, 0.2, 0.1};      // a1, a2, b0, b1, b2
+ *
+ *      _ORVA_FILTER *filter = ORVA_CreateFilterFromBiquads(2, 1, smooth);
+ *      while (readBlock(block, &floats))
+ *          ORVA_Filter(filter, block, block, floats);                    // in place
+ *      ORVA_DestroyFilter(filter);
+ *
+ *  One channel of an interleaved buffer: give a filter made for one channel the channel's number as offset
+ *  and the number of channels as stride. The other channels of the output are left alone:
+ *
+ *      ORVA_FilterEx(mono, block, block, floats, 1, 6);                  // the second channel of six
+ *
+ *  A filter belongs to one thread at a time; different filters run in parallel.
+ */
+#ifndef ORVA_ORVAFILTER_H
+#define ORVA_ORVAFILTER_H
+
+#include <orva/ORVAtypes.h>
+
+/** A filter with the history of its signal. */
+typedef struct _ORVA_FILTER _ORVA_FILTER;
+
+/** Filters a block of whole frames: ORVA_FilterEx() with an offset of 0 and the filter's channels as stride.
+ *
+ *  @param filter      the filter; null is refused.
+ *  @param input       `numSamples` floats, channels interleaved; null is refused.
+ *  @param output      out: `numSamples` floats; null is refused. May be `input`, and may overlap it in part.
+ *  @param numSamples  floats in the buffer. A last partial frame is not read, and its output not written.
+ *  @return            1, also when there is nothing to do; 0 for a null argument, and then nothing has
+ *                     changed.
+ *
+ *  With a filter of 0 channels the call does not return, unless `numSamples` is above 2147483647.
+ *
+ *  Threads: one at a time for a filter.   Real time: yes (no heap, lock, log or system call).
+ */
+ORVA_API int32_t ORVA_Filter(_ORVA_FILTER *filter, const float *input, float *output, uint32_t numSamples);
+
+/** Filters the frames that start at `offset`, `offset` + `stride`, `offset` + 2 `stride` and so on. A frame
+ *  is as many neighbouring floats as the filter has channels, and stands at the same place in both buffers.
+ *  What lies between frames is neither read nor written.
+ *
+ *  Infinities and not-a-number pass through the recursion and stay in its memories until ORVA_ResetFilter().
+ *
+ *  Per channel, the direct form computes in float, each product rounded before it is added:
+ *
+ *      w[n] = x[n] - a(1)/a(0) w[n-1] - a(2)/a(0) w[n-2] - ...
+ *      y[n] = 0 + b(1)/a(0) w[n-1] + b(2)/a(0) w[n-2] + ... + b(0)/a(0) w[n]
+ *
+ *  and each biquad in double, with y then rounded to float as the x of the next:
+ *
+ *      w[n] = (x[n] - a1 w[n-1]) - a2 w[n-2]
+ *      y[n] = (b0 w[n] + b1 w[n-1]) + b2 w[n-2]
+ *
+ *  Where frames overlap each other (`stride` below the channels) or the buffers overlap in part, the result
+ *  is that of frame after frame. Within a frame the direct form first reads each channel in turn, writing 0
+ *  to the output behind it, and writes the results when all are read; the biquad form reads and finishes one
+ *  channel after the other.
+ *
+ *  @param filter      the filter; null is refused.
+ *  @param input       floats; null is refused. Read up to `numSamples`.
+ *  @param output      out: floats; null is refused. May be `input`, and may overlap it in part.
+ *  @param numSamples  floats in each buffer, up to 2147483647 plus the channels: a frame runs as long as its
+ *                     start is not above `numSamples` less the channels, as signed 32-bit numbers. With more,
+ *                     nothing runs.
+ *  @param offset      floats before the first frame. A frame start of 2147483648 or more ends the run.
+ *  @param stride      floats from one frame's start to the next. With 0 the call does not return, unless no
+ *                     frame fits at `offset`.
+ *  @return            1, also when no frame fits; 0 for a null argument, and then nothing has changed.
+ *
+ *  Threads: one at a time for a filter.   Real time: yes (no heap, lock, log or system call).
+ *  Source: A. V. Oppenheim, R. W. Schafer, "Discrete-Time Signal Processing", section on direct form II
+ *  structures.
+ */
+ORVA_API int32_t ORVA_FilterEx(_ORVA_FILTER *filter, const float *input, float *output, uint32_t numSamples,
+                               uint32_t offset, uint32_t stride);
+
+/** Clears the memories: the filter goes on as if it had only been given silence.
+ *
+ *  @param filter  the filter; null is refused.
+ *  @return        1; 0 for null.
+ *
+ *  Threads: one at a time for a filter.   Real time: yes (no heap, lock, log or system call).
+ */
+ORVA_API int32_t ORVA_ResetFilter(_ORVA_FILTER *filter);
+
+/** Copies the history of one filter into another of the same structure, channels and kind. All filters made
+ *  from numbers are of one kind, which they share with low-pass designs; high-pass, band-pass and band-reject
+ *  designs are kinds of their own. Coefficients are not copied.
+ *
+ *  Biquads, equal section counts: `destination` goes on exactly where `source` stands. Unequal counts match
+ *  sections by number from the first. A destination with more sections has stretches cleared: for every slot
+ *  t of four and every channel c in turn, behind the copy, as many doubles as it has more sections, from
+ *  double nd t nc + nc c + ns on (nd and ns the section counts of destination and source, nc the channels).
+ *  That is where the missing sections stand only if nc = nd; otherwise memories just copied may be cleared,
+ *  or memories of missing sections kept. Clearing stops at the end of the memory. A source without sections
+ *  clears everything.
+ *
+ *  Direct form: rows of the ring are copied as they are, as many as both have, and the destination then takes
+ *  its own order as position, wherever the source's was. That rotates the history: with equal orders,
+ *  `destination` goes on as `source` would only if `source` has run one frame more than a multiple of
+ *  order + 1. In a destination of higher order, the rows from 4 (source order + 1) on are cleared, up to the
+ * end of the ring, and those between keep what they held.
+ *
+ *  @param destination  takes the history; null is refused. May be `source`.
+ *  @param source       left as it is; null is refused.
+ *  @return             1; 0 for a null argument or unlike filters, and then `destination` is unchanged.
+ *
+ *  Threads: one at a time for each of the two.   Real time: yes (no heap, lock, log or system call;
+ *  O(memory)).
+ */
+ORVA_API int32_t ORVA_CopyFilterMemories(_ORVA_FILTER *destination, const _ORVA_FILTER *source);
+
+/** Replaces the coefficients of a biquad filter while it runs. Its memories stay as they are.
+ *
+ *  @param filter      a biquad filter, also a designed one; null or a direct form is refused.
+ *  @param numBiquads  records in `coefs`, as many as the filter has sections; any other number is refused,
+ *                     and more than 65536 with "ORVA_CreateFilterFromBiquads: Too many biquads (%u)\n" in the
+ *                     log.
+ *  @param coefs       the records a1, a2, b0, b1, b2, copied; null is refused, before anything else.
+ *  @return            1; 0 for a refusal, and then the filter is unchanged.
+ *
+ *  Threads: one at a time for a filter.   Real time: yes, up to 65536 records (no heap, lock, log or system
+ *  call); no above (logs).
+ */
+ORVA_API int32_t ORVA_UpdateFilterBiquads(_ORVA_FILTER *filter, uint32_t numBiquads, const double *coefs);
+
+/** Destroys a filter. A damaged handle, one without a state or with an unknown structure, is reported in the
+ *  log with "ORVA_DestroyFilter: Filter state is NULL!" or "ORVA_DestroyFilter: Invalid filter type!" and
+ *  freed alone.
+ *
+ *  @param filter  gone after the call; null is refused.
+ *  @return        1; 0 for null.
+ *
+ *  Threads: any, while no other uses the filter.   Real time: no (frees memory).
+ */
+ORVA_API int32_t ORVA_DestroyFilter(_ORVA_FILTER *filter);
+
+/** Makes a direct-form filter from a transfer function. All coefficients are divided by a(0) in double and
+ *  then rounded to float. Nothing else is tested or changed: with a(0) zero they are infinite or
+ * not-a-number, and stability is the host's concern.
+ *
+ *  @param numChannels  channels in a frame, 0 to 2147483647. A filter of 0 channels is of no use (see
+ *                      ORVA_Filter()).
+ *  @param numCount     doubles in `numerator`, 1 to 2147483647.
+ *  @param numerator    b(0), b(1) and so on, copied.
+ *  @param denCount     doubles in `denominator`, 1 to 2147483647.
+ *  @param denominator  a(0), a(1) and so on, copied.
+ *  @return             the filter, its memories zero, to be destroyed with ORVA_DestroyFilter(); null, with
+ *                      no message, for a null vector, a number outside its range or when memory is out.
+ *
+ *  Threads: any, at any time.   Real time: no (allocates).
+ */
+ORVA_API _ORVA_FILTER *ORVA_CreateFilterFromCoefs(uint32_t numChannels, int32_t numCount,
+                                                  const double *numerator, uint32_t denCount,
+                                                  const double *denominator);
+
+/** Makes a biquad filter from section records. They are taken as they are, in double; a(0) is 1.
+ *
+ *  @param numChannels  channels in a frame, 0 to 2147483647. A filter of 0 channels is of no use (see
+ *                      ORVA_Filter()).
+ *  @param numBiquads   records, 0 to 65536. A filter of 0 sections copies its input.
+ *  @param coefs        the records a1, a2, b0, b1, b2, copied.
+ *  @return             the filter, its memories zero, to be destroyed with ORVA_DestroyFilter(). Null for
+ *                      null `coefs`, whatever the counts, then for more than 65536 records, with
+ *                      "ORVA_CreateFilterFromBiquads: Too many biquads (%u)\n" in the log, then for negative
+ *                      channels and when memory is out.
+ *
+ *  Threads: any, at any time.   Real time: no (allocates).
+ */
+ORVA_API _ORVA_FILTER *ORVA_CreateFilterFromBiquads(int32_t numChannels, uint32_t numBiquads,
+                                                    const double *coefs);
+
+#endif

@@ -1,0 +1,73 @@
+// What a filter asks of the heap, and what becomes of a constructor that does not get it.
+#include <orva/ORVAfilter.h>
+
+#include <malloc.h>
+
+#include "filter/ORVAfilter_reference.h"
+#include "support/interposer.h"
+
+using support::begin;
+using support::Counts;
+using support::end;
+using support::endFailure;
+using support::failAllocation;
+
+TEST(FilterHeap, AConstructorThatRunsOutOfMemoryGivesNull)
+{
+    const double coefs[] = {1.0, 0.5, 0.25, 0.5, 0.25};
+    for (const bool direct : {true, false}) {
+        const auto create = [&] {
+            return direct ? ORVA_CreateFilterFromCoefs(2, 5, coefs, 3, coefs)
+                          : ORVA_CreateFilterFromBiquads(2, 1, coefs);
+        };
+        const uint64_t allocations = direct ? 5 : 4; // handle, state and three or two arrays
+        for (uint64_t n = 1; n <= allocations; ++n) {
+            failAllocation(n);
+            const auto *filter = create();
+            EXPECT_TRUE(endFailure()) << n;
+            EXPECT_EQ(filter, nullptr) << n;
+        }
+        failAllocation(allocations + 1);
+        const Filter filter(create());
+        EXPECT_FALSE(endFailure());
+        EXPECT_NE(filter, nullptr);
+    }
+}
+
+TEST(FilterHeap, AConstructorThatFailsGivesBackWhatItTook)
+{
+    const double coefs[] = {1.0, 0.5, 0.25, 0.5, 0.25};
+    const auto fail = [&](uint64_t n) {
+        failAllocation(n);
+        const bool none = ORVA_CreateFilterFromCoefs(2, 5, coefs, 3, coefs) == nullptr;
+        failAllocation(std::min<uint64_t>(n, 4));
+        return none && ORVA_CreateFilterFromBiquads(2, 1, coefs) == nullptr;
+    };
+    for (uint64_t n = 1; n <= 5; ++n) {
+        bool refused = fail(n); // the first round fills malloc's own caches
+        const size_t before = mallinfo2().uordblks;
+        for (int round = 0; round < 100; ++round)
+            refused = fail(n) && refused;
+        EXPECT_EQ(mallinfo2().uordblks, before) << n;
+        EXPECT_TRUE(refused) << n;
+    }
+    endFailure();
+}
+
+TEST(FilterHeap, RunningResettingCopyingAndUpdatingAskForNothing)
+{
+    support::Random random;
+    for (const bool direct : {true, false}) {
+        Pair pair = direct ? directPair(random, 2, 4, 3) : biquadPair(random, 2, 3);
+        Pair other = direct ? directPair(random, 2, 9, 0) : biquadPair(random, 2, 5);
+        const auto records = randomRecords(random, 3);
+        auto x = random.noise(64);
+        begin();
+        ORVA_Filter(pair.filter.get(), x.data(), x.data(), 64);
+        ORVA_FilterEx(pair.filter.get(), x.data(), x.data(), 64, 1, 4);
+        ORVA_CopyFilterMemories(other.filter.get(), pair.filter.get());
+        ORVA_ResetFilter(pair.filter.get());
+        ORVA_UpdateFilterBiquads(pair.filter.get(), 3, records.data());
+        EXPECT_EQ(end(), Counts{}) << pair.name;
+    }
+}
