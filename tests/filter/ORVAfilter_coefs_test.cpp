@@ -237,6 +237,7 @@ TEST(FilterFromBiquads, RefusesInSilenceNullRecordsNegativeChannelsAndASizeThatC
     EXPECT_EQ(ORVA_CreateFilterFromBiquads(1, 1, nullptr), nullptr);
     EXPECT_EQ(ORVA_CreateFilterFromBiquads(1, 0, nullptr), nullptr);
     EXPECT_EQ(ORVA_CreateFilterFromBiquads(1, 65537, nullptr), nullptr) << "null comes before the count";
+    EXPECT_EQ(ORVA_CreateFilterFromBiquads(-1, 0, records.data()), nullptr);
     EXPECT_EQ(ORVA_CreateFilterFromBiquads(-1, 1, records.data()), nullptr);
     EXPECT_EQ(ORVA_CreateFilterFromBiquads(std::numeric_limits<int32_t>::min(), 1, records.data()), nullptr);
     EXPECT_EQ(ORVA_CreateFilterFromBiquads(2147483647, 65536, records.data()), nullptr);

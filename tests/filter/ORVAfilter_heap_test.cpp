@@ -44,10 +44,14 @@ TEST(FilterHeap, AConstructorThatFailsGivesBackWhatItTook)
         return none && ORVA_CreateFilterFromBiquads(2, 1, coefs) == nullptr;
     };
     for (uint64_t n = 1; n <= 5; ++n) {
-        bool refused = fail(n); // the first round fills malloc's own caches
+        bool refused = true;
+        const auto failOften = [&] {
+            for (int round = 0; round < 100; ++round)
+                refused = fail(n) && refused;
+        };
+        failOften(); // fills malloc's own caches
         const size_t before = mallinfo2().uordblks;
-        for (int round = 0; round < 100; ++round)
-            refused = fail(n) && refused;
+        failOften();
         EXPECT_EQ(mallinfo2().uordblks, before) << n;
         EXPECT_TRUE(refused) << n;
     }

@@ -54,11 +54,11 @@ const Case cases[] = {
     {"as many floats as can be counted", 1, 0xffffffffu, 0, 1, {}},
 };
 
-// Ends the process by SIGVTALRM once it has computed for 100 ms.
-void computeNoLongerThan100ms()
+// Ends the process by SIGVTALRM once it has computed for 20 ms.
+void computeNoLongerThan20ms()
 {
     const itimerval timer = {.it_interval = {.tv_sec = 0, .tv_usec = 0},
-                             .it_value = {.tv_sec = 0, .tv_usec = 100000}};
+                             .it_value = {.tv_sec = 0, .tv_usec = 20000}};
     setitimer(ITIMER_VIRTUAL, &timer, nullptr);
 }
 
@@ -119,7 +119,7 @@ TEST(FilterLimitsDeathTest, AStrideOfZeroNeverReturns)
         float output = 0.0f;
         EXPECT_EXIT(
             {
-                computeNoLongerThan100ms();
+                computeNoLongerThan20ms();
                 ORVA_FilterEx(filter.get(), &input, &output, 1, 0, 0);
                 std::_Exit(0);
             },
@@ -135,7 +135,7 @@ TEST(FilterLimitsDeathTest, AFilterWithoutChannelsNeverReturns)
         float output = 0.0f;
         EXPECT_EXIT(
             {
-                computeNoLongerThan100ms();
+                computeNoLongerThan20ms();
                 ORVA_Filter(filter.get(), &input, &output, 0);
                 std::_Exit(0);
             },

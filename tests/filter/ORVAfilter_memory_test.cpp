@@ -245,8 +245,8 @@ TEST(DirectCopy, TheHistoryOfEqualOrdersIsRotated)
         Pair source = directPair(random, 1, order, order);
         const Filter destination = directOfOrder(1, order);
         std::vector<float> x = random.noise(frames);
-        if (frames > 0)
-            ASSERT_EQ(ORVA_Filter(source.filter.get(), x.data(), x.data(), frames), 1);
+        for (float &sample : x)
+            ASSERT_EQ(ORVA_Filter(source.filter.get(), &sample, &sample, 1), 1);
         ASSERT_EQ(ORVA_CopyFilterMemories(destination.get(), source.filter.get()), 1);
         EXPECT_EQ(direct(destination)->position, 4);
         // In step only after one frame more than a multiple of the five rows.

@@ -74,7 +74,7 @@ TEST(FilterRun, EveryOffsetAndStrideGivesTheBitsOfTheRecursion)
         for (uint32_t offset = 0; offset <= 2 * channels; ++offset)
             for (uint32_t stride = 1; stride <= 2 * channels; ++stride) {
                 Pair pair = anyPair(random, channels);
-                const auto length = static_cast<uint32_t>(random.integer(0, 6 * channels));
+                const auto length = static_cast<uint32_t>(random.integer(1, 6 * channels));
                 const auto array = randomSamples(random, 2 * length);
                 ASSERT_TRUE(sameRun(pair, array, {0, length, length, offset, stride}));
                 ASSERT_TRUE(sameRun(pair, array, {0, 0, length, offset, stride})) << "in place";
@@ -218,6 +218,22 @@ TEST(Biquads, ASectionRunsInDoubleAndPassesOnAFloat)
     std::vector<float> constant = {1.0f, 1.0f};
     ASSERT_EQ(ORVA_Filter(difference.get(), constant.data(), constant.data(), 2), 1);
     EXPECT_TRUE(sameBits(constant, {1.0f, 0x1p-30f}));
+}
+
+TEST(Biquads, TheSumsAreTakenFromTheLeft)
+{
+    // In double, (1 + 2^60) - 2^60 is 0, and 1 + (2^60 - 2^60) would be 1.
+    const Filter output = fromRecords(1, {0.0, 0.0, 1.0, 0x1p60, -0x1p60});
+    std::vector<float> x = {1.0f, 1.0f, 1.0f};
+    ASSERT_EQ(ORVA_Filter(output.get(), x.data(), x.data(), 3), 1);
+    EXPECT_EQ(x[2], 0.0f);
+
+    const Filter recursion =
+        fromRecords(1, {1.0, -0x1p60, 1.0, 0.0, 0.0}); // w: 1, then 2^60, then (1 - 2^60) + 2^60
+    x = {1.0f, 0x1p60f, 1.0f};
+    ASSERT_EQ(ORVA_Filter(recursion.get(), x.data(), x.data(), 3), 1);
+    EXPECT_EQ(x[1], 0x1p60f);
+    EXPECT_EQ(x[2], 0.0f);
 }
 
 TEST(Biquads, SectionZeroActsFirst)
