@@ -42,9 +42,10 @@ struct Line {
 
 // One frame of a group of channels. `w` points to its place in the frame's row, where x[n] stands and w[n] is
 // left; `older` is the index of its w[n-1]. Older rows follow upward.
-template <class Group> void runGroup(const Line &line, float *w, size_t older, float *output)
+template <class Group>
+void runGroup(const Line &line, const float *input, float *w, size_t older, float *output)
 {
-    Group current = load<Group>(w);
+    Group current = load<Group>(input);
     Group sum = {};
     const auto step = [&] {
         older += line.channels;
@@ -86,23 +87,30 @@ int32_t _DFIIfilter(_ORVA_FILTER *filter, const float *input, float *output, uin
                        .gain = state->gain};
     const int64_t last = lastFrameStart(numSamples, filter->numChannels);
 
+    // Where the output of one channel is the input of a later one in the same frame, that input is the 0 that
+    // each output holds until all channels are read.
+    const auto distance = reinterpret_cast<uintptr_t>(output) - reinterpret_cast<uintptr_t>(input);
+    const bool shifted = distance > 0 && distance < channels * sizeof(float);
+
     for (int64_t i = offset; i <= last; i += stride) {
         float *w = ring + position * channels;
+        const float *x = input + i;
         float *y = output + i;
-        // Channel by channel, with the output cleared at once: where `output` lies behind `input` by less
-        // than a frame, later channels read these zeros.
-        for (size_t c = 0; c < channels; ++c) {
-            w[c] = input[i + static_cast<int64_t>(c)];
-            y[c] = 0.0f;
+        if (shifted) {
+            for (size_t c = 0; c < channels; ++c) {
+                w[c] = x[c];
+                y[c] = 0.0f;
+            }
+            x = w;
         }
         const size_t older = position < order ? (position + 1) * channels : 0;
         size_t c = 0;
         for (; c + 4 <= channels; c += 4)
-            runGroup<Four>(line, w + c, older + c, y + c);
+            runGroup<Four>(line, x + c, w + c, older + c, y + c);
         for (; c + 2 <= channels; c += 2)
-            runGroup<Two>(line, w + c, older + c, y + c);
+            runGroup<Two>(line, x + c, w + c, older + c, y + c);
         for (; c < channels; ++c)
-            runGroup<float>(line, w + c, older + c, y + c);
+            runGroup<float>(line, x + c, w + c, older + c, y + c);
         position = position < 1 ? order : position - 1;
     }
     state->position = static_cast<int32_t>(position);

@@ -1,0 +1,90 @@
+// Runs the registered benchmarks and prints one line a case: the time of every peer, and ours as a ratio to it.
+// A benchmark is named "<case>/<peer>", ours "<case>/orva"; its items processed are the samples of a call.
+#include <benchmark/benchmark.h>
+
+#include <algorithm>
+#include <cstdio>
+#include <string>
+#include <vector>
+
+namespace
+{
+
+struct Timing {
+    std::string peer;
+    double nanoseconds; // a sample, the shortest of all repetitions: the one that was disturbed least
+};
+
+struct Case {
+    std::string name;
+    int64_t order; // of registration, which interleaved repetitions do not keep
+    std::vector<Timing> timings;
+};
+
+class Ratios : public benchmark::BenchmarkReporter
+{
+public:
+    bool ReportContext(const Context &) override
+    {
+        return true;
+    }
+
+    void ReportRuns(const std::vector<Run> &runs) override
+    {
+        for (const Run &run : runs)
+            if (run.run_type == Run::RT_Iteration)
+                keep(run.run_name.function_name, run.family_index, 1e9 / run.counters.at("items_per_second"));
+    }
+
+    void Finalize() override
+    {
+        std::sort(cases.begin(), cases.end(), [](const Case &a, const Case &b) { return a.order < b.order; });
+        for (Case &one : cases) {
+            std::sort(one.timings.begin(), one.timings.end(),
+                      [](const Timing &a, const Timing &b) { return a.peer < b.peer; });
+            const auto ours = std::find_if(one.timings.begin(), one.timings.end(),
+                                           [](const Timing &timing) { return timing.peer == "orva"; });
+            std::printf("%-40s", one.name.c_str());
+            for (const Timing &timing : one.timings)
+                std::printf("  %s %.2f ns", timing.peer.c_str(), timing.nanoseconds);
+            for (const Timing &timing : one.timings)
+                if (ours != one.timings.end() && timing.peer != "orva")
+                    std::printf("  orva/%s %.2f", timing.peer.c_str(),
+                                ours->nanoseconds / timing.nanoseconds);
+            std::printf("\n");
+        }
+    }
+
+private:
+    void keep(const std::string &name, int64_t order, double nanoseconds)
+    {
+        const size_t slash = name.rfind('/');
+        const std::string caseName = name.substr(0, slash);
+        const std::string peer = name.substr(slash + 1);
+        auto one =
+            std::find_if(cases.begin(), cases.end(), [&](const Case &c) { return c.name == caseName; });
+        if (one == cases.end())
+            one = cases.insert(cases.end(), {caseName, order, {}});
+        one->order = std::min(one->order, order);
+        auto timing = std::find_if(one->timings.begin(), one->timings.end(),
+                                   [&](const Timing &t) { return t.peer == peer; });
+        if (timing == one->timings.end())
+            one->timings.push_back({peer, nanoseconds});
+        else
+            timing->nanoseconds = std::min(timing->nanoseconds, nanoseconds);
+    }
+
+    std::vector<Case> cases;
+};
+
+} // namespace
+
+int main(int argc, char **argv)
+{
+    benchmark::Initialize(&argc, argv);
+    if (benchmark::ReportUnrecognizedArguments(argc, argv))
+        return 1;
+    Ratios ratios;
+    const size_t run = benchmark::RunSpecifiedBenchmarks(&ratios);
+    return run > 0 ? 0 : 1;
+}

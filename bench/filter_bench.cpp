@@ -1,0 +1,138 @@
+// Both structures against their textbook loops: a delay line per channel that is shifted at each sample.
+#include <benchmark/benchmark.h>
+
+#include <orva/ORVAfilter.h>
+
+#include <random>
+#include <string>
+#include <vector>
+
+namespace
+{
+
+constexpr size_t frames = 1024;
+
+std::vector<float> noise(size_t length)
+{
+    std::mt19937 engine(1);
+    std::uniform_real_distribution<float> uniform(-1.0f, 1.0f);
+    std::vector<float> samples(length);
+    for (float &x : samples)
+        x = uniform(engine);
+    return samples;
+}
+
+void plainDirect(const std::vector<float> &b, const std::vector<float> &a, std::vector<float> &delays,
+                 size_t channels, const std::vector<float> &input, std::vector<float> &output)
+{
+    const size_t order = b.size() - 1;
+    for (size_t i = 0; i < input.size(); i += channels)
+        for (size_t c = 0; c < channels; ++c) {
+            float *delay = delays.data() + c * order;
+            float w = input[i + c];
+            for (size_t k = 0; k < order; ++k)
+                w -= a[k + 1] * delay[k];
+            float y = b[0] * w;
+            for (size_t k = 0; k < order; ++k)
+                y += b[k + 1] * delay[k];
+            for (size_t k = order; k-- > 1;)
+                delay[k] = delay[k - 1];
+            if (order > 0)
+                delay[0] = w;
+            output[i + c] = y;
+        }
+}
+
+struct Section {
+    double a1, a2, b0, b1, b2;
+};
+
+struct Delay {
+    double w1, w2;
+};
+
+void plainBiquads(const std::vector<Section> &sections, std::vector<Delay> &delays, size_t channels,
+                  const std::vector<float> &input, std::vector<float> &output)
+{
+    for (size_t i = 0; i < input.size(); i += channels)
+        for (size_t c = 0; c < channels; ++c) {
+            float x = input[i + c];
+            for (size_t s = 0; s < sections.size(); ++s) {
+                const Section &section = sections[s];
+                Delay &delay = delays[c * sections.size() + s];
+                const double w = static_cast<double>(x) - section.a1 * delay.w1 - section.a2 * delay.w2;
+                x = static_cast<float>(section.b0 * w + section.b1 * delay.w1 + section.b2 * delay.w2);
+                delay.w2 = delay.w1;
+                delay.w1 = w;
+            }
+            output[i + c] = x;
+        }
+}
+
+// Times run(input, output) on one block of noise.
+template <class Run> void add(const std::string &name, size_t channels, Run run)
+{
+    benchmark::RegisterBenchmark(name.c_str(), [=](benchmark::State &state) mutable {
+        const auto input = noise(frames * channels);
+        std::vector<float> output(input.size());
+        for (auto _ : state) {
+            run(input, output);
+            benchmark::DoNotOptimize(output.data());
+            benchmark::ClobberMemory();
+        }
+        state.SetItemsProcessed(state.iterations() * static_cast<int64_t>(input.size()));
+    });
+}
+
+void addFilter(const std::string &name, size_t channels, _ORVA_FILTER *filter)
+{
+    add(name + "/orva", channels, [=](const std::vector<float> &input, std::vector<float> &output) {
+        ORVA_Filter(filter, input.data(), output.data(), static_cast<uint32_t>(input.size()));
+    });
+}
+
+std::string title(const char *structure, size_t count, size_t channels)
+{
+    return structure + std::to_string(count) + ", channels " + std::to_string(channels);
+}
+
+void addDirect(size_t order, size_t channels)
+{
+    std::vector<double> b(order + 1, 0.3), a(order + 1, 0.3 / static_cast<double>(order + 1));
+    a[0] = 1.0;
+    const auto length = static_cast<int32_t>(order + 1);
+    const std::string name = title("direct form, order ", order, channels);
+    addFilter(name, channels,
+              ORVA_CreateFilterFromCoefs(static_cast<uint32_t>(channels), length, b.data(),
+                                         static_cast<uint32_t>(length), a.data()));
+    const std::vector<float> num(b.begin(), b.end()), den(a.begin(), a.end());
+    std::vector<float> delays(order * channels);
+    add(name + "/plain", channels, [=](const std::vector<float> &input, std::vector<float> &output) mutable {
+        plainDirect(num, den, delays, channels, input, output);
+    });
+}
+
+void addBiquads(size_t count, size_t channels)
+{
+    const std::vector<Section> sections(count, {-0.94, 0.33, 0.3, 0.2, 0.1});
+    const std::string name = title("biquads, sections ", count, channels);
+    addFilter(name, channels,
+              ORVA_CreateFilterFromBiquads(static_cast<int32_t>(channels), static_cast<uint32_t>(count),
+                                           &sections[0].a1));
+    std::vector<Delay> delays(count * channels);
+    add(name + "/plain", channels, [=](const std::vector<float> &input, std::vector<float> &output) mutable {
+        plainBiquads(sections, delays, channels, input, output);
+    });
+}
+
+const bool registered = [] {
+    for (size_t channels : {1, 2, 6}) {
+        for (size_t order : {0, 1, 2, 4, 8, 12})
+            addDirect(order, channels);
+        for (size_t sections : {1, 2, 4, 8})
+            addBiquads(sections, channels);
+    }
+    return true;
+}();
+
+} // namespace
