@@ -71,7 +71,7 @@ int32_t _DFIISOScopyMem(_ORVA_FILTER *destination, const _ORVA_FILTER *source)
     }
     const size_t common = std::min(toSections, fromSections);
     const size_t missing = toSections - common;
-    for (size_t t = 0; t < biquadSlots; ++t)
+    for (size_t t = 0; t < biquadSlots; ++t) {
         for (size_t c = 0; c < channels; ++c) {
             std::copy_n(from->memory + (t * channels + c) * fromSections, common,
                         to->memory + (t * channels + c) * toSections);
@@ -81,6 +81,7 @@ int32_t _DFIISOScopyMem(_ORVA_FILTER *destination, const _ORVA_FILTER *source)
             const size_t cleared = std::min(toSections * t * channels + channels * c + fromSections, toSize);
             std::fill_n(to->memory + cleared, std::min(missing, toSize - cleared), 0.0);
         }
+    }
     to->position = from->position;
     return 1;
 }
