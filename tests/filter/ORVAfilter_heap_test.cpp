@@ -1,4 +1,4 @@
-// What a filter asks of the heap, and what becomes of a constructor that does not get it.
+// What becomes of a constructor that does not get its memory.
 #include <orva/ORVAfilter.h>
 
 #include <malloc.h>
@@ -6,9 +6,6 @@
 #include "filter/ORVAfilter_reference.h"
 #include "support/interposer.h"
 
-using support::begin;
-using support::Counts;
-using support::end;
 using support::endFailure;
 using support::failAllocation;
 
@@ -56,22 +53,4 @@ TEST(FilterHeap, AConstructorThatFailsGivesBackWhatItTook)
         EXPECT_TRUE(refused) << n;
     }
     endFailure();
-}
-
-TEST(FilterHeap, RunningResettingCopyingAndUpdatingAskForNothing)
-{
-    support::Random random;
-    for (const bool direct : {true, false}) {
-        Pair pair = direct ? directPair(random, 2, 4, 3) : biquadPair(random, 2, 3);
-        Pair other = direct ? directPair(random, 2, 9, 0) : biquadPair(random, 2, 5);
-        const auto records = randomRecords(random, 3);
-        auto x = random.noise(64);
-        begin();
-        ORVA_Filter(pair.filter.get(), x.data(), x.data(), 64);
-        ORVA_FilterEx(pair.filter.get(), x.data(), x.data(), 64, 1, 4);
-        ORVA_CopyFilterMemories(other.filter.get(), pair.filter.get());
-        ORVA_ResetFilter(pair.filter.get());
-        ORVA_UpdateFilterBiquads(pair.filter.get(), 3, records.data());
-        EXPECT_EQ(end(), Counts{}) << pair.name;
-    }
 }

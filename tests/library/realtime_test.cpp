@@ -29,6 +29,13 @@ const std::array<double, 3> denominator = {1.0, -0.5, 0.25}, numerator = {0.1, 0
 ORVA_FFT *const forward = ORVA_FFTProcCreate(length);
 ORVA_FFT *const inverse = ORVA_IFFTProcCreate(length);
 
+// A filter of each structure, and one to copy from.
+const std::array<double, 10> records = {-0.9, 0.3, 0.1, 0.2, 0.1, -1.1, 0.4, 0.2, 0.4, 0.2};
+_ORVA_FILTER *const directForm = ORVA_CreateFilterFromCoefs(2, 3, numerator.data(), 3, denominator.data());
+_ORVA_FILTER *const likeDirect = ORVA_CreateFilterFromCoefs(2, 1, numerator.data(), 2, denominator.data());
+_ORVA_FILTER *const biquads = ORVA_CreateFilterFromBiquads(2, 2, records.data());
+_ORVA_FILTER *const likeBiquads = ORVA_CreateFilterFromBiquads(2, 1, records.data());
+
 struct Row {
     const char *name;
     std::function<void()> call;
@@ -54,6 +61,12 @@ const Row table[] = {
     {"ORVA_CreatePreEmphAdjust", [] { ORVA_CreatePreEmphAdjust(output.data(), length, 0.97); }},
     {"ORVA_PSDtoDB", [] { ORVA_PSDtoDB(length, input.data(), output.data(), nullptr, 1.0, 120.0); }},
     {"ORVA_ComplexVectorMultiply", [] { ORVA_ComplexVectorMultiply(spectrum.data(), otherSpectrum.data(), work.data(), length); }},
+
+    {"ORVA_Filter", [] { for (auto *filter : {directForm, biquads}) ORVA_Filter(filter, input.data(), output.data(), length); }},
+    {"ORVA_FilterEx", [] { for (auto *filter : {directForm, biquads}) ORVA_FilterEx(filter, input.data(), output.data(), length, 1, 3); }},
+    {"ORVA_ResetFilter", [] { ORVA_ResetFilter(likeDirect); ORVA_ResetFilter(likeBiquads); }},
+    {"ORVA_CopyFilterMemories", [] { ORVA_CopyFilterMemories(directForm, likeDirect); ORVA_CopyFilterMemories(biquads, likeBiquads); }},
+    {"ORVA_UpdateFilterBiquads", [] { ORVA_UpdateFilterBiquads(biquads, 2, records.data()); }},
 
     // libkett
     {"KTCORE_Initialize", [] { KTCORE_Initialize(); }},
