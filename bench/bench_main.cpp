@@ -47,10 +47,11 @@ public:
             std::printf("%-40s", one.name.c_str());
             for (const Timing &timing : one.timings)
                 std::printf("  %s %.2f ns", timing.peer.c_str(), timing.nanoseconds);
-            for (const Timing &timing : one.timings)
+            for (const Timing &timing : one.timings) {
                 if (ours != one.timings.end() && timing.peer != "orva")
                     std::printf("  orva/%s %.2f", timing.peer.c_str(),
                                 ours->nanoseconds / timing.nanoseconds);
+            }
             std::printf("\n");
         }
     }

@@ -26,7 +26,7 @@ void plainDirect(const std::vector<float> &b, const std::vector<float> &a, std::
                  size_t channels, const std::vector<float> &input, std::vector<float> &output)
 {
     const size_t order = b.size() - 1;
-    for (size_t i = 0; i < input.size(); i += channels)
+    for (size_t i = 0; i < input.size(); i += channels) {
         for (size_t c = 0; c < channels; ++c) {
             float *delay = delays.data() + c * order;
             float w = input[i + c];
@@ -41,6 +41,7 @@ void plainDirect(const std::vector<float> &b, const std::vector<float> &a, std::
                 delay[0] = w;
             output[i + c] = y;
         }
+    }
 }
 
 struct Section {
@@ -54,7 +55,7 @@ struct Delay {
 void plainBiquads(const std::vector<Section> &sections, std::vector<Delay> &delays, size_t channels,
                   const std::vector<float> &input, std::vector<float> &output)
 {
-    for (size_t i = 0; i < input.size(); i += channels)
+    for (size_t i = 0; i < input.size(); i += channels) {
         for (size_t c = 0; c < channels; ++c) {
             float x = input[i + c];
             for (size_t s = 0; s < sections.size(); ++s) {
@@ -67,6 +68,7 @@ void plainBiquads(const std::vector<Section> &sections, std::vector<Delay> &dela
             }
             output[i + c] = x;
         }
+    }
 }
 
 // Times run(input, output) on one block of noise.
