@@ -7,6 +7,7 @@
 #include <stdbool.h>
 #include <stdint.h>
 
+/** Marks what the library exports: C linkage, visible from outside. */
 #ifdef __cplusplus
 #define ORVA_API extern "C" __attribute__((visibility("default")))
 #else

@@ -16,8 +16,8 @@
  */
 KT_API void KTUTILS_sleep_msec(int32_t milliseconds);
 
-/** Converts float samples to 16 bits: x * 32768, rounded to nearest, ties to even, limited to -32768 ..
- *  32767. Not-a-number gives 0.
+/** Converts float samples to 16 bits: x * 32768, rounded to nearest, ties to even, limited to the range
+ *  of 16 bits. Not-a-number gives 0.
  *
  *  @param input   `count` floats, any alignment.
  *  @param output  out: `count` samples; must not overlap `input`.

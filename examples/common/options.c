@@ -1,0 +1,138 @@
+#include "options.h"
+
+#include "messages.h"
+
+#include <kett/KTstring.h>
+#include <orva/ORVAwinfnc.h>
+#include <stdio.h>
+#include <string.h>
+
+static const char blanks[] = " \t\n\v\f\r";
+static const char separators[] = " \t\n\v\f\r;,";
+static const char notInKey[] = " \t\n\v\f\r;,=\"[]";
+
+/* The end of the value that starts at text, or null if there is none there. */
+static const char *value_end(const char *text)
+{
+    if (*text == '"') {
+        const char *quote = strchr(text + 1, '"');
+        return quote != NULL ? quote + 1 : NULL;
+    }
+    if (*text == '[') {
+        int depth = 0;
+        for (; *text != '\0'; ++text) {
+            depth += (*text == '[') - (*text == ']');
+            if (depth == 0)
+                return text + 1;
+        }
+        return NULL;
+    }
+    const size_t length = strcspn(text, separators);
+    return length > 0 ? text + length : NULL;
+}
+
+static bool key_known(const char *key, size_t length, const option *options, size_t count)
+{
+    for (size_t i = 0; i < count; ++i)
+        if (strlen(options[i].key) == length && strncmp(options[i].key, key, length) == 0)
+            return true;
+    return false;
+}
+
+static bool refuse_key(const char *key, size_t length, const option *options, size_t count)
+{
+    char known[256] = "";
+    for (size_t i = 0; i < count; ++i) {
+        const size_t used = strlen(known);
+        snprintf(known + used, sizeof known - used, "%s%s", i > 0 ? ", " : "", options[i].key);
+    }
+    return refuse("configuration: unknown key \"%.*s\"; the keys are %s", (int) length, key, known);
+}
+
+/* The operations that look up one key pass over whatever is no pair, so the string is first read as a whole.
+ */
+static bool check_pairs(const char *config, const option *options, size_t count)
+{
+    const char *text = config;
+    while (*(text += strspn(text, separators)) != '\0') {
+        const size_t length = strcspn(text, notInKey);
+        const char *equals = text + length + strspn(text + length, blanks);
+        const char *end = NULL;
+        if (length > 0 && *equals == '=')
+            end = value_end(equals + 1 + strspn(equals + 1, blanks));
+        if (end == NULL || (*end != '\0' && strchr(separators, *end) == NULL))
+            return refuse("configuration: no key=value pair at \"%s\"", text);
+        if (!key_known(text, length, options, count))
+            return refuse_key(text, length, options, count);
+        text = end;
+    }
+    return true;
+}
+
+static bool read_integer(const char *config, const option *asked)
+{
+    /* A text that is no number gives the default, whichever it is. */
+    const int32_t value = KTSTRING_GetIntegerValueFromString(config, asked->key, 0);
+    if (value != KTSTRING_GetIntegerValueFromString(config, asked->key, 1) || value < asked->least ||
+        value > asked->most)
+        return false;
+    *(int32_t *) asked->value = value;
+    return true;
+}
+
+static bool read_real(const char *config, const option *asked)
+{
+    const float value = KTSTRING_GetFloatValueFromString(config, asked->key, 0.0f);
+    if (value != KTSTRING_GetFloatValueFromString(config, asked->key, 1.0f) || value < (float) asked->least ||
+        value > (float) asked->most)
+        return false;
+    *(float *) asked->value = value;
+    return true;
+}
+
+static bool same_name(const char *name, const char *text)
+{
+    const size_t longer = strlen(name) > strlen(text) ? strlen(name) : strlen(text);
+    return KTSTRING_CompareInsensitiveN(name, text, (int64_t) longer) == 0;
+}
+
+/* A name that is not in the library's table gives the type of "Rectangular", so the name is compared once
+ * more. */
+static bool read_window(const char *config, const option *asked, const char *text)
+{
+    const int32_t type = ORVA_GetWindowTypeFromStringConfig(config, asked->key, 0);
+    if (same_name(ORVA_GetWindowName(type), text)) {
+        *(int32_t *) asked->value = type;
+        return true;
+    }
+    char names[512] = "";
+    const char *name;
+    for (int32_t i = 0; (name = ORVA_GetWindowName(i)) != NULL; ++i) {
+        const size_t used = strlen(names);
+        snprintf(names + used, sizeof names - used, "%s%s", i > 0 ? ", " : "", name);
+    }
+    return refuse("configuration: %s=%s is no window; the windows are %s", asked->key, text, names);
+}
+
+static bool read_option(const char *config, const option *asked)
+{
+    char text[128];
+    if (KTSTRING_GetStringValueFromString(config, asked->key, NULL, text, sizeof text) == 0)
+        return true;
+    if (asked->kind == OPTION_WINDOW)
+        return read_window(config, asked, text);
+    const bool good = asked->kind == OPTION_INTEGER ? read_integer(config, asked) : read_real(config, asked);
+    return good || refuse("configuration: %s=%s is not %s", asked->key, text, asked->meaning);
+}
+
+bool options_read(const char *config, const option *options, size_t count)
+{
+    if (config == NULL)
+        return true;
+    if (!check_pairs(config, options, count))
+        return false;
+    for (size_t i = 0; i < count; ++i)
+        if (!read_option(config, &options[i]))
+            return false;
+    return true;
+}
