@@ -12,8 +12,8 @@ bool ORVA_InitializeFFT(void)
 {
     if (__FFTW_Initialized)
         return true;
-    pinFFTW(); // here, not on the preparing thread: an unload may wait for that one with the loader's lock
-               // held
+    // Here and not on the preparing thread, which an unload may wait for with the loader's lock held.
+    pinFFTW();
     __FFTW_PlanLock = MutexInit();
     __FFTW_InitThread = nullptr;
     __FFTW_LoadWisdom();
@@ -29,7 +29,7 @@ bool ORVA_FinalizeFFT(void)
     MutexUnlock(__FFTW_PlanLock);
     if (__FFTW_InitThread != nullptr)
         KTTHREAD_JoinThreadEx(__FFTW_InitThread, 0);
-    if (__FFTW_WisdomLoaded) // read behind the join: the preparation may have loaded it
+    if (__FFTW_WisdomLoaded) // looked at after the join: the preparation may have loaded it
         __FFTW_SaveWisdom();
     MutexDestroy(__FFTW_PlanLock);
     return true;

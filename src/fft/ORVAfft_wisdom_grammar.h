@@ -8,10 +8,10 @@
 //     wisdom := "(fftw-" version " fftwf_wisdom" sum line-feed { entry } ")"
 //     entry  := "  (" solver " " number " " flags " " flags " " time sum ")" line-feed
 //     sum    := 4 times (" #x" and 8 hexadecimal digits)
-//     flags  := "#x" hexadecimal number of 20 bits     (the first flags of an entry are a subset of the
-//     second) time   := "#x" hexadecimal number of 9 bits      (0, but for the solver "TIMEOUT" of number 0)
+//     flags  := "#x" hexadecimal number of 20 bits    (the first flags of an entry are a subset of the second)
+//     time   := "#x" hexadecimal number of 9 bits     (0, but for the solver "TIMEOUT" of number 0)
 //
-// What stands behind the closing parenthesis is not looked at; nor does FFTW read it.
+// What follows the closing parenthesis is not looked at; nor does FFTW read it.
 //
 // FFTW's own reader stores flags and time in fields of these widths and aborts the process when a number does
 // not fit; longer numbers overflow in it. So nothing but what fits here may reach it. What it then still

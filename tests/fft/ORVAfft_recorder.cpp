@@ -18,7 +18,7 @@ namespace recorder
 
 Answers answers;
 
-static std::vector<std::string> calls;
+static Calls calls;
 static bool isLocked = false;
 static bool isWriting = false;
 static char things[100]; // handles point into it
@@ -34,7 +34,7 @@ template <class Thing> static Thing *newThing()
     return reinterpret_cast<Thing *>(&things[thingCount++]);
 }
 
-std::vector<std::string> takeCalls()
+Calls takeCalls()
 {
     return std::exchange(calls, {});
 }

@@ -4,6 +4,8 @@
 
 #include <cstdint>
 #include <functional>
+#include <gtest/gtest.h>
+#include <source_location>
 #include <string>
 #include <vector>
 
@@ -26,7 +28,44 @@ struct Answers {
 
 extern Answers answers;
 
+using Calls = std::vector<std::string>;
+
 // One text a call, in order; empties the list. A lock taken twice or released twice is a call "WRONG ...".
-std::vector<std::string> takeCalls();
+Calls takeCalls();
+
+// Texts of calls, and lists of them.
+inline const std::string folder = "ask KT_DATA_PATH";
+inline const std::string use = "setting orva.fftw.use_wisdom=[1]";
+inline const std::string prepare = "setting orva.fftw.prepare_plans=[0]";
+inline const std::string longest = "setting orva.fftw.max_plan_len=[4096]";
+inline const std::string path = "/data/ruko.optimization";
+
+inline Calls operator+(Calls first, const Calls &second)
+{
+    first.insert(first.end(), second.begin(), second.end());
+    return first;
+}
+
+inline Calls times(int count, const Calls &calls)
+{
+    Calls all;
+    for (; count > 0; --count)
+        all = all + calls;
+    return all;
+}
+
+inline void announceFolder()
+{
+    answers.folder = [] { return "/data"; };
+}
+
+inline void expectCalls(const Calls &expected, std::source_location at = std::source_location::current())
+{
+    const testing::ScopedTrace where(at.file_name(), static_cast<int>(at.line()), "expected here");
+    EXPECT_EQ(takeCalls(), expected);
+}
+
+inline const Calls doneLoad = {"lock", "unlock"};
+inline const Calls missingLoad = {"lock", folder, use, "exists " + path, "unlock"};
 
 } // namespace recorder

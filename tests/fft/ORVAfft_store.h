@@ -1,6 +1,7 @@
 // A wisdom store for tests of the engine, and the wisdom that FFTW gathers.
 #pragma once
 
+#include "fft/ORVAfft_internal.h"
 #include "support/folder.h"
 
 #include <cstdlib>
@@ -58,6 +59,13 @@ inline void learn(int length)
     fftwf_destroy_plan(fftwf_plan_dft_c2r_1d(length, bins, real, FFTW_ESTIMATE));
     fftwf_free(bins);
     fftwf_free(real);
+}
+
+// Has the engine make a plan each way, and throws both away.
+inline void plan(int32_t length)
+{
+    ORVA_FFTProcDestroy(__FFTW_CreatePlan(length, false));
+    ORVA_FFTProcDestroy(__FFTW_CreatePlan(length, true));
 }
 
 // The wisdom that planning these lengths leaves, from none before to none after.
