@@ -1,6 +1,6 @@
 // The use count against a stand-in for libkett and one for the FFT engine: which call brings the library up or takes
 // it down, and in what order.
-#include "kett_recorder.h"
+#include "fft/ORVAfft_recorder.h"
 #include "support/random.h"
 
 #include <gtest/gtest.h>
@@ -11,13 +11,13 @@ using Calls = std::vector<std::string>;
 
 bool ORVA_InitializeFFT()
 {
-    recorder::calls.push_back("ORVA_InitializeFFT");
+    recorder::note("engine up");
     return false; // nobody looks at it
 }
 
 bool ORVA_FinalizeFFT()
 {
-    recorder::calls.push_back("ORVA_FinalizeFFT");
+    recorder::note("engine down");
     return false;
 }
 
@@ -25,12 +25,12 @@ namespace
 {
 
 const Calls start = {
-    "KTVERSION_Register liborva 3 7 18 0",
-    "KTSETTINGS_SetDefaultEx null orva.fftw.prepare_plans=%d 0",
-    "KTCORE_Initialize",
-    "ORVA_InitializeFFT",
+    "register liborva 3.7.18.0",
+    "default orva.fftw.prepare_plans=%d, 0",
+    "libkett up",
+    "engine up",
 };
-const Calls stop = {"ORVA_FinalizeFFT", "KTCORE_Finalize"};
+const Calls stop = {"engine down", "libkett down"};
 const Calls nothing = {};
 
 enum class Call { initialize, finalize };
@@ -40,9 +40,9 @@ constexpr Call down = Call::finalize;
 
 Calls effectOf(Call call)
 {
-    recorder::calls.clear();
+    recorder::takeCalls();
     call == Call::initialize ? ORVA_Initialize() : ORVA_Finalize();
-    return recorder::calls;
+    return recorder::takeCalls();
 }
 
 // Brings the count to zero from wherever it is: above zero after the first call, and zero where the stop comes.

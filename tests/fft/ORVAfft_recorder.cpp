@@ -24,7 +24,7 @@ static bool isWriting = false;
 static char things[100]; // handles point into it
 static size_t thingCount = 0;
 
-static void note(const std::string &call)
+void note(const std::string &call)
 {
     calls.push_back(call);
 }

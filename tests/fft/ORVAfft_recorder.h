@@ -12,6 +12,9 @@
 namespace recorder
 {
 
+// Writes a call down, for a test that stands in for more of libkett.
+void note(const std::string &call);
+
 struct Answers {
     std::function<const char *()> folder = [] { return nullptr; };
     bool useWisdom = true;
