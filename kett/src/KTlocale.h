@@ -1,15 +1,15 @@
-// The C numeric locale for the calling thread, whatever the host has set.
+// The C locale for the calling thread, whatever the host has set.
 #pragma once
 
 namespace kett
 {
 
 // In force as long as it lives.
-class NumericLocaleC
+class LocaleC
 {
 public:
-    NumericLocaleC();
-    ~NumericLocaleC();
+    LocaleC();
+    ~LocaleC();
 
     // False when memory was out; the host's locale is then in force.
     bool isInForce() const
@@ -17,12 +17,12 @@ public:
         return here != nullptr;
     }
 
-    NumericLocaleC(const NumericLocaleC &) = delete;
-    NumericLocaleC &operator=(const NumericLocaleC &) = delete;
+    LocaleC(const LocaleC &) = delete;
+    LocaleC &operator=(const LocaleC &) = delete;
 
 private:
-    void *before;
     void *here;
+    void *before;
 };
 
 } // namespace kett

@@ -5,18 +5,15 @@
 namespace kett
 {
 
-NumericLocaleC::NumericLocaleC()
+// All of it, not the numbers alone: the GNU C library has this one at hand, and loses a block for each other
+// one that is made while LOCPATH is set.
+LocaleC::LocaleC() : here(newlocale(LC_ALL_MASK, "C", static_cast<locale_t>(nullptr))), before(nullptr)
 {
-    before = uselocale(static_cast<locale_t>(nullptr));
-    const locale_t base = duplocale(static_cast<locale_t>(before));
-    here = base != nullptr ? newlocale(LC_NUMERIC_MASK, "C", base) : nullptr;
     if (here != nullptr)
-        uselocale(static_cast<locale_t>(here));
-    else if (base != nullptr)
-        freelocale(base);
+        before = uselocale(static_cast<locale_t>(here));
 }
 
-NumericLocaleC::~NumericLocaleC()
+LocaleC::~LocaleC()
 {
     if (here == nullptr)
         return;

@@ -112,10 +112,11 @@ void KTMEM_DisplayMemDescr(KT_MEM *memory)
 {
     if (memory == nullptr)
         return;
-    if (KTSETTINGS_GetBoolEx(nullptr, "kett.mem.display=[0]"))
+    if (KTSETTINGS_GetBoolEx(nullptr, "kett.mem.display=[0]")) {
         KTDEBUG_Log(-1, "KTMEM_DisplayMemDescr: '%s': %llu blocks, %llu bytes\n", memory->name,
                     static_cast<unsigned long long>(memory->blockCount),
                     static_cast<unsigned long long>(memory->byteCount));
+    }
     if (memory->isShown)
         return;
     const Hold hold(Data::descriptors);

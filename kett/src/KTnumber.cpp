@@ -159,11 +159,12 @@ bool parseBoolean(std::string_view text, bool &value)
     };
     static constexpr Word words[] = {{"true", true}, {"false", false}, {"yes", true},
                                      {"no", false},  {"on", true},     {"off", false}};
-    for (const auto &word : words)
+    for (const auto &word : words) {
         if (equalInsensitive(text, word.text)) {
             value = word.value;
             return true;
         }
+    }
     int64_t number;
     if (!parseInteger(text, number))
         return false;

@@ -80,7 +80,7 @@ static bool set(char *Setting::*place, const char *format, va_list arguments)
 {
     if (format == nullptr)
         return false;
-    const kett::NumericLocaleC locale;
+    const kett::LocaleC locale;
     const kett::FormattedText formatted(format, arguments);
     if (!locale.isInForce() || !formatted.complete)
         return false;

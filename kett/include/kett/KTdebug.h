@@ -26,7 +26,7 @@ typedef enum {
 } KTDEBUG_LEVEL;
 
 /** Receives one message. Calls are serialised, and arrive on the thread that logs.
- *  A sink must not call any KTDEBUG operation.
+ *  A sink must not call any KTDEBUG operation, and must return: no exception, no longjmp.
  *
  *  @param context  the pointer given to KTDEBUG_SetSink().
  *  @param level    one of ::KTDEBUG_LEVEL.

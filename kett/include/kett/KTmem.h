@@ -80,7 +80,7 @@ KT_API int32_t KTMEM_DisposeMemDescr(KT_MEM *memory);
 KT_API void KTMEM_DisplayMemDescr(KT_MEM *memory);
 
 /** Frees every descriptor that has been shown by KTMEM_DisplayMemDescr() and not been disposed of since, for
- *  hosts that want back what an owner has left behind.
+ *  hosts that want back what an owner has left behind. What is left of them is freed when libkett is unloaded.
  *
  *  @return the number of descriptors freed.
  *

@@ -10,7 +10,7 @@
  *  a key or a value do not count. A value that does not parse as the asked type counts as absent, and so does
  *  a number out of range. Integers are decimal; a fraction or exponent is allowed, and what is behind the
  *  point is cut off. Booleans are 1/0, true/false, yes/no or on/off in any case, and any other integer but 0
- *  is true. A text is formatted with the point as decimal sign, whatever the locale. Keys are case-sensitive.
+ *  is true. A text is formatted in the C locale, with the point as decimal sign. Keys are case-sensitive.
  *
  *      KTSETTINGS_SetEx(NULL, "orva.fftw.max_plan_len=%d", 1024);
  *
