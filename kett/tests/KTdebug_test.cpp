@@ -1,0 +1,301 @@
+#include <kett/KTdebug.h>
+
+#include "support/log.h"
+
+#include <atomic>
+#include <csignal>
+#include <cstdio>
+#include <gtest/gtest.h>
+#include <pthread.h>
+#include <sys/resource.h>
+#include <sys/socket.h>
+#include <thread>
+#include <unistd.h>
+#include <vector>
+
+namespace
+{
+
+using support::Message;
+
+struct Level {
+    void (*write)(int32_t code, const char *format, ...);
+    int32_t number;
+};
+
+constexpr Level levels[] = {
+    {KTDEBUG_Log, 0},
+    {KTDEBUG_Warning, 1},
+    {KTDEBUG_Error, 2},
+    {KTDEBUG_TerminalError, 3},
+};
+
+// Standard error as long as it lives: each system call arrives as one piece.
+class StandardError
+{
+public:
+    StandardError() : before(dup(STDERR_FILENO))
+    {
+        socketpair(AF_UNIX, SOCK_DGRAM, 0, ends);
+        dup2(ends[1], STDERR_FILENO);
+    }
+
+    ~StandardError()
+    {
+        dup2(before, STDERR_FILENO);
+        close(before);
+        close(ends[0]);
+        close(ends[1]);
+    }
+
+    StandardError(const StandardError &) = delete;
+    StandardError &operator=(const StandardError &) = delete;
+
+    std::vector<std::string> pieces()
+    {
+        std::vector<std::string> all;
+        std::vector<char> room(1 << 20);
+        for (ssize_t size; (size = recv(ends[0], room.data(), room.size(), MSG_DONTWAIT)) >= 0;)
+            all.emplace_back(room.data(), static_cast<size_t>(size));
+        return all;
+    }
+
+private:
+    int before;
+    int ends[2];
+};
+
+} // namespace
+
+TEST(DebugLevels, ReachTheSinkWithNumberCodeAndText)
+{
+    support::Log log;
+    for (const auto &level : levels) {
+        level.write(-1, "text %d", level.number);
+        level.write(17, "%s and %u\n", "more", 4000000000u);
+    }
+    std::vector<Message> expected;
+    for (const auto &level : levels) {
+        expected.push_back({level.number, -1, "text " + std::to_string(level.number)});
+        expected.push_back({level.number, 17, "more and 4000000000\n"});
+    }
+    EXPECT_EQ(log.messages, expected);
+}
+
+TEST(DebugMessages, HaveNothingAddedOrTrimmed)
+{
+    const char *const texts[] = {"",           "\n",          "no line feed", "line feed\n",
+                                 "  blanks  ", "\n\ntwo\n\n", "100 %",        "\t\r\v"};
+    support::Log log;
+    StandardError standardError;
+    std::vector<std::string> expected;
+    for (const char *text : texts) {
+        KTDEBUG_Error(-1, "%s", text);
+        EXPECT_EQ(log.messages.back(), support::error(text));
+    }
+    KTDEBUG_SetSink(nullptr, nullptr);
+    for (const char *text : texts) {
+        KTDEBUG_Error(-1, "%s", text);
+        expected.push_back(text);
+    }
+    EXPECT_EQ(standardError.pieces(), expected);
+}
+
+TEST(DebugMessages, HaveAnyLength)
+{
+    StandardError standardError;
+    for (const size_t length : {1022u, 1023u, 1024u, 1025u, 4096u, 100000u}) {
+        const std::string text(length, 'x');
+        KTDEBUG_Log(-1, "%s!", text.c_str());
+        EXPECT_EQ(standardError.pieces(), std::vector{text + "!"}) << length;
+    }
+    support::Log log;
+    const std::string text(1000000, 'y');
+    KTDEBUG_Log(-1, "%s!", text.c_str());
+    ASSERT_EQ(log.messages.size(), 1u);
+    EXPECT_EQ(log.messages[0].text, text + "!");
+}
+
+TEST(DebugMessages, ANullFormatWritesNothing)
+{
+    support::Log log;
+    const char *none = nullptr;
+    for (const auto &level : levels)
+        level.write(-1, none);
+    EXPECT_TRUE(log.messages.empty());
+    StandardError standardError;
+    KTDEBUG_SetSink(nullptr, nullptr);
+    KTDEBUG_Log(-1, none);
+    EXPECT_TRUE(standardError.pieces().empty());
+}
+
+TEST(DebugMessages, ARefusedFormatIsWrittenAsItStands)
+{
+    support::Log log;
+    KTDEBUG_Log(-1, "one and %ls\n", L"\x4e2d"); // no text in the C locale
+    EXPECT_EQ(log.messages, (std::vector{Message{0, -1, "one and %ls\n"}}));
+}
+
+// No more blocks of 8 MB: a sanitizer has its own limit, which the build sets for this test.
+#if !defined(__SANITIZE_ADDRESS__) && !defined(__SANITIZE_THREAD__)
+static void forbidLargeBlocks(bool forbidden)
+{
+    static rlimit before;
+    if (forbidden)
+        getrlimit(RLIMIT_AS, &before);
+    const rlimit none{1, before.rlim_max};
+    setrlimit(RLIMIT_AS, forbidden ? &none : &before);
+}
+#else
+static void forbidLargeBlocks(bool) {}
+#endif
+
+TEST(DebugMessages, AreCutWhereMemoryIsOut)
+{
+    static char kept[2000];
+    const auto keep = [](void *, int32_t, int32_t, const char *text) {
+        snprintf(kept, sizeof kept, "%s", text);
+    };
+    StandardError standardError;
+    forbidLargeBlocks(true);
+    KTDEBUG_Log(-1, "%*d", 9 << 20, 5);
+    KTDEBUG_SetSink(keep, nullptr);
+    KTDEBUG_Log(-1, "%*d", 9 << 20, 5);
+    KTDEBUG_SetSink(nullptr, nullptr);
+    forbidLargeBlocks(false);
+    const std::string cut(1023, ' ');
+    EXPECT_EQ(kept, cut);
+    EXPECT_EQ(standardError.pieces(), std::vector{cut});
+}
+
+TEST(DebugDefaultSink, WritesEachMessageByOneCall)
+{
+    StandardError standardError;
+    KTDEBUG_Log(-1, "one %d\n", 1);
+    KTDEBUG_Warning(-1, "two\nlines\n");
+    KTDEBUG_Error(-1, "three");
+    KTDEBUG_TerminalError(-1, "four");
+    EXPECT_EQ(standardError.pieces(), (std::vector<std::string>{"one 1\n", "two\nlines\n", "three", "four"}));
+}
+
+TEST(DebugDefaultSink, WritesNullBytesToo)
+{
+    StandardError standardError;
+    KTDEBUG_Log(-1, "a%cb", 0);
+    EXPECT_EQ(standardError.pieces(), std::vector{std::string("a\0b", 3)});
+}
+
+TEST(DebugDefaultSink, ComesBackForANullSink)
+{
+    StandardError standardError;
+    {
+        support::Log log;
+        KTDEBUG_Log(-1, "to the sink");
+        EXPECT_EQ(log.messages.size(), 1u);
+        KTDEBUG_SetSink(nullptr, &log);
+        KTDEBUG_Log(-1, "to the default");
+        EXPECT_EQ(log.messages.size(), 1u);
+    }
+    EXPECT_EQ(standardError.pieces(), std::vector<std::string>{"to the default"});
+}
+
+// The pipe is full, so the write waits, and every signal breaks it off.
+TEST(DebugDefaultSink, WritesAgainAfterASignal)
+{
+    struct sigaction doNothing = {};
+    doNothing.sa_handler = [](int) {};
+    sigaction(SIGUSR1, &doNothing, nullptr); // without SA_RESTART
+    int ends[2];
+    ASSERT_EQ(pipe(ends), 0);
+    const int before = dup(STDERR_FILENO);
+    dup2(ends[1], STDERR_FILENO);
+    const std::string filling(65536, '.');
+    ASSERT_EQ(write(STDERR_FILENO, filling.data(), filling.size()), 65536);
+
+    std::atomic<bool> isWritten = false;
+    std::thread writer([&] {
+        KTDEBUG_Log(-1, "after the signal");
+        isWritten = true;
+    });
+    for (int i = 0; i < 20; ++i) {
+        std::this_thread::sleep_for(std::chrono::milliseconds(2));
+        pthread_kill(writer.native_handle(), SIGUSR1);
+    }
+    EXPECT_FALSE(isWritten);
+    std::string all;
+    char room[4096];
+    while (all.size() < filling.size()) {
+        const ssize_t size = read(ends[0], room, sizeof room);
+        ASSERT_GT(size, 0);
+        all.append(room, static_cast<size_t>(size));
+    }
+    writer.join();
+    dup2(before, STDERR_FILENO);
+    close(before);
+    close(ends[1]);
+    for (ssize_t size; (size = read(ends[0], room, sizeof room)) > 0;)
+        all.append(room, static_cast<size_t>(size));
+    close(ends[0]);
+    EXPECT_EQ(all, filling + "after the signal");
+}
+
+namespace
+{
+
+struct Watched {
+    std::atomic<int> inside = 0;
+    std::atomic<int> calls = 0;
+    int unguarded = 0; // only serialised calls may touch it
+    std::atomic<bool> overlapped = false;
+
+    static void sink(void *context, int32_t, int32_t, const char *)
+    {
+        auto *self = static_cast<Watched *>(context);
+        if (++self->inside != 1)
+            self->overlapped = true;
+        ++self->unguarded;
+        ++self->calls;
+        --self->inside;
+    }
+};
+
+} // namespace
+
+TEST(DebugSink, IsCalledByOneThreadAtATime)
+{
+    Watched watched;
+    KTDEBUG_SetSink(Watched::sink, &watched);
+    std::vector<std::thread> threads;
+    for (int i = 0; i < 4; ++i)
+        threads.emplace_back([] {
+            for (int k = 0; k < 500; ++k)
+                KTDEBUG_Log(-1, "%d", k);
+        });
+    for (auto &thread : threads)
+        thread.join();
+    KTDEBUG_SetSink(nullptr, nullptr);
+    EXPECT_FALSE(watched.overlapped);
+    EXPECT_EQ(watched.unguarded, 2000);
+}
+
+TEST(DebugSink, ThatWasReplacedIsNotRunningAnyMore)
+{
+    Watched first, second;
+    KTDEBUG_SetSink(Watched::sink, &first);
+    std::atomic<bool> stop = false;
+    std::thread logger([&] {
+        while (!stop)
+            KTDEBUG_Log(-1, "x");
+    });
+    for (int i = 0; i < 100; ++i) {
+        Watched *const old = i % 2 == 0 ? &first : &second;
+        KTDEBUG_SetSink(Watched::sink, i % 2 == 0 ? &second : &first);
+        const int calls = old->calls;
+        EXPECT_EQ(old->inside, 0);
+        std::this_thread::yield();
+        EXPECT_EQ(old->calls, calls);
+    }
+    stop = true;
+    logger.join();
+    KTDEBUG_SetSink(nullptr, nullptr);
+}

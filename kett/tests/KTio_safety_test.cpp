@@ -1,0 +1,262 @@
+// What becomes of the target when writing it goes wrong, is not allowed, or is done by several at once.
+#include <kett/KTio.h>
+
+#include "support/folder.h"
+
+#include <atomic>
+#include <csignal>
+#include <grp.h>
+#include <gtest/gtest.h>
+#include <string>
+#include <sys/resource.h>
+#include <sys/stat.h>
+#include <sys/wait.h>
+#include <thread>
+#include <unistd.h>
+#include <vector>
+
+namespace
+{
+
+using support::Folder;
+using support::readFile;
+using support::writeFile;
+using Names = std::vector<std::string>;
+
+constexpr uid_t nobody = 65534;
+
+// As long as it lives, the rights are those of an ordinary user; a superuser may write everywhere.
+class OrdinaryUser
+{
+public:
+    OrdinaryUser() : before(geteuid())
+    {
+        if (before == 0) {
+            EXPECT_EQ(seteuid(nobody), 0);
+        }
+    }
+
+    ~OrdinaryUser()
+    {
+        EXPECT_EQ(seteuid(before), 0);
+    }
+
+    OrdinaryUser(const OrdinaryUser &) = delete;
+    OrdinaryUser &operator=(const OrdinaryUser &) = delete;
+
+private:
+    const uid_t before;
+};
+
+// A folder and a file that the ordinary user owns.
+void giveAway(const std::string &path)
+{
+    if (geteuid() == 0) {
+        ASSERT_EQ(chown(path.c_str(), nobody, static_cast<gid_t>(-1)), 0);
+    }
+}
+
+bool replace(const std::string &path, const std::string &content)
+{
+    KT_FILE *const file = KTIO_Open(path.c_str(), "w");
+    return file != nullptr && KTIO_WriteData(file, content.data(), content.size()) == content.size() &&
+           KTIO_CloseFile(file);
+}
+
+} // namespace
+
+TEST(IoRights, AFileThatMayNotBeWrittenFailsAtTheOpen)
+{
+    const Folder folder;
+    giveAway(folder.path);
+    writeFile(folder / "file", "old");
+    giveAway(folder / "file");
+    const OrdinaryUser user;
+    for (const mode_t mode : {0400, 0444, 0000}) {
+        chmod((folder / "file").c_str(), mode);
+        EXPECT_EQ(KTIO_Open((folder / "file").c_str(), "w"), nullptr) << mode;
+        EXPECT_EQ(folder.entries(), Names{"file"});
+    }
+    EXPECT_EQ(KTIO_Open((folder / "file").c_str(), "r"), nullptr) << "mode 0";
+    chmod((folder / "file").c_str(), 0600);
+    EXPECT_EQ(readFile(folder / "file"), "old");
+    EXPECT_TRUE(replace(folder / "file", "new"));
+}
+
+TEST(IoRights, AClosedFolderFailsAtTheOpen)
+{
+    const Folder folder;
+    giveAway(folder.path);
+    writeFile(folder / "file", "old");
+    giveAway(folder / "file");
+    const OrdinaryUser user;
+    for (const mode_t mode : {0500, 0000}) {
+        chmod(folder.path.c_str(), mode);
+        EXPECT_EQ(KTIO_Open((folder / "file").c_str(), "w"), nullptr) << mode;
+        EXPECT_EQ(KTIO_Open((folder / "fresh").c_str(), "w"), nullptr) << mode;
+    }
+    EXPECT_FALSE(KTIO_FileExists((folder / "file").c_str()));
+    EXPECT_EQ(KTIO_Open((folder / "file").c_str(), "r"), nullptr);
+    chmod(folder.path.c_str(), 0300); // cannot be listed, nor opened for a flush
+    EXPECT_TRUE(replace(folder / "file", "new"));
+    chmod(folder.path.c_str(), 0700);
+    EXPECT_EQ(readFile(folder / "file"), "new");
+    EXPECT_EQ(folder.entries(), Names{"file"});
+}
+
+// In a folder like /tmp everybody may write a file of mode 666, but only its owner may put another in its
+// place.
+TEST(IoRights, AStickyFolderFailsAtTheOpen)
+{
+    if (geteuid() != 0)
+        GTEST_SKIP() << "needs a second user, so it runs as the superuser only";
+    const Folder folder;
+    chmod(folder.path.c_str(), 01777);
+    writeFile(folder / "theirs", "old");
+    chmod((folder / "theirs").c_str(), 0666);
+    writeFile(folder / "ours", "old");
+    giveAway(folder / "ours");
+    {
+        const OrdinaryUser user;
+        EXPECT_EQ(KTIO_Open((folder / "theirs").c_str(), "w"), nullptr);
+        EXPECT_TRUE(replace(folder / "ours", "new"));
+        EXPECT_TRUE(replace(folder / "fresh", "new"));
+    }
+    EXPECT_TRUE(replace(folder / "theirs", "new"));
+    EXPECT_TRUE(replace(folder / "ours", "newer"));
+    EXPECT_EQ(folder.entries(), (Names{"fresh", "ours", "theirs"}));
+    giveAway(folder.path);
+    EXPECT_TRUE(replace(folder / "ours", "newest")) << "neither file nor folder is the superuser's";
+    struct stat status;
+    ASSERT_EQ(stat((folder / "ours").c_str(), &status), 0);
+    EXPECT_EQ(status.st_uid, nobody) << "a superuser's replacement stays its owner's";
+}
+
+TEST(IoFailure, AShortWriteLeavesTheTarget)
+{
+    const Folder folder;
+    writeFile(folder / "file", "old");
+    signal(SIGXFSZ, SIG_IGN);
+    rlimit before;
+    getrlimit(RLIMIT_FSIZE, &before);
+    const rlimit small{10000, before.rlim_max};
+    const std::string content(8000, 'x');
+    for (const char *name : {"file", "fresh"}) {
+        KT_FILE *const file = KTIO_Open((folder / name).c_str(), "w");
+        ASSERT_NE(file, nullptr);
+        setrlimit(RLIMIT_FSIZE, &small);
+        EXPECT_EQ(KTIO_WriteData(file, content.data(), content.size()), 8000u);
+        EXPECT_EQ(KTIO_WriteData(file, content.data(), content.size()), 2000u);
+        EXPECT_EQ(KTIO_WriteData(file, content.data(), content.size()), 0u);
+        EXPECT_EQ(KTIO_FileSize(file), 10000);
+        setrlimit(RLIMIT_FSIZE, &before);
+        EXPECT_FALSE(KTIO_CloseFile(file));
+    }
+    EXPECT_EQ(readFile(folder / "file"), "old");
+    EXPECT_EQ(folder.entries(), Names{"file"});
+}
+
+TEST(IoFailure, AFolderThatHasTakenTheTargetsPlaceStays)
+{
+    const Folder folder;
+    KT_FILE *const file = KTIO_Open((folder / "file").c_str(), "w");
+    ASSERT_NE(file, nullptr);
+    EXPECT_EQ(KTIO_WriteData(file, "new", 3), 3u);
+    std::filesystem::create_directory(folder / "file");
+    EXPECT_FALSE(KTIO_CloseFile(file));
+    EXPECT_TRUE(std::filesystem::is_directory(folder / "file"));
+    EXPECT_EQ(folder.entries(), Names{"file"});
+}
+
+TEST(IoFailure, AFolderRemovedMeanwhileFailsTheClose)
+{
+    const Folder folder;
+    std::filesystem::create_directory(folder / "sub");
+    KT_FILE *const file = KTIO_Open((folder / "sub/file").c_str(), "w");
+    ASSERT_NE(file, nullptr);
+    EXPECT_EQ(KTIO_WriteData(file, "new", 3), 3u);
+    std::filesystem::remove_all(folder / "sub");
+    EXPECT_FALSE(KTIO_CloseFile(file));
+    EXPECT_TRUE(folder.entries().empty());
+}
+
+namespace
+{
+
+// Replaces the file with a content that shows whose it is and that it is whole.
+bool replaceOften(const std::string &path, char letter, int rounds)
+{
+    const std::string content(30000, letter);
+    for (int i = 0; i < rounds; ++i)
+        if (!replace(path, content))
+            return false;
+    return true;
+}
+
+bool isWhole(const std::string &content)
+{
+    return content.size() == 30000 && content.find_first_not_of(content[0]) == content.npos;
+}
+
+} // namespace
+
+TEST(IoWriters, OfOneTargetLeaveOneWholeContent)
+{
+    const Folder folder;
+    const std::string path = folder / "file";
+    ASSERT_TRUE(replace(path, std::string(30000, '-')));
+    std::atomic<int> running = 3;
+    std::vector<std::thread> writers;
+    for (const char letter : {'a', 'b', 'c'})
+        writers.emplace_back([&, letter] {
+            EXPECT_TRUE(replaceOften(path, letter, 15));
+            --running;
+        });
+    while (running > 0)
+        EXPECT_TRUE(isWhole(readFile(path)));
+    for (auto &writer : writers)
+        writer.join();
+    EXPECT_TRUE(isWhole(readFile(path)));
+    EXPECT_EQ(folder.entries(), Names{"file"});
+}
+
+TEST(IoWriters, InSeveralProcessesLeaveOneWholeContent)
+{
+    const Folder folder;
+    const std::string path = folder / "file";
+    ASSERT_TRUE(replace(path, std::string(30000, '-')));
+    std::vector<pid_t> children;
+    for (const char letter : {'a', 'b'}) {
+        const pid_t child = fork();
+        if (child == 0)
+            _exit(replaceOften(path, letter, 15) ? 0 : 1);
+        children.push_back(child);
+    }
+    for (int i = 0; i < 50; ++i)
+        EXPECT_TRUE(isWhole(readFile(path)));
+    for (const pid_t child : children) {
+        int status = -1;
+        EXPECT_EQ(waitpid(child, &status, 0), child);
+        EXPECT_EQ(status, 0);
+    }
+    EXPECT_TRUE(isWhole(readFile(path)));
+    EXPECT_EQ(folder.entries(), Names{"file"});
+}
+
+TEST(IoCrash, LeavesTheOldContent)
+{
+    const Folder folder;
+    writeFile(folder / "file", "old");
+    const pid_t child = fork();
+    if (child == 0) {
+        KT_FILE *const file = KTIO_Open((folder / "file").c_str(), "w");
+        KTIO_WriteData(file, "half of the new", 15);
+        _exit(0);
+    }
+    int status = -1;
+    waitpid(child, &status, 0);
+    EXPECT_EQ(status, 0);
+    EXPECT_EQ(readFile(folder / "file"), "old");
+    EXPECT_TRUE(replace(folder / "file", "new"));
+    EXPECT_EQ(readFile(folder / "file"), "new");
+}
