@@ -84,12 +84,13 @@ int64_t sound_read(sound *input, int channel, float *samples, int64_t count)
             input->endedEarly = true;
             break;
         }
-        for (int64_t frame = 0; frame < got; ++frame)
+        for (int64_t frame = 0; frame < got; ++frame) {
             for (int i = 0; i < width; ++i) {
                 const float x = source[frame * channels + i];
                 input->notFinite += !isfinite(x);
                 samples[(done + frame) * width + i] = isfinite(x) ? x : 0.0f;
             }
+        }
         done += got;
         input->position += got;
     }

@@ -58,7 +58,7 @@ static void cut(cairo_t *cairo, char *text, double room)
         do {
             --length;
         } while (length > 0 && ((unsigned char) text[length] & 0xc0) == 0x80);
-        strcpy(text + length, ellipsis);
+        memcpy(text + length, ellipsis, sizeof ellipsis);
     }
 }
 

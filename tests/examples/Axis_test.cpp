@@ -80,7 +80,7 @@ TEST(AxisTicks, AreRoundAndWrittenAlike)
 
 TEST(AxisTicks, NeverExceedTheirRoom)
 {
-    for (const double last : {1.0, 1.1, 1.99, 3.0, 4.9, 7.0, 9.99, 119.0, 121.0, 3599.0, 3601.0, 1e5, 1e12})
+    for (const double last : {1.0, 1.1, 1.99, 3.0, 4.9, 7.0, 9.99, 119.0, 121.0, 3599.0, 3601.0, 1e5, 1e12}) {
         for (int most = 1; most <= 1000; most += most < 40 ? 1 : 320) {
             double ticks[AXIS_TICKS];
             const axis scales[] = {axis_linear(0, last, ""), axis_time(last),
@@ -94,6 +94,7 @@ TEST(AxisTicks, NeverExceedTheirRoom)
                 }
             }
         }
+    }
 }
 
 TEST(AxisPlace, RunsFromEndToEnd)

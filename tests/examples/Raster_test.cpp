@@ -18,7 +18,7 @@ constexpr float nothing = -std::numeric_limits<float>::infinity();
 
 std::vector<float> valuesOf(const raster *grid)
 {
-    return {grid->values, grid->values + grid->columns * grid->rows};
+    return {grid->values, grid->values + ptrdiff_t{grid->columns} * grid->rows};
 }
 
 // Relative luminance (ITU-R BT.709 primaries, sRGB transfer): rises as the lightness does.
@@ -69,10 +69,11 @@ TEST(Raster, NeighbouringColumnsLeaveNoGap)
         const auto bins = static_cast<size_t>(random.integer(1, 200));
         raster *grid = raster_create(columns, rows);
         const std::vector<float> values(bins, 1.0F);
-        for (int64_t i = 0; i < count; ++i)
+        for (int64_t i = 0; i < count; ++i) {
             raster_add(grid, static_cast<double>(i) / static_cast<double>(count),
                        static_cast<double>(i + 1) / static_cast<double>(count), values.data(),
                        static_cast<int64_t>(bins));
+        }
         EXPECT_EQ(valuesOf(grid), std::vector<float>(static_cast<size_t>(columns * rows), 1.0F))
             << columns << 'x' << rows << " from " << count << 'x' << bins;
         raster_destroy(grid);

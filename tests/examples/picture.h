@@ -26,7 +26,7 @@ inline Picture readPicture(const std::string &path)
     Picture picture{cairo_image_surface_get_width(surface), cairo_image_surface_get_height(surface), {}};
     for (int y = 0; y < picture.height; ++y) {
         const unsigned char *row =
-            cairo_image_surface_get_data(surface) + y * cairo_image_surface_get_stride(surface);
+            cairo_image_surface_get_data(surface) + ptrdiff_t{y} * cairo_image_surface_get_stride(surface);
         for (int x = 0; x < picture.width; ++x)
             picture.points.push_back(reinterpret_cast<const uint32_t *>(row)[x] & 0xffffffU);
     }

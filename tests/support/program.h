@@ -13,8 +13,6 @@
 #include <unistd.h>
 #include <vector>
 
-extern char **environ;
-
 namespace support
 {
 
@@ -38,6 +36,7 @@ inline Outcome run(std::vector<std::string> words, const Folder &folder)
     posix_spawn_file_actions_addchdir_np(&actions, folder.path.c_str());
 
     std::vector<char *> arguments;
+    arguments.reserve(words.size() + 1);
     for (auto &word : words)
         arguments.push_back(word.data());
     arguments.push_back(nullptr);
