@@ -119,9 +119,23 @@ static bool read_option(const char *config, const option *asked)
     char text[128];
     if (KTSTRING_GetStringValueFromString(config, asked->key, NULL, text, sizeof text) == 0)
         return true;
-    if (asked->kind == OPTION_WINDOW)
+    bool good = false;
+    switch (asked->kind) {
+    case OPTION_INTEGER:
+        good = read_integer(config, asked);
+        break;
+    case OPTION_REAL:
+        good = read_real(config, asked);
+        break;
+    case OPTION_VECTOR:
+        good = KTSTRING_GetVectorSizeFromString(config, asked->key, NULL) != 0;
+        break;
+    case OPTION_MATRIX:
+        good = KTSTRING_GetMatrixSizeFromString(config, asked->key, NULL, NULL) != 0;
+        break;
+    case OPTION_WINDOW:
         return read_window(config, asked, text);
-    const bool good = asked->kind == OPTION_INTEGER ? read_integer(config, asked) : read_real(config, asked);
+    }
     return good || refuse("configuration: %s=%s is not %s", asked->key, text, asked->meaning);
 }
 

@@ -7,15 +7,16 @@
 #include <stddef.h>
 #include <stdint.h>
 
-typedef enum { OPTION_INTEGER, OPTION_REAL, OPTION_WINDOW } option_kind;
+typedef enum { OPTION_INTEGER, OPTION_REAL, OPTION_WINDOW, OPTION_VECTOR, OPTION_MATRIX } option_kind;
 
 /* One key. The value holds the default and is written only if the key is given. */
 typedef struct {
     const char *key;
     option_kind kind;
-    void *value;         /* int32_t for an integer and for a window's type, float for a real */
+    void *value; /* int32_t for an integer and for a window's type, float for a real; a vector or matrix
+                            is only looked at, and left to the program to read */
     double least, most;  /* the range of a number, both included */
-    const char *meaning; /* of a number, for the message: "a whole number from 2 to 1048576" */
+    const char *meaning; /* for the message: "a whole number from 2 to 1048576" */
 } option;
 
 /* Reads the string, null for an empty one, by a table of the keys that it may hold. Refuses a key that is not

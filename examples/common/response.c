@@ -1,0 +1,42 @@
+#include "response.h"
+
+#include "messages.h"
+
+#include <math.h>
+#include <orva/ORVAcomplex.h>
+#include <orva/ORVAfft.h>
+#include <stddef.h>
+
+static const double degrees = 57.295779513082321; /* in a radian */
+
+static bool take(const ORVA_COMPLEX *spectrum, response *measured)
+{
+    double last = 0;
+    measured->greatest = 0;
+    for (int k = 0; k < RESPONSE_BINS; ++k) {
+        const double re = (double) spectrum[k].re, im = (double) spectrum[k].im,
+                     phase = degrees * atan2(im, re);
+        if (!isfinite(re) || !isfinite(im))
+            return refuse("configuration: this filter is not stable");
+        measured->gain[k] = (float) (20 * log10(hypot(re, im)));
+        measured->phase[k] = fabs(phase - last) > 180 ? NAN : (float) phase;
+        last = phase;
+        if (measured->gain[k] > measured->gain[measured->greatest])
+            measured->greatest = k;
+    }
+    return true;
+}
+
+bool response_measure(const float *answer, response *measured)
+{
+    ORVA_FFT *fft = ORVA_FFTProcCreate(RESPONSE_SAMPLES);
+    ORVA_COMPLEX *spectrum = ORVA_CreateComplexVector(fft);
+    bool done = spectrum != NULL || refuse("out of memory");
+    if (done) {
+        ORVA_FFTProcExecute(fft, answer, spectrum);
+        done = take(spectrum, measured);
+    }
+    ORVA_DestroyComplexVector(spectrum);
+    ORVA_FFTProcDestroy(fft);
+    return done;
+}

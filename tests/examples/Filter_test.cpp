@@ -1,0 +1,163 @@
+// The filter example: the sound that it writes, the response that it draws, and what it refuses.
+#include "picture.h"
+#include "program.h"
+#include "sounds.h"
+#include "support/bits.h"
+#include "support/random.h"
+#include "support/recording.h"
+
+#include <algorithm>
+#include <gtest/gtest.h>
+#include <orva/ORVAfilter.h>
+
+namespace
+{
+
+// Where the two panels stand in the picture, and what their axes hold at a rate of 48000 Hz.
+constexpr int left = 84, right = 972, height = 220, gainTop = 72, phaseTop = 358;
+
+int columnOf(double hertz)
+{
+    return left + static_cast<int>((right - left) * std::log(hertz / 10) / std::log(24000.0 / 10));
+}
+
+// The middle of the curve in one column of a panel, as a part of its height from below.
+double curveAt(const Picture &picture, int x, int top)
+{
+    double sum = 0, count = 0;
+    for (int y = top; y < top + height; ++y)
+        if (distance(picture.at(x, y), 0x0073b3) < 60) {
+            sum += y + 0.5;
+            ++count;
+        }
+    EXPECT_GT(count, 0) << "no curve at " << x;
+    EXPECT_LE(count, 6) << "more than a line at " << x;
+    return 1 - (sum / count - top) / height;
+}
+
+Picture responseOf(const std::string &config)
+{
+    const support::Folder folder;
+    writeSound(folder / "in.wav", std::vector<float>(100, 0.5F));
+    const support::Outcome outcome = runExample("filter", {"in.wav", "out.wav", "p.png", config}, folder);
+    EXPECT_EQ(outcome.status, 0) << config;
+    EXPECT_EQ(outcome.err, "") << config;
+    return readPicture(folder / "p.png");
+}
+
+} // namespace
+
+TEST(FilterExample, WritesWhatTheLibraryMakesOfEveryChannel)
+{
+    support::Random random;
+    for (const int channels : {1, 2, 3, 8}) {
+        const support::Folder folder;
+        auto samples = random.noise(static_cast<size_t>(channels) * 10000);
+        writeSound(folder / "in.wav", samples, {.channels = channels});
+        const support::Outcome outcome = runExample(
+            "filter", {"in.wav", "out.wav", "p.png", "biquads=[-0.9 0.3 0.1 0.2 0.1; -1.1 0.4 0.2 0.4 0.2]"},
+            folder);
+        EXPECT_EQ(outcome.status, 0);
+        EXPECT_EQ(outcome.err, "");
+
+        const double records[] = {-0.9, 0.3, 0.1, 0.2, 0.1, -1.1, 0.4, 0.2, 0.4, 0.2};
+        _ORVA_FILTER *filter = ORVA_CreateFilterFromBiquads(channels, 2, records);
+        ORVA_Filter(filter, samples.data(), samples.data(), static_cast<uint32_t>(samples.size()));
+        ORVA_DestroyFilter(filter);
+        SF_INFO info;
+        EXPECT_TRUE(support::sameBits(support::readSamples(folder / "out.wav", info), samples)) << channels;
+        EXPECT_EQ(info.channels, channels);
+        EXPECT_EQ(info.samplerate, 48000);
+        EXPECT_EQ(folder.entries(), (std::vector<std::string>{"in.wav", "out.wav", "p.png"}));
+    }
+}
+
+TEST(FilterExample, TakesNumeratorAndDenominator)
+{
+    const support::Folder folder;
+    writeSound(folder / "in.wav", {1.0F, 0.0F, 0.0F, 0.0F});
+    const support::Outcome outcome =
+        runExample("filter", {"in.wav", "out.wav", "p.png", "numerator=[2 4]; denominator=[2 1]"}, folder);
+    EXPECT_EQ(outcome.status, 0) << outcome.err;
+    SF_INFO info;
+    EXPECT_EQ(support::readSamples(folder / "out.wav", info),
+              (std::vector<float>{1.0F, 1.5F, -0.75F, 0.375F}));
+}
+
+// The axis of the gain ends at the next ten dB above the greatest gain, 80 dB above its start.
+TEST(FilterExample, DrawsTheMeasuredGainAndPhase)
+{
+    const Picture half = responseOf("numerator=[0.5]; denominator=[1]");
+    EXPECT_EQ(half.width, 1000);
+    for (const double hertz : {30.0, 1500.0, 15000.0}) {
+        EXPECT_NEAR(curveAt(half, columnOf(hertz), gainTop), 1 - 6.02 / 80, 0.01);
+        EXPECT_NEAR(curveAt(half, columnOf(hertz), phaseTop), 0.5, 0.01);
+    }
+    // One sample late: 180 degrees at half the rate, and no gain.
+    const Picture late = responseOf("biquads=[0 0 0 1 0]");
+    for (const double hertz : {3000.0, 6000.0, 12000.0})
+        EXPECT_NEAR(curveAt(late, columnOf(hertz), phaseTop), 0.5 - hertz / 48000, 0.01) << hertz;
+    // One pole: at low frequencies 1 / (1 - 0.9), which is 20 dB.
+    const Picture pole = responseOf("numerator=1; denominator=[1 -0.9]");
+    EXPECT_NEAR(curveAt(pole, columnOf(20), gainTop), 1.0, 0.015);
+    EXPECT_NEAR(curveAt(pole, columnOf(12000), gainTop), 1 - (20 + 20 * std::log10(std::hypot(1, 0.9))) / 80,
+                0.01);
+}
+
+TEST(FilterExample, WorksWhereAFilterLetsNothingThrough)
+{
+    const support::Folder folder;
+    std::filesystem::create_symlink(support::recordingPath(), folder.path / "voice.wav");
+    const support::Outcome outcome =
+        runExample("filter", {"voice.wav", "out.wav", "p.png", "numerator=0, denominator=1"}, folder);
+    EXPECT_EQ(outcome.status, 0) << outcome.err;
+    EXPECT_EQ(outcome.out, "out.wav: 1.43 s, channels: 1, loudest sample: -inf dB\n"
+                           "p.png: 0 to 24000 Hz, greatest gain: -inf dB at 0 Hz\n");
+    EXPECT_EQ(readPicture(folder / "p.png").width, 1000);
+}
+
+TEST(FilterExample, RefusesWithOneLineAndWritesNothing)
+{
+    const std::string neither = "configuration: give biquads, or numerator and denominator\n";
+    const std::string columns = "configuration: a row of biquads has 5 numbers, a1, a2, b0, b1 and b2, not ";
+    const std::string unstable = "configuration: this filter is not stable\n";
+    const std::string usage = "usage: filter SOUND OUTPUT.wav RESPONSE.png CONFIGURATION\n";
+    const struct {
+        std::vector<std::string> arguments;
+        std::string message;
+    } cases[] = {
+        {{}, usage},
+        {{"voice.wav", "o.wav", "p.png"}, usage},
+        {{"voice.wav", "o.wav", "p.png", "biquads=[0 0 1 0 0]", "x"}, usage},
+        {{"missing.wav", "o.wav", "p.png", "biquads=[0 0 1 0 0]"},
+         "missing.wav: No such file or directory\n"},
+        {{"voice.wav", "o.mp3", "p.png", "biquads=[0 0 1 0 0]"},
+         "o.mp3: the name of this file must end in .wav\n"},
+        {{"voice.wav", "o.wav", "p.gif", "biquads=[0 0 1 0 0]"},
+         "p.gif: the name of this file must end in .png\n"},
+        {{"voice.wav", "o.wav", "p.png", ""}, neither},
+        {{"voice.wav", "o.wav", "p.png", "numerator=[1 2]"}, neither},
+        {{"voice.wav", "o.wav", "p.png", "denominator=[1 2]"}, neither},
+        {{"voice.wav", "o.wav", "p.png", "biquads=[1 2 3 4]"}, columns + "4\n"},
+        {{"voice.wav", "o.wav", "p.png", "biquads=7"}, columns + "1\n"},
+        {{"voice.wav", "o.wav", "p.png", "biquads=[1 2; 3]"},
+         "configuration: biquads=[1 2; 3] is not a matrix such as [a1 a2 b0 b1 b2; a1 a2 b0 b1 b2]\n"},
+        {{"voice.wav", "o.wav", "p.png", "numerator=[1; 2]; denominator=1"},
+         "configuration: numerator=[1; 2] is not a vector such as [1 -1]\n"},
+        {{"voice.wav", "o.wav", "p.png", "numerator=1; denominator=one"},
+         "configuration: denominator=one is not a vector such as [1 -0.9]\n"},
+        {{"voice.wav", "o.wav", "p.png", "biquad=[0 0 1 0 0]"},
+         "configuration: unknown key \"biquad\"; the keys are biquads, numerator, denominator\n"},
+        {{"voice.wav", "o.wav", "p.png", "biquads=[-2.1 1.2 1 0 0]"}, unstable},
+        {{"voice.wav", "o.wav", "p.png", "numerator=1; denominator=0"}, unstable},
+    };
+    for (const auto &c : cases) {
+        const support::Folder folder;
+        std::filesystem::create_symlink(support::recordingPath(), folder.path / "voice.wav");
+        const support::Outcome outcome = runExample("filter", c.arguments, folder);
+        EXPECT_EQ(outcome.status, 1) << c.message;
+        EXPECT_EQ(outcome.err, c.message);
+        EXPECT_EQ(outcome.out, "") << c.message;
+        EXPECT_EQ(folder.entries(), std::vector<std::string>{"voice.wav"}) << c.message;
+    }
+}
