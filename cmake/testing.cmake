@@ -2,6 +2,15 @@
 find_package(GTest REQUIRED)
 include(GoogleTest)
 
+# Test code is built lightly: the time to build it counts for more than its own speed, and what the sanitizers have to
+# watch for undefined behaviour is the library, not the test.
+add_library(orva_test_options INTERFACE)
+target_link_libraries(orva_test_options INTERFACE orva_compile_options)
+target_compile_options(orva_test_options INTERFACE $<$<NOT:$<CONFIG:Debug>>:-O1 -g0>)
+if(ORVA_SANITIZE MATCHES undefined)
+    target_compile_options(orva_test_options INTERFACE -fno-sanitize=undefined)
+endif()
+
 # What 'interposer' and 'strace' name works by standing between a program and the C library, where a sanitizer stands
 # already; 'lint' looks at sources and at code compiled for the purpose, to which a sanitizer adds nothing.
 set(ORVA_LABELS_WITHOUT_SANITIZER interposer strace lint)
@@ -36,7 +45,7 @@ function(orva_test name)
     if(NOT ARG_WITHOUT_KETT)
         list(APPEND ARG_LIBRARIES kett::kett)
     endif()
-    target_link_libraries(${name} PRIVATE ${ARG_LIBRARIES} orva_test_support GTest::gtest_main orva_compile_options)
+    target_link_libraries(${name} PRIVATE ${ARG_LIBRARIES} orva_test_support GTest::gtest_main orva_test_options)
     gtest_discover_tests(${name} DISCOVERY_MODE PRE_TEST DISCOVERY_TIMEOUT 60)
 
     # gtest_discover_tests flattens a list among its PROPERTIES; so they are set where ctest has read the tests.
