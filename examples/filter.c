@@ -29,12 +29,14 @@ static bool run(_ORVA_FILTER *filter, sound *input, sound_output *output, float 
     const int channels = input->info.channels;
     float *block = allocate((size_t) blockFrames * (size_t) channels, sizeof *block);
     bool done = true;
-    for (int64_t frames; done && (frames = sound_read(input, 0, block, blockFrames)) > 0;) {
+    for (int64_t start = 0; done && start < input->length; start += blockFrames) {
+        const int64_t left = input->length - start, frames = left < blockFrames ? left : blockFrames;
         const int32_t floats = (int32_t) frames * channels;
+        sound_read(input, 0, block, frames);
         ORVA_Filter(filter, block, block, (uint32_t) floats);
         *loudest = fmaxf(*loudest, FVectorAbsMax(block, floats));
         done = sound_write(output, block, frames);
-        progress_show(input->position, input->length);
+        progress_show(start + frames, input->length);
     }
     free(block);
     return done;
@@ -79,7 +81,8 @@ int main(int count, char **arguments)
     float loudest = 0;
     done = output != NULL && run(filter, input, output, &loudest) &&
            draw(&measured, rate, arguments[4], arguments[3]);
-    if (sound_finish(output, done) && done) {
+    done = sound_finish(output, done);
+    if (done) {
         printf("%s: %.2f s, channels: %d, loudest sample: %.1f dB\n", arguments[2],
                (double) input->length / rate, channels, 20 * log10f(loudest));
         printf("%s: 0 to %g Hz, greatest gain: %.1f dB at %.0f Hz\n", arguments[3], rate / 2,

@@ -116,6 +116,39 @@ TEST(FilterExample, WorksWhereAFilterLetsNothingThrough)
     EXPECT_EQ(readPicture(folder / "p.png").width, 1000);
 }
 
+TEST(FilterExample, AFileThatEndsEarlyKeepsItsLength)
+{
+    const support::Folder folder;
+    support::Random random;
+    writeSound(folder / "a.flac", random.noise(100000), {.format = SF_FORMAT_FLAC | SF_FORMAT_PCM_16});
+    const std::string bytes = support::readFile(folder / "a.flac");
+    support::writeFile(folder / "a.flac", bytes.substr(0, bytes.size() / 2));
+    const support::Outcome outcome =
+        runExample("filter", {"a.flac", "out.wav", "p.png", "biquads=[0 0 1 0 0]"}, folder);
+    EXPECT_EQ(outcome.status, 0);
+    EXPECT_TRUE(outcome.err.ends_with(" of 100000 frames; the rest was taken as silence\n")) << outcome.err;
+    SF_INFO info;
+    const auto samples = support::readSamples(folder / "out.wav", info);
+    ASSERT_EQ(samples.size(), 100000U);
+    EXPECT_NE(samples[20000], 0.0F);
+    EXPECT_EQ(samples[99999], 0.0F);
+}
+
+TEST(FilterExample, ADiskThatIsFullLeavesNothing)
+{
+    const support::Folder folder;
+    writeSound(folder / "in.wav", std::vector<float>(100000, 0.5F));
+    // No file may grow beyond 8 blocks; without the signal, a write that would then fails as on a full disk.
+    const std::string command = "trap '' XFSZ; ulimit -f 8; exec '" + programPath("filter") +
+                                "' in.wav out.wav p.png 'biquads=[0 0 1 0 0]'";
+    const support::Outcome outcome = support::run({"/bin/sh", "-c", command}, folder);
+    EXPECT_EQ(outcome.status, 1);
+    EXPECT_EQ(outcome.out, "");
+    EXPECT_EQ(std::count(outcome.err.begin(), outcome.err.end(), '\n'), 1) << outcome.err;
+    EXPECT_TRUE(outcome.err.starts_with("out.wav: ")) << outcome.err;
+    EXPECT_EQ(folder.entries(), std::vector<std::string>{"in.wav"});
+}
+
 TEST(FilterExample, RefusesWithOneLineAndWritesNothing)
 {
     const std::string neither = "configuration: give biquads, or numerator and denominator\n";
