@@ -8,6 +8,7 @@
 #include <orva/ORVAcore.h>
 #include <orva/ORVAfft.h>
 #include <orva/ORVAfilter.h>
+#include <orva/ORVAsolafs.h>
 #include <orva/ORVAtypes.h>
 #include <orva/ORVAversion.h>
 #include <orva/ORVAwinfnc.h>
