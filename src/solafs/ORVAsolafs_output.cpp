@@ -29,10 +29,11 @@ static void _UpdateSkew(ORVA_SOLAFS *solafs, int32_t analysis)
     // whole distance between the timelines at every hop, and any speed but 1.0 ends in a search at every hop.
     solafs->lastAnalysisA = analysis;
     solafs->lastAnalysisB = analysis;
-    if (predicted >= 0 && predicted <= solafs->maxSkew)
+    if (predicted >= 0 && predicted <= solafs->maxSkew) {
         solafs->skew = static_cast<int32_t>(predicted);
-    else
+    } else {
         _FindSkew(solafs, analysis);
+    }
 }
 
 // v[i] = (1 - w[i]) p[i] + w[i] x[i], from the continuation p into the stretch x that ends at the match. The

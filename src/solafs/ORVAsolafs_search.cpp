@@ -90,7 +90,8 @@ void _FindSkew(ORVA_SOLAFS *solafs, int32_t analysis)
     double best = 0.0;
     const int32_t candidates = points > 0 ? solafs->maxSkew / skewStep : 0; // without points every score is 0
     for (int32_t first = 0; first < candidates; first += groupSize) {
-        const int64_t origin = int64_t{analysis} + skewStep * first + solafs->referenceOffsets[0] - 1;
+        const int64_t origin =
+            int64_t{analysis} + int64_t{skewStep} * first + solafs->referenceOffsets[0] - 1;
         const auto count = static_cast<size_t>(std::min(groupSize, candidates - first));
         Sums cross;
         cross.values.fill(0.0);

@@ -123,6 +123,27 @@ TEST(SolafsRecord, InputShiftsTheBufferToTwoHalfFramesBehindTheAnalysis)
     }
 }
 
+TEST(SolafsRecord, ShiftKeepsWhatIsLeftDownToOneSampleAndNone)
+{
+    struct Case {
+        float speed; // one hop of 80 puts the analysis at 80 times that, and 160 behind it the buffer begins
+        int32_t slots;
+    };
+    for (const Case &c :
+         {Case{9.0f, 81}, Case{9.99f, 2}, Case{10.0f, 1}, Case{10.0125f, 0}, Case{12.5f, -199}}) {
+        SCOPED_TRACE(c.speed);
+        const SolafsHandle solafs(ORVA_SolafsCreate(20, 8000, 1));
+        std::vector<float> samples(641);
+        std::iota(samples.begin(), samples.end(), 1.0f);
+        ASSERT_EQ(ORVA_SolafsInputData(solafs.get(), 0, samples.data(), 641, c.speed), 641);
+        ASSERT_EQ(pullHop(solafs.get()), 80);
+        ORVA_SolafsInputData(solafs.get(), 0, nullptr, 0, c.speed);
+        EXPECT_EQ(solafs->bufferEnd - solafs->bufferBase, c.slots);
+        for (int32_t slot = 0; slot < c.slots; ++slot)
+            EXPECT_EQ(solafs->buffer[slot], static_cast<float>(641 - c.slots + slot + 1));
+    }
+}
+
 TEST(SolafsRecord, SpeedChangeWaitsForTheAnalysisAndKeepsItContinuous)
 {
     const SolafsHandle solafs(ORVA_SolafsCreate(20, 44100, 1));
@@ -196,6 +217,33 @@ TEST(SolafsRecord, SegmentsAddUpTruncatedAtEveryCall)
     push(solafs.get(), 100, 3.0f);
     expectSegment(solafs->segments[0], 0, 300, 198, 1.5f);
     expectSegment(solafs->segments[1], 300, 400, 231, 3.0f);
+}
+
+TEST(SolafsRecord, AFullTableExtendsItsLastEntryAtItsOwnSpeed)
+{
+    const SolafsHandle solafs(ORVA_SolafsCreate(20, 44100, 1));
+    for (int i = 0; i < 256; ++i)
+        push(solafs.get(), 10, i % 2 == 0 ? 1.0f : 2.0f);
+    EXPECT_EQ(solafs->segmentCount, 256);
+    expectSegment(solafs->segments[255], 2550, 2560, 1920, 2.0f);
+    push(solafs.get(), 100, 4.0f);
+    push(solafs.get(), 100, std::numeric_limits<float>::quiet_NaN());
+    EXPECT_EQ(solafs->segmentCount, 256);
+    EXPECT_EQ(solafs->pendingSegments, 255);
+    expectSegment(solafs->segments[255], 2550, 2760, 2020, 2.0f);
+}
+
+TEST(SolafsRecord, AnEntryWithTheSpeedInForceStaysPending)
+{
+    const SolafsHandle solafs(ORVA_SolafsCreate(20, 44100, 1));
+    push(solafs.get(), 0, 1.0f);
+    push(solafs.get(), 10000, 1.0f);
+    push(solafs.get(), 10000, 2.0f);
+    solafs->segments[2].speed = 1.0f; // calls alone do not lead there
+    solafs->segments[2].inputStart = 0;
+    ASSERT_EQ(pullHop(solafs.get()), 440);
+    EXPECT_EQ(solafs->pendingSegments, 1);
+    EXPECT_EQ(solafs->nextSegment, 2);
 }
 
 TEST(SolafsRecord, ZeroOfEitherSignIsOneSpeedButDividesByItsOwnSign)

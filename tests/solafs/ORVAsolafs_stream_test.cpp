@@ -84,6 +84,7 @@ TEST(SolafsStream, InfinitiesAndNotANumberAmongTheSamplesPassAsInThePlainForm)
 
 TEST(SolafsStream, FramesOfAnyLengthHaveTheBitsOfThePlainForm)
 {
+    support::Random random;
     struct Case {
         int32_t frameMs;
         int32_t sampleRate;
@@ -93,7 +94,6 @@ TEST(SolafsStream, FramesOfAnyLengthHaveTheBitsOfThePlainForm)
          {Case{1, 8000, 4}, Case{2, 8000, 8}, Case{3, 8000, 12}, Case{5, 8000, 20}, Case{7, 11025, 36},
           Case{10, 11025, 52}, Case{30, 22050, 328}, Case{20, 96000, 960}, Case{220, 8000, 880}}) {
         SCOPED_TRACE(c.hop);
-        support::Random random;
         const std::vector<float> samples = random.noise(static_cast<size_t>(16 * c.hop + 500));
         for (const float speed : {0.6f, 1.0f, 1.7f}) {
             ScalerPair pair(c.frameMs, c.sampleRate);
