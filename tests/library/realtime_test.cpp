@@ -28,6 +28,7 @@ const std::array<double, 3> denominator = {1.0, -0.5, 0.25}, numerator = {0.1, 0
 
 ORVA_FFT *const forward = ORVA_FFTProcCreate(length);
 ORVA_FFT *const inverse = ORVA_IFFTProcCreate(length);
+ORVA_SOLAFS *const scaler = ORVA_SolafsCreate(20, 8000, 1);
 
 // A filter of each structure, and one to copy from.
 const std::array<double, 10> records = {-0.9, 0.3, 0.1, 0.2, 0.1, -1.1, 0.4, 0.2, 0.4, 0.2};
@@ -67,6 +68,9 @@ const Row table[] = {
     {"ORVA_ResetFilter", [] { ORVA_ResetFilter(likeDirect); ORVA_ResetFilter(likeBiquads); }},
     {"ORVA_CopyFilterMemories", [] { ORVA_CopyFilterMemories(directForm, likeDirect); ORVA_CopyFilterMemories(biquads, likeBiquads); }},
     {"ORVA_UpdateFilterBiquads", [] { ORVA_UpdateFilterBiquads(biquads, 2, records.data()); }},
+    {"ORVA_SolafsInputData", [] { ORVA_SolafsInputData(scaler, 0, input.data(), length, 1.0f); ORVA_SolafsInputData(scaler, 0, input.data(), length, 0.6f); }},
+    {"ORVA_SolafsOutputData", [] { ORVA_SolafsOutputData(scaler, 0, output.data(), 2 * length); }},
+    {"ORVA_SolafsTranslateCursorPosition", [] { ORVA_SolafsTranslateCursorPosition(scaler, length); }},
 
     // libkett
     {"KTCORE_Initialize", [] { KTCORE_Initialize(); }},
