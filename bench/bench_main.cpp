@@ -1,5 +1,6 @@
 // Runs the registered benchmarks and prints one line a case: the time of every peer, and ours as a ratio to it.
-// A benchmark is named "<case>/<peer>", ours "<case>/orva"; its items processed are the samples of a call.
+// A benchmark is named "<case>/<peer>", ours "<case>/orva"; its items processed are the samples of a call. Whatever else
+// ours counts stands at the end of the line.
 #include <benchmark/benchmark.h>
 
 #include <algorithm>
@@ -12,7 +13,8 @@ namespace
 
 struct Timing {
     std::string peer;
-    double nanoseconds; // a sample, the shortest of all repetitions: the one that was disturbed least
+    double nanoseconds;   // a sample, the shortest of all repetitions: the one that was disturbed least
+    std::string counters; // of that one
 };
 
 struct Case {
@@ -33,7 +35,7 @@ public:
     {
         for (const Run &run : runs)
             if (run.run_type == Run::RT_Iteration)
-                keep(run.run_name.function_name, run.family_index, 1e9 / run.counters.at("items_per_second"));
+                keep(run.run_name.function_name, run.family_index, run.counters);
     }
 
     void Finalize() override
@@ -52,13 +54,26 @@ public:
                     std::printf("  orva/%s %.2f", timing.peer.c_str(),
                                 ours->nanoseconds / timing.nanoseconds);
             }
-            std::printf("\n");
+            std::printf("%s\n", ours != one.timings.end() ? ours->counters.c_str() : "");
         }
     }
 
 private:
-    void keep(const std::string &name, int64_t order, double nanoseconds)
+    static std::string textOf(const benchmark::UserCounters &counters)
     {
+        std::string text;
+        for (const auto &[name, counter] : counters) {
+            char number[32];
+            std::snprintf(number, sizeof number, "%.5g", counter.value);
+            if (name != "items_per_second")
+                text += "  " + name + " " + number;
+        }
+        return text;
+    }
+
+    void keep(const std::string &name, int64_t order, const benchmark::UserCounters &counters)
+    {
+        const double nanoseconds = 1e9 / counters.at("items_per_second");
         const size_t slash = name.rfind('/');
         const std::string caseName = name.substr(0, slash);
         const std::string peer = name.substr(slash + 1);
@@ -70,9 +85,9 @@ private:
         auto timing = std::find_if(one->timings.begin(), one->timings.end(),
                                    [&](const Timing &t) { return t.peer == peer; });
         if (timing == one->timings.end())
-            one->timings.push_back({peer, nanoseconds});
-        else
-            timing->nanoseconds = std::min(timing->nanoseconds, nanoseconds);
+            one->timings.push_back({peer, nanoseconds, textOf(counters)});
+        else if (nanoseconds < timing->nanoseconds)
+            *timing = {peer, nanoseconds, textOf(counters)};
     }
 
     std::vector<Case> cases;

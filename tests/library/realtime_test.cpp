@@ -68,6 +68,7 @@ const Row table[] = {
     {"ORVA_ResetFilter", [] { ORVA_ResetFilter(likeDirect); ORVA_ResetFilter(likeBiquads); }},
     {"ORVA_CopyFilterMemories", [] { ORVA_CopyFilterMemories(directForm, likeDirect); ORVA_CopyFilterMemories(biquads, likeBiquads); }},
     {"ORVA_UpdateFilterBiquads", [] { ORVA_UpdateFilterBiquads(biquads, 2, records.data()); }},
+
     {"ORVA_SolafsInputData", [] { ORVA_SolafsInputData(scaler, 0, input.data(), length, 1.0f); ORVA_SolafsInputData(scaler, 0, input.data(), length, 0.6f); }},
     {"ORVA_SolafsOutputData", [] { ORVA_SolafsOutputData(scaler, 0, output.data(), 2 * length); }},
     {"ORVA_SolafsTranslateCursorPosition", [] { ORVA_SolafsTranslateCursorPosition(scaler, length); }},

@@ -1,0 +1,143 @@
+// One second of speech at 44.1 kHz, in blocks of 1024 samples: ours, the definition in its plainest form, and
+// SoundTouch, whose overlap-add is of the same kind, at its own settings. Times are for a sample of output.
+#include "solafs/ORVAsolafs_internal.h"
+#include "solafs/plain_scaler.h"
+#include "solafs/signals.h"
+
+#include <algorithm>
+#include <benchmark/benchmark.h>
+#include <chrono>
+#include <memory>
+#include <soundtouch/SoundTouch.h>
+#include <string>
+
+namespace
+{
+
+using Samples = std::vector<float>;
+
+constexpr int32_t rate = 44100;
+constexpr size_t blockLength = 1024;
+constexpr int32_t room = 8192; // more than a block gives
+
+struct Free {
+    void operator()(ORVA_SOLAFS *solafs) const
+    {
+        KTMEM_DisposeMemDescr(solafs->memDescr); // ORVA_SolafsDestroy() would keep the memory
+    }
+};
+
+double seconds()
+{
+    return std::chrono::duration<double>(std::chrono::steady_clock::now().time_since_epoch()).count();
+}
+
+template <class Use> void forEachBlock(const Samples &samples, Use use)
+{
+    for (size_t first = 0; first < samples.size(); first += blockLength)
+        use(&samples[first], std::min(blockLength, samples.size() - first));
+}
+
+int64_t stretch(const Samples &samples, float speed)
+{
+    const std::unique_ptr<ORVA_SOLAFS, Free> solafs(ORVA_SolafsCreate(20, rate, 1));
+    Samples output(room);
+    int64_t frames = 0;
+    forEachBlock(samples, [&](const float *block, size_t count) {
+        ORVA_SolafsInputData(solafs.get(), 0, block, static_cast<int32_t>(count), speed);
+        frames += ORVA_SolafsOutputData(solafs.get(), 0, output.data(), room);
+    });
+    return frames;
+}
+
+int64_t stretchPlainly(const Samples &samples, float speed)
+{
+    PlainScaler scaler(20, rate);
+    int64_t frames = 0;
+    forEachBlock(samples, [&](const float *block, size_t count) {
+        scaler.input({block, block + count}, speed);
+        frames += std::ssize(scaler.output(room));
+    });
+    return frames;
+}
+
+int64_t stretchBySoundTouch(const Samples &samples, float speed)
+{
+    soundtouch::SoundTouch scaler;
+    scaler.setSampleRate(rate);
+    scaler.setChannels(1);
+    scaler.setTempo(static_cast<double>(speed));
+    Samples output(room);
+    int64_t frames = 0;
+    forEachBlock(samples, [&](const float *block, size_t count) {
+        scaler.putSamples(block, static_cast<uint32_t>(count));
+        frames += scaler.receiveSamples(output.data(), room);
+    });
+    return frames;
+}
+
+// The time of all searches of a run: each is made once more, alone, on the record as its hop has left it.
+double searchSeconds(const Samples &samples, float speed)
+{
+    const std::unique_ptr<ORVA_SOLAFS, Free> solafs(ORVA_SolafsCreate(20, rate, 1));
+    Samples output(static_cast<size_t>(solafs->hop));
+    double sum = 0.0;
+    forEachBlock(samples, [&](const float *block, size_t count) {
+        ORVA_SolafsInputData(solafs.get(), 0, block, static_cast<int32_t>(count), speed);
+        int32_t skew = solafs->skew;
+        while (ORVA_SolafsOutputData(solafs.get(), 0, output.data(), 0) > 0) {
+            const int32_t predicted = skew + solafs->lastAnalysisA - solafs->outputPosition;
+            skew = solafs->skew;
+            if (predicted >= 0 && predicted <= solafs->maxSkew)
+                continue; // no search in this hop
+            const double start = seconds();
+            _FindSkew(solafs.get(), solafs->lastAnalysisA);
+            sum += seconds() - start;
+            solafs->skew = skew;
+        }
+    });
+    return sum;
+}
+
+double searchShare(const Samples &samples, float speed)
+{
+    double whole = 1.0;
+    double searches = 1.0;
+    for (int round = 0; round < 20; ++round) {
+        const double start = seconds();
+        stretch(samples, speed);
+        whole = std::min(whole, seconds() - start);
+        searches = std::min(searches, searchSeconds(samples, speed));
+    }
+    return searches / whole;
+}
+
+using Run = int64_t (*)(const Samples &samples, float speed);
+
+void add(const std::string &name, float speed, Run run)
+{
+    benchmark::RegisterBenchmark(name.c_str(), [=](benchmark::State &state) {
+        const Samples samples = voice(rate);
+        int64_t frames = 0;
+        for (auto _ : state)
+            frames += run(samples, speed);
+        state.SetItemsProcessed(frames);
+        if (run == stretch) {
+            state.counters["x real time"] =
+                benchmark::Counter(static_cast<double>(frames) / rate, benchmark::Counter::kIsRate);
+            state.counters["search share"] = searchShare(samples, speed);
+        }
+    });
+}
+
+const bool registered = [] {
+    for (const char *speed : {"0.7", "1.0", "1.5"}) {
+        const std::string name = std::string("speed ") + speed;
+        add(name + "/orva", std::stof(speed), stretch);
+        add(name + "/plain", std::stof(speed), stretchPlainly);
+        add(name + "/soundtouch", std::stof(speed), stretchBySoundTouch);
+    }
+    return true;
+}();
+
+} // namespace
