@@ -94,7 +94,7 @@ TEST(SolafsCursor, WholeTimelineEqualsThePlainForm)
     for (int round = 0; round < 2; ++round) {
         ScalerPair pair(20, 16000);
         double length = 0.0;
-        for (int step = 0; step < 60; ++step) {
+        for (int step = 0; step < 25; ++step) {
             const auto speed = static_cast<float>(random.real(0.5, 3.0));
             const auto count = static_cast<size_t>(random.integer(0, 3000));
             for (int part = 0; part < 3; ++part) {

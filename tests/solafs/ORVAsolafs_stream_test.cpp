@@ -5,7 +5,7 @@
 namespace
 {
 
-const std::vector<float> speeds = {0.5f, 0.7f, 0.9f, 0.99f, 1.0f, 1.01f, 1.25f, 1.5f, 2.0f, 2.5f, 3.0f};
+const std::vector<float> speeds = {0.5f, 0.7f, 0.99f, 1.0f, 1.02f, 1.5f, 2.0f, 3.0f};
 
 void expectEqualAtAllSpeeds(const std::vector<float> &samples, int32_t sampleRate)
 {
@@ -22,18 +22,18 @@ void expectEqualAtAllSpeeds(const std::vector<float> &samples, int32_t sampleRat
 
 TEST(SolafsStream, VoiceHasTheBitsOfThePlainForm)
 {
-    expectEqualAtAllSpeeds(voice(30000), 48000);
+    expectEqualAtAllSpeeds(voice(18000), 48000);
 }
 
 TEST(SolafsStream, TonesHaveTheBitsOfThePlainForm)
 {
-    expectEqualAtAllSpeeds(tones(25000, 44100.0), 44100);
+    expectEqualAtAllSpeeds(tones(14000, 44100.0), 44100);
 }
 
 TEST(SolafsStream, NoiseHasTheBitsOfThePlainForm)
 {
     support::Random random;
-    expectEqualAtAllSpeeds(random.noise(12000), 16000);
+    expectEqualAtAllSpeeds(random.noise(7000), 16000);
 }
 
 TEST(SolafsStream, SilenceStaysSilence)
@@ -41,7 +41,7 @@ TEST(SolafsStream, SilenceStaysSilence)
     for (const float speed : speeds) {
         SCOPED_TRACE(speed);
         ScalerPair pair(20, 16000);
-        pair.run(std::vector<float>(8000, 0.0f), 800, speed);
+        pair.run(std::vector<float>(4000, 0.0f), 800, speed);
         EXPECT_TRUE(support::sameBits(pair.allOutput(), std::vector<float>(pair.allOutput().size(), 0.0f)));
         EXPECT_EQ(pair.plain.fruitlessSearches, pair.plain.searches);
     }
@@ -95,7 +95,7 @@ TEST(SolafsStream, FramesOfAnyLengthHaveTheBitsOfThePlainForm)
           Case{10, 11025, 52}, Case{30, 22050, 328}, Case{20, 96000, 960}, Case{220, 8000, 880}}) {
         SCOPED_TRACE(c.hop);
         const std::vector<float> samples = random.noise(static_cast<size_t>(16 * c.hop + 500));
-        for (const float speed : {0.6f, 1.0f, 1.7f}) {
+        for (const float speed : {0.6f, 1.7f}) {
             ScalerPair pair(c.frameMs, c.sampleRate);
             pair.run(samples, static_cast<size_t>(c.sampleRate / 50), speed);
             EXPECT_GT(pair.allOutput().size(), 0u);
@@ -118,8 +118,8 @@ TEST(SolafsStream, AnyStrideAndOffsetServeOneChannelAndTouchNoOther)
 
 TEST(SolafsStream, AnyCutOfTheInputHasTheBitsOfThePlainForm)
 {
-    const std::vector<float> samples = voice(24000);
-    for (const size_t block : {97, 160, 441, 1600, 16000, 24000, 100000}) {
+    const std::vector<float> samples = voice(20000); // more than fits
+    for (const size_t block : {97, 441, 1600, 20000}) {
         SCOPED_TRACE(block);
         ScalerPair pair(20, 16000);
         pair.run(samples, block, 1.5f);

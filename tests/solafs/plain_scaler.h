@@ -152,13 +152,16 @@ private:
     int search(const std::vector<float> &old, int here)
     {
         ++searches;
+        std::vector<double> ahead;
+        for (int i = 0; i < 2 * frame + half; ++i)
+            ahead.push_back(double{sample(int64_t{here} - half + i)});
         double best = 0.0;
         int winner = 0;
         for (int candidate = 0; candidate < 2 * frame; candidate += 4) {
             double energy = 1.0;
             double cross = 0.0;
             for (int point = 0; point < half / 8; ++point) {
-                const double x = double{sample(int64_t{here} + candidate - half + 8 * point)};
+                const double x = ahead[static_cast<size_t>(candidate + 8 * point)];
                 energy += x * x;
                 cross += double{old[static_cast<size_t>(8 * point)]} * x;
             }
