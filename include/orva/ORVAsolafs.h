@@ -56,9 +56,9 @@
 
 #include <orva/ORVAtypes.h>
 
+/** One channel of a stream under time scaling. */
 typedef struct ORVA_SOLAFS ORVA_SOLAFS;
 
-/** One channel of a stream under time scaling. */
 /** Creates a record for one channel of a new stream. Nothing resets a record: the next stream needs another.
  *
  *  @param frameMs        frame in milliseconds, 1 to 220; see above for others. The product with `sampleRate`
