@@ -195,4 +195,13 @@ ORVA_API _ORVA_FILTER *ORVA_CreateFilterFromCoefs(uint32_t numChannels, int32_t 
 ORVA_API _ORVA_FILTER *ORVA_CreateFilterFromBiquads(int32_t numChannels, uint32_t numBiquads,
                                                     const double *coefs);
 
+/** Makes a filter from one line of text.
+ *
+ *  @param format  printf-style text, followed by what it asks for; null is refused without a message.
+ *  @return        the filter, to be destroyed with ORVA_DestroyFilter(), or null.
+ *
+ *  Threads: any, at any time.   Real time: no (allocates).
+ */
+ORVA_API _ORVA_FILTER *ORVA_CreateFilter(const char *format, ...);
+
 #endif
