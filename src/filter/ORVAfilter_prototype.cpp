@@ -20,7 +20,7 @@ double attenuationRatio(double Ap, double As)
 
 int32_t truncated(double x)
 {
-    // -2147483648.0 and 2147483648.0 are doubles, and so the comparisons exact.
+    // Both bounds are doubles, and so the comparisons exact.
     return x > -2147483649.0 && x < 2147483648.0 ? static_cast<int32_t>(x)
                                                  : std::numeric_limits<int32_t>::min();
 }
