@@ -3,6 +3,7 @@
 #include "filter/ORVAfilter_design.h"
 
 #include <algorithm>
+#include <limits>
 
 namespace
 {
@@ -63,11 +64,13 @@ struct BandReject {
 };
 
 // Rewrites one list in place. Its entries move to the upper half first and are read from there: two are written for one
-// that has been read, so the writes never overtake the reads.
+// that has been read, so the writes never overtake the reads. What is left of them behind the new roots is cleared to
+// not-a-number, lest a later stage take it for roots.
 template <class Substitution>
 Distances moveList(int32_t order, const Substitution &substitute, Root lowerEdge, Root *list)
 {
-    const Root *source = std::copy_n(list, order, list + order) - order;
+    Root *const end = std::copy_n(list, order, list + order);
+    const Root *source = end - order;
     Distances distances;
     const auto store = [&](Root *place, Root root) {
         *place = reflected(root);
@@ -90,6 +93,8 @@ Distances moveList(int32_t order, const Substitution &substitute, Root lowerEdge
         }
         count += isReal(p) ? 1 : 2;
     }
+    constexpr double none = std::numeric_limits<double>::quiet_NaN();
+    std::fill(list, end, Root(none, none));
     return distances;
 }
 

@@ -93,7 +93,7 @@ void _ConvertAnalogProtoToDigital(int32_t order, Root *poles, Root *zeros, doubl
 void _ConvertDigitalProtoToLP(int32_t order, float fpass1, Root *poles, Root *zeros, double *designGain);
 void _ConvertDigitalProtoToHP(int32_t order, float fpass1, Root *poles, Root *zeros, double *designGain);
 
-// Both lists hold room for 2 x `order` entries. Always 1.
+// Both lists hold room for 2 x `order` entries; those behind the new roots come back as not-a-number. Always 1.
 int32_t _ConvertDigitalProtoToBP(int32_t order, float fpass1, float fpass2, Root *poles, Root *zeros,
                                  double *gain);
 int32_t _ConvertDigitalProtoToBR(int32_t order, float fpass1, float fpass2, Root *poles, Root *zeros,
