@@ -54,3 +54,36 @@ TEST(FilterHeap, AConstructorThatFailsGivesBackWhatItTook)
     }
     endFailure();
 }
+
+TEST(FilterHeap, ATextThatRunsOutOfMemoryAnywhereGivesNullAndGivesAllBack)
+{
+    const std::string padding(3000, ' ');
+    const std::string forms[] = {"order=5 fpass=0.25", "type=bp order=4 fpass1=0.25 fpass2=0.5",
+                                 "biquads=[1 2 3 4 5; 1 2 3 4 5]", "numerator=[1 2 3] denominator=[1 0.5]",
+                                 padding + "order=3 fpass=0.25"};
+    for (const auto &text : forms) {
+        const auto create = [&](uint64_t n) {
+            failAllocation(n);
+            Filter filter(ORVA_CreateFilter("%s", text.c_str()));
+            return std::pair(endFailure(), std::move(filter));
+        };
+        uint64_t n = 1;
+        for (;; ++n) {
+            bool hasFailed = true;
+            const auto failOften = [&] {
+                for (int round = 0; round < 50; ++round) {
+                    const auto [failed, filter] = create(n);
+                    hasFailed = failed;
+                    EXPECT_EQ(filter == nullptr, failed) << text << ", allocation " << n;
+                }
+            };
+            failOften(); // fills malloc's own caches
+            const size_t before = mallinfo2().uordblks;
+            failOften();
+            EXPECT_EQ(mallinfo2().uordblks, before) << text << ", allocation " << n;
+            if (!hasFailed)
+                break;
+        }
+        EXPECT_GT(n, 5u) << text << ": the text, and what the filter holds";
+    }
+}
