@@ -405,3 +405,26 @@ TEST(DesignedFilter, OfTheSecondChebyshevTypeHasItsStopbandAttenuationFromTheSel
                 ASSERT_NEAR(attenuation(recordsOf(create(text)), f), 40.0, 1e-6) << text << ", at " << f;
             }
 }
+
+// As = 10 log10((10^(Ap/10) - 1) / (16 q^N) + 1) with the nome q. An odd order misses the passband attenuation a little,
+// since the series of its denominator ends early; the less, the higher the order and the selectivity.
+TEST(DesignedFilter, OfTheEllipticTypeHasTheAttenuationsOfTheClosedForm)
+{
+    const auto edge = 0.25f;
+    for (const float ws : {1.5f, 2.0f, 4.0f})
+        for (int order = 2; order <= 12; ++order) {
+            const auto text =
+                textOf(0, 3, order, {edge, -1.0f}) + " Ap=1 As=0.125 fstop=" + number(edge * ws);
+            const auto records = recordsOf(create(text));
+            const double passband = attenuation(records, 0.25);
+            ASSERT_NEAR(passband, 1.0, order % 2 == 0 ? 1e-9 : 2e-3) << text;
+            const double stopFrom = stopFrequency(0, {edge, -1.0f}, static_cast<double>(ws));
+            double least = 1000.0;
+            for (int i = 0; i <= 4000; ++i)
+                least = std::min(least, attenuation(records, stopFrom + (0.9999 - stopFrom) * i / 4000.0));
+            const double q = reference::nomeOf(static_cast<double>(ws));
+            const double closed =
+                10.0 * std::log10((std::pow(10.0, 0.1) - 1.0) / (16.0 * std::pow(q, order)) + 1.0);
+            ASSERT_NEAR(least, closed, order == 2 ? 0.3 : 0.02) << text;
+        }
+}
