@@ -3,6 +3,6 @@
 
 #include <cstdarg>
 
-// The text, for free(), with the point as decimal sign whatever the host's locale; null when it cannot be formatted or
+// The text, for free(), formatted in the C locale, with the point as decimal sign; null when it cannot be formatted or
 // memory is out.
 char *newFormattedText(const char *format, va_list arguments);

@@ -8,23 +8,18 @@
 namespace
 {
 
-// The C numeric locale for the calling thread, as long as it lives.
-class NumericLocaleC
+// The C locale for the calling thread, as long as it lives. All of it, not the numbers alone: the GNU C library has this
+// one at hand, and loses a block for each other one that is made while LOCPATH is set.
+class LocaleC
 {
 public:
-    NumericLocaleC() : before(uselocale(nullptr)), here(nullptr)
+    LocaleC() : here(newlocale(LC_ALL_MASK, "C", static_cast<locale_t>(nullptr))), before(nullptr)
     {
-        const locale_t base = duplocale(before);
-        if (base == nullptr)
-            return;
-        here = newlocale(LC_NUMERIC_MASK, "C", base);
         if (here != nullptr)
-            uselocale(here);
-        else
-            freelocale(base);
+            before = uselocale(here);
     }
 
-    ~NumericLocaleC()
+    ~LocaleC()
     {
         if (here == nullptr)
             return;
@@ -32,8 +27,8 @@ public:
         freelocale(here);
     }
 
-    NumericLocaleC(const NumericLocaleC &) = delete;
-    NumericLocaleC &operator=(const NumericLocaleC &) = delete;
+    LocaleC(const LocaleC &) = delete;
+    LocaleC &operator=(const LocaleC &) = delete;
 
     bool isInForce() const
     {
@@ -41,8 +36,8 @@ public:
     }
 
 private:
-    locale_t before;
     locale_t here;
+    locale_t before;
 };
 
 int formatInto(char *room, size_t size, const char *format, va_list arguments)
@@ -59,7 +54,7 @@ int formatInto(char *room, size_t size, const char *format, va_list arguments)
 char *newFormattedText(const char *format, va_list arguments)
 {
     constexpr size_t usualSize = 1024;
-    const NumericLocaleC locale;
+    const LocaleC locale;
     auto *text = static_cast<char *>(std::malloc(usualSize));
     int length = locale.isInForce() && text != nullptr ? formatInto(text, usualSize, format, arguments) : -1;
     if (length >= 0 && static_cast<size_t>(length) >= usualSize) {

@@ -4,6 +4,7 @@
 #include <malloc.h>
 
 #include "filter/ORVAfilter_reference.h"
+#include "support/comma_locale.h"
 #include "support/interposer.h"
 
 using support::endFailure;
@@ -86,4 +87,17 @@ TEST(FilterHeap, ATextThatRunsOutOfMemoryAnywhereGivesNullAndGivesAllBack)
         }
         EXPECT_GT(n, 5u) << text << ": the text, and what the filter holds";
     }
+}
+
+TEST(FilterHeap, ATextLosesNothingInAHostsOwnLocale)
+{
+    const support::CommaLocale comma;
+    const auto createOften = [] {
+        for (int round = 0; round < 100; ++round)
+            EXPECT_NE(Filter(ORVA_CreateFilter("order=%d fpass=%f", 4, 0.25)), nullptr);
+    };
+    createOften(); // fills malloc's own caches
+    const size_t before = mallinfo2().uordblks;
+    createOften();
+    EXPECT_EQ(mallinfo2().uordblks, before);
 }
