@@ -9,7 +9,11 @@
 #include <orva/ORVAfft.h>
 #include <orva/ORVAfilter.h>
 #include <orva/ORVAsolafs.h>
+#include <orva/ORVAinterpolate.h>
+#include <orva/ORVAmisc.h>
+#include <orva/ORVAspline.h>
 #include <orva/ORVAtypes.h>
+#include <orva/ORVAutil.h>
 #include <orva/ORVAversion.h>
 #include <orva/ORVAwinfnc.h>
 
