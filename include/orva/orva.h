@@ -12,6 +12,8 @@
 #include <orva/ORVAinterpolate.h>
 #include <orva/ORVAmisc.h>
 #include <orva/ORVAspline.h>
+#include <orva/ORVAfmclt.h>
+#include <orva/ORVAnoisesup.h>
 #include <orva/ORVAtypes.h>
 #include <orva/ORVAutil.h>
 #include <orva/ORVAversion.h>

@@ -1,0 +1,154 @@
+#include <orva/ORVAfmclt.h>
+
+#include "fft/ORVAfft_internal.h"
+#include "fmclt/ORVAfmclt_internal.h"
+
+#include <algorithm>
+#include <cmath>
+#include <cstdlib>
+
+static constexpr int32_t longestBlock = 1 << 28;
+
+static fftwf_complex *binsOf(float *buffer)
+{
+    return reinterpret_cast<fftwf_complex *>(buffer);
+}
+
+// Plans on the buffer itself, which FFTW_ESTIMATE leaves as it is. False where one cannot be had.
+static bool makePlans(ORVA_FMCLT &fmclt)
+{
+    const int32_t M = fmclt.blockLength;
+    fmclt.buffer = fftwf_alloc_real(2 * static_cast<size_t>(M) + 2);
+    if (fmclt.buffer == nullptr)
+        return false;
+    float *buffer = fmclt.buffer;
+    fmclt.planDirect = fftwf_plan_dft_r2c_1d(2 * M, buffer, binsOf(buffer), FFTW_ESTIMATE);
+    fmclt.planInverse = fftwf_plan_dft_c2r_1d(2 * M, binsOf(buffer), buffer, FFTW_ESTIMATE);
+    fmclt.planTrig = fftwf_plan_r2r_1d(M, buffer, buffer, FFTW_RODFT11, FFTW_ESTIMATE);
+    return fmclt.planDirect != nullptr && fmclt.planInverse != nullptr && fmclt.planTrig != nullptr;
+}
+
+ORVA_FMCLT *ORVA_FMCLTProcCreate(int32_t blockLength)
+{
+    if (blockLength < 1 || blockLength > longestBlock)
+        return nullptr;
+    auto *fmclt = static_cast<ORVA_FMCLT *>(std::calloc(1, sizeof(ORVA_FMCLT)));
+    if (fmclt == nullptr)
+        return nullptr;
+    fmclt->blockLength = blockLength;
+    MutexLock(__FFTW_PlanLock); // null, and then no lock, before the engine's start
+    const bool made = makePlans(*fmclt);
+    MutexUnlock(__FFTW_PlanLock);
+    if (made)
+        return fmclt;
+    ORVA_FMCLTProcDestroy(fmclt);
+    return nullptr;
+}
+
+int32_t ORVA_FMCLTProcDestroy(ORVA_FMCLT *fmclt)
+{
+    if (fmclt == nullptr)
+        return 0;
+    MutexLock(__FFTW_PlanLock);
+    for (const fftwf_plan plan : {fmclt->planDirect, fmclt->planInverse, fmclt->planTrig})
+        if (plan != nullptr)
+            fftwf_destroy_plan(plan);
+    fftwf_free(fmclt->buffer);
+    MutexUnlock(__FFTW_PlanLock);
+    std::free(fmclt);
+    return 1;
+}
+
+// window[k] = exp(-j theta), theta = 2 pi ((2k + 1) / 8 + k / (4M)), with k and M taken through float.
+void ORVA_FMCLTFreqWindow(float *window, int32_t blockLength)
+{
+    const double md = static_cast<double>(static_cast<float>(blockLength));
+    for (int64_t k = 0; k <= blockLength; ++k) {
+        const double kd = static_cast<double>(static_cast<float>(k));
+        const double theta = ((kd + kd + 1.0) * 0.125 + kd / (md * 4.0)) * 6.283185307179586;
+        window[2 * k] = static_cast<float>(std::cos(theta));
+        window[2 * k + 1] = -static_cast<float>(std::sin(theta));
+    }
+}
+
+void ORVA_FMCLTDirect(ORVA_FMCLT *fmclt, float *real, float *imag, const float *current, float *history,
+                      const float *window)
+{
+    if (fmclt == nullptr)
+        return;
+    const int32_t M = fmclt->blockLength;
+    float *buffer = fmclt->buffer;
+    std::copy_n(current, M, std::copy_n(history, M, buffer));
+    fftwf_execute_dft_r2c(fmclt->planDirect, buffer, binsOf(buffer));
+
+    // V[k] = W[k] U[k] s
+    const float s = static_cast<float>(std::sqrt(1.0 / static_cast<double>(M + M)));
+    for (int64_t k = 0; k <= M; ++k) {
+        const float a = buffer[2 * k] * s;
+        const float b = buffer[2 * k + 1] * s;
+        const float wr = window[2 * k];
+        const float wi = window[2 * k + 1];
+        buffer[2 * k] = a * wr - b * wi;
+        buffer[2 * k + 1] = a * wi + b * wr;
+    }
+    std::copy_n(current, M, history);
+
+    // X[k] = j V[k] + V[k+1]
+    for (int64_t k = 0; k < M; ++k) {
+        real[k] = buffer[2 * k + 2] - buffer[2 * k + 1];
+        imag[k] = buffer[2 * k] + buffer[2 * k + 3];
+    }
+}
+
+// The first and the last bin are real: a sum of coefficients times the root of 1/8, the sum in float.
+static float outerBin(float real, float imag, double factor)
+{
+    const float sum = real + imag;
+    return static_cast<float>(static_cast<double>(sum) * factor);
+}
+
+void ORVA_FMCLTInverse(ORVA_FMCLT *fmclt, const float *real, const float *imag, float *output, float *overlap,
+                       const float *window)
+{
+    if (fmclt == nullptr)
+        return;
+    constexpr double rootOfEighth = 0.3535533905932738;
+    const int32_t M = fmclt->blockLength;
+    float *buffer = fmclt->buffer;
+
+    // Y[k] = conj(W[k]) (X[k-1] - j X[k]) / 4
+    buffer[0] = outerBin(real[0], imag[0], rootOfEighth);
+    buffer[1] = 0.0f;
+    for (int64_t k = 1; k < M; ++k) {
+        const float a = real[k - 1] + imag[k];
+        const float b = imag[k - 1] - real[k];
+        const float wr = window[2 * k];
+        const float wi = window[2 * k + 1];
+        buffer[2 * k] = (wr * a + wi * b) * 0.25f;
+        buffer[2 * k + 1] = (b * wr - a * wi) * 0.25f;
+    }
+    buffer[2 * static_cast<int64_t>(M)] = outerBin(real[M - 1], imag[M - 1], -rootOfEighth);
+    buffer[2 * static_cast<int64_t>(M) + 1] = 0.0f;
+
+    // The root of 2M before the transform and 2M after it: two steps with roundings of their own, not one factor.
+    const double d = static_cast<double>(M) + static_cast<double>(M);
+    const float g = static_cast<float>(std::sqrt(d));
+    for (int64_t i = 0; i < 2 * static_cast<int64_t>(M) + 2; ++i)
+        buffer[i] = buffer[i] * g;
+    fftwf_execute_dft_c2r(fmclt->planInverse, binsOf(buffer), buffer);
+    for (int32_t i = 0; i < M; ++i) {
+        output[i] = static_cast<float>(static_cast<double>(buffer[i]) / d + static_cast<double>(overlap[i]));
+        overlap[i] = static_cast<float>(static_cast<double>(buffer[M + i]) / d);
+    }
+}
+
+void ORVA_FMCLTCDTiv(ORVA_FMCLT *fmclt, float *data)
+{
+    if (fmclt == nullptr)
+        return;
+    const int32_t M = fmclt->blockLength;
+    const float s = static_cast<float>(std::sqrt(static_cast<double>(2 * M)));
+    fftwf_execute_r2r(fmclt->planTrig, data, data);
+    for (int32_t i = 0; i < M; ++i)
+        data[i] = data[i] / s;
+}
