@@ -18,5 +18,6 @@
 #include <orva/ORVAutil.h>
 #include <orva/ORVAversion.h>
 #include <orva/ORVAwinfnc.h>
+#include <orva/ORVAxcorr.h>
 
 #endif

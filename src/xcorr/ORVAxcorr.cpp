@@ -1,0 +1,133 @@
+#include <orva/ORVAxcorr.h>
+
+#include "xcorr/ORVAxcorr_internal.h"
+
+#include <kett/KTdebug.h>
+
+#include <algorithm>
+#include <cmath>
+#include <limits>
+#include <span>
+
+template <class Element> static Element *newAligned(KT_MEM *memory, int32_t count)
+{
+    return static_cast<Element *>(
+        KTMEM_NewAligned(memory, 16, static_cast<uint64_t>(count) * sizeof(Element)));
+}
+
+ORVA_XCORR *ORVA_XcorrProcCreate(int32_t lengthX, int32_t lengthY)
+{
+    const int32_t longer = std::max(lengthX, lengthY);
+    if (lengthX < 0 || lengthY < 0 || longer > std::numeric_limits<int32_t>::max() / 2)
+        return nullptr;
+    KT_MEM *memory = KTMEM_CreateMemDescrEx("XCorr Memory", 0, 0);
+    auto *xcorr = static_cast<ORVA_XCORR *>(KTMEM_NewEx(memory, sizeof(ORVA_XCORR), 0));
+    if (xcorr == nullptr) {
+        KTMEM_DisposeMemDescr(memory);
+        return nullptr;
+    }
+    xcorr->memory = memory;
+    xcorr->fftLength = 2 * longer;
+    xcorr->bins = longer + 1;
+    xcorr->lengthX = lengthX;
+    xcorr->lengthY = lengthY;
+    xcorr->bufferX = newAligned<float>(memory, xcorr->fftLength);
+    xcorr->bufferY = newAligned<float>(memory, xcorr->fftLength);
+    xcorr->spectrumX = newAligned<ORVA_COMPLEX>(memory, xcorr->bins);
+    xcorr->spectrumY = newAligned<ORVA_COMPLEX>(memory, xcorr->bins);
+    xcorr->fft = ORVA_FFTProcCreate(xcorr->fftLength);
+    xcorr->ifft = ORVA_IFFTProcCreate(xcorr->fftLength);
+    if (xcorr->spectrumX == nullptr || xcorr->spectrumY == nullptr)
+        KTDEBUG_Error(-1, "ORVAXcorrProcCreate: Erro na alocacao dos vetores!\n");
+    return xcorr;
+}
+
+int32_t ORVA_XcorrVectorLength(const ORVA_XCORR *xcorr)
+{
+    return xcorr != nullptr ? xcorr->fftLength - 1 : -1;
+}
+
+// X conj(Y) s, all in float. The inverse transform is not normalised, so its factor cancels against the one
+// in s, and the result is the sum of products divided by the longer length.
+static void combinePlain(ORVA_XCORR &xcorr)
+{
+    const auto longer = static_cast<float>(std::max(xcorr.lengthX, xcorr.lengthY));
+    const auto transform = static_cast<float>(xcorr.fftLength);
+    const float s = 1.0f / (longer * transform);
+    for (int32_t k = 0; k < xcorr.bins; ++k) {
+        const ORVA_COMPLEX X = xcorr.spectrumX[k];
+        const ORVA_COMPLEX Y = xcorr.spectrumY[k];
+        xcorr.spectrumX[k].re = (X.im * Y.im + X.re * Y.re) * s;
+        xcorr.spectrumX[k].im = (X.im * Y.re - X.re * Y.im) * s;
+    }
+}
+
+// X conj(Y) brought to the magnitude g, the weight in double.
+static void combinePhat(ORVA_XCORR &xcorr)
+{
+    const float g = 1.0f / static_cast<float>(xcorr.fftLength);
+    for (int32_t k = 0; k < xcorr.bins; ++k) {
+        const ORVA_COMPLEX X = xcorr.spectrumX[k];
+        const ORVA_COMPLEX Y = xcorr.spectrumY[k];
+        float re = X.re * Y.re + X.im * Y.im;
+        float im = X.im * Y.re - X.re * Y.im;
+        const float p = re * re + im * im;
+        const double m = std::sqrt(static_cast<double>(p));
+        if (m > 0.0) {
+            const double w = static_cast<double>(g) / m;
+            re = static_cast<float>(static_cast<double>(re) * w);
+            im = static_cast<float>(static_cast<double>(im) * w);
+        }
+        xcorr.spectrumX[k] = {re, im};
+    }
+}
+
+static bool canExecute(const ORVA_XCORR *xcorr)
+{
+    return xcorr != nullptr && xcorr->fftLength > 0 && xcorr->bufferX != nullptr &&
+           xcorr->bufferY != nullptr && xcorr->spectrumX != nullptr && xcorr->spectrumY != nullptr &&
+           xcorr->fft != nullptr && xcorr->ifft != nullptr;
+}
+
+// What both forms share; they differ in how they combine the spectra.
+static int32_t correlate(ORVA_XCORR *xcorr, const float *x, const float *y, float *output,
+                         void (*combine)(ORVA_XCORR &))
+{
+    if (!canExecute(xcorr))
+        return -1;
+    const int32_t longer = xcorr->fftLength / 2;
+    std::fill_n(xcorr->bufferX, xcorr->fftLength, 0.0f);
+    std::fill_n(xcorr->bufferY, xcorr->fftLength, 0.0f);
+    std::fill_n(xcorr->spectrumX, xcorr->bins, ORVA_COMPLEX{});
+    std::fill_n(xcorr->spectrumY, xcorr->bins, ORVA_COMPLEX{});
+    std::copy_n(x, xcorr->lengthX, xcorr->bufferX);
+    std::copy_n(y, xcorr->lengthY, xcorr->bufferY);
+    ORVA_FFTProcExecute(xcorr->fft, xcorr->bufferX, xcorr->spectrumX);
+    ORVA_FFTProcExecute(xcorr->fft, xcorr->bufferY, xcorr->spectrumY);
+    combine(*xcorr);
+    ORVA_IFFTProcExecuteEx(xcorr->ifft, xcorr->spectrumX, xcorr->bufferX, false);
+    // The circular result holds lags 0 .. L-1, the empty lag of the zero padding, and lags -(L-1) .. -1.
+    float *zeroLag = std::copy_n(xcorr->bufferX + longer + 1, longer - 1, output);
+    std::copy_n(xcorr->bufferX, longer, zeroLag);
+    return xcorr->fftLength - 1;
+}
+
+int32_t ORVA_XcorrProcExecute(ORVA_XCORR *xcorr, const float *x, const float *y, float *output)
+{
+    return correlate(xcorr, x, y, output, combinePlain);
+}
+
+int32_t ORVA_XcorrPhatProcess(ORVA_XCORR *xcorr, const float *x, const float *y, float *output)
+{
+    return correlate(xcorr, x, y, output, combinePhat);
+}
+
+bool ORVA_XcorrProcDestroy(ORVA_XCORR *xcorr)
+{
+    if (xcorr == nullptr)
+        return true;
+    ORVA_FFTProcDestroy(xcorr->fft);
+    ORVA_FFTProcDestroy(xcorr->ifft);
+    KTMEM_DisposeMemDescr(xcorr->memory);
+    return true;
+}
