@@ -8,12 +8,12 @@
 #include <orva/ORVAcore.h>
 #include <orva/ORVAfft.h>
 #include <orva/ORVAfilter.h>
-#include <orva/ORVAsolafs.h>
+#include <orva/ORVAfmclt.h>
 #include <orva/ORVAinterpolate.h>
 #include <orva/ORVAmisc.h>
-#include <orva/ORVAspline.h>
-#include <orva/ORVAfmclt.h>
 #include <orva/ORVAnoisesup.h>
+#include <orva/ORVAsolafs.h>
+#include <orva/ORVAspline.h>
 #include <orva/ORVAtypes.h>
 #include <orva/ORVAutil.h>
 #include <orva/ORVAversion.h>
