@@ -80,7 +80,7 @@ ORVA_API int32_t ORVA_XcorrProcExecute(ORVA_XCORR *xcorr, const float *x, const 
  *  @param output  out: 2L - 1 floats, as for ORVA_XcorrProcExecute().
  *  @return        as for ORVA_XcorrProcExecute().
  *
- *  Threads and real time: as ORVA_XcorrProcExecute().
+ *  Threads: one at a time for a processor.   Real time: yes (as ORVA_XcorrProcExecute()).
  *  Source: C. H. Knapp, G. C. Carter, "The generalized correlation method for estimation of time delay", IEEE
  * Trans. ASSP 24 (1976).
  */

@@ -28,6 +28,9 @@ const std::array<double, 3> denominator = {1.0, -0.5, 0.25}, numerator = {0.1, 0
 
 ORVA_FFT *const forward = ORVA_FFTProcCreate(length);
 ORVA_FFT *const inverse = ORVA_IFFTProcCreate(length);
+ORVA_XCORR *const xcorr = ORVA_XcorrProcCreate(length, length);
+ORVA_NOISESUP *const suppressor = ORVA_CreateNoiseSupEx(16000, 2);
+ORVA_NOISESUP *const splitSuppressor = ORVA_CreateNoiseSupEx(32000, 2);
 ORVA_SOLAFS *const scaler = ORVA_SolafsCreate(20, 8000, 1);
 
 // A filter of each structure, and one to copy from.
@@ -72,6 +75,28 @@ const Row table[] = {
     {"ORVA_SolafsInputData", [] { ORVA_SolafsInputData(scaler, 0, input.data(), length, 1.0f); ORVA_SolafsInputData(scaler, 0, input.data(), length, 0.6f); }},
     {"ORVA_SolafsOutputData", [] { ORVA_SolafsOutputData(scaler, 0, output.data(), 2 * length); }},
     {"ORVA_SolafsTranslateCursorPosition", [] { ORVA_SolafsTranslateCursorPosition(scaler, length); }},
+
+    {"ORVA_XcorrVectorLength", [] { ORVA_XcorrVectorLength(xcorr); }},
+    {"ORVA_XcorrProcExecute", [] { ORVA_XcorrProcExecute(xcorr, input.data(), window.data(), output.data()); }},
+    {"ORVA_XcorrPhatProcess", [] { ORVA_XcorrPhatProcess(xcorr, input.data(), window.data(), output.data()); }},
+
+    {"ORVASPLINE_Interpolate", [] { ORVASPLINE_Interpolate(input.data(), window.data(), output.data(), length, 0.5f); }},
+    {"ORVAINTERPOLATE_Linear", [] { ORVAINTERPOLATE_Linear(input.data(), window.data(), length, 0.5f); }},
+
+    {"ORVA_FMCLTFreqWindow", [] { ORVA_FMCLTFreqWindow(output.data(), length / 2); }},
+
+    {"ORVA_NoiseSupBufferSize", [] { ORVA_NoiseSupBufferSize(suppressor); }},
+    {"ORVA_SetNoiseSupIntensity", [] { ORVA_SetNoiseSupIntensity(suppressor, 3); ORVA_SetNoiseSupIntensity(suppressor, 4); }},
+    {"ORVA_DoNoiseSup", [] { for (auto *ns : {suppressor, splitSuppressor}) ORVA_DoNoiseSup(ns, input.data(), output.data()); }},
+    {"ORVA_DoNoiseSup16", [] { for (auto *ns : {suppressor, splitSuppressor}) ORVA_DoNoiseSup16(ns, words.data(), words.data()); }},
+
+    {"ORVA_CalcEnergy", [] { ORVA_CalcEnergy(input.data(), length); }},
+    {"ORVA_CalcZeroCrossRate", [] { ORVA_CalcZeroCrossRate(input.data(), length); }},
+    {"ORVA_RemoveDC", [] { ORVA_RemoveDC(input.data(), output.data(), length); }},
+    {"ORVAUTIL_Freq2Mels", [] { ORVAUTIL_Freq2Mels(1000.0); }},
+    {"ORVAUTIL_Mels2Freq", [] { ORVAUTIL_Mels2Freq(1000.0); }},
+    {"ORVAUTIL_Freq2Bark", [] { ORVAUTIL_Freq2Bark(1000.0); }},
+    {"ORVAUTIL_Bark2Freq", [] { ORVAUTIL_Bark2Freq(10.5); }},
 
     // libkett
     {"KTCORE_Initialize", [] { KTCORE_Initialize(); }},
