@@ -13,7 +13,8 @@
  *
  *  What comes out:
  *   - 8000 and 16000 Hz: the suppressor's output. Frames go to its processing step only, never to its analysis step, on
- *     which its noise estimate rests. How little it therefore takes away is measured in docs/noisesup.md.
+ *     which its noise estimate rests, so it takes next to nothing away: the level of ten seconds of white noise at -26 dB,
+ *     and of a recorded voice, changed by 0.01 dB at most, at either rate and every degree.
  *   - 32000 Hz: silence. The cleaned bands are written to the block that the split used, while the merge reads another that
  *     nothing is ever written to. Convert the stream to 16000 Hz instead.
  */
