@@ -8,7 +8,7 @@
 //     wisdom := "(fftw-" version " fftwf_wisdom" sum line-feed { entry } ")"
 //     entry  := "  (" solver " " number " " flags " " flags " " time sum ")" line-feed
 //     sum    := 4 times (" #x" and 8 hexadecimal digits)
-//     flags  := "#x" hexadecimal number of 20 bits    (the first flags of an entry are a subset of the second)
+//     flags  := "#x" hexadecimal number of 20 bits    (of an entry, the first are a subset of the second)
 //     time   := "#x" hexadecimal number of 9 bits     (0, but for the solver "TIMEOUT" of number 0)
 //
 // What follows the closing parenthesis is not looked at; nor does FFTW read it.
