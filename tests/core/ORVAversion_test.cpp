@@ -1,5 +1,6 @@
 #include <array>
 #include <atomic>
+#include <chrono>
 #include <gtest/gtest.h>
 #include <orva/ORVAversion.h>
 #include <regex>
@@ -55,7 +56,8 @@ TEST(VersionString, IsNeverSeenEmptyOrTornWhileAnotherThreadAsksForIt)
             ORVAVERSION_String();
     });
     int wrong = 0;
-    for (int i = 0; i < 2000; ++i) {
+    for (const auto end = std::chrono::steady_clock::now() + std::chrono::milliseconds(100);
+         std::chrono::steady_clock::now() < end;) {
         for (size_t k = 0; k <= expected.size(); ++k)
             wrong += std::atomic_ref(const_cast<char &>(text[k])).load(std::memory_order_relaxed) !=
                      expected.c_str()[k];
