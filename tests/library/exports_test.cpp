@@ -1,13 +1,12 @@
 // What the two libraries show to the outside: the names of their lists and nothing else.
+#include "names.h"
 #include "support/command.h"
 
-#include <algorithm>
 #include <filesystem>
 #include <fstream>
 #include <gtest/gtest.h>
 #include <iterator>
 #include <regex>
-#include <set>
 #include <sstream>
 #include <string>
 
@@ -29,8 +28,6 @@ const Library libraries[] = {
     {LIBKETT, "libkett.so.1", "KETT_1.0", SOURCE_DIR "/kett/exports.txt", SOURCE_DIR "/kett/include/kett",
      "KT_API"},
 };
-
-using Names = std::set<std::string>;
 
 Names listed(const Library &library)
 {
@@ -72,14 +69,6 @@ Names declared(const Library &library)
             names.insert((*i)[1]);
     }
     return names;
-}
-
-Names missing(const Names &from, const Names &wanted)
-{
-    Names result;
-    std::set_difference(wanted.begin(), wanted.end(), from.begin(), from.end(),
-                        std::inserter(result, result.end()));
-    return result;
 }
 
 } // namespace

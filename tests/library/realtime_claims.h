@@ -24,10 +24,11 @@ inline std::string flat(const std::string &comment)
 
 enum class Claim { none, no, yes };
 
-// "Real time: yes (...)", "... real time: no ...": what does not begin with no is yes, with or without a condition.
+// "Real time: yes (...)", "... real time: no ...": what does not begin with no or
+// not (promised) is yes, with or without a condition.
 inline Claim claimIn(const std::string &comment)
 {
-    static const std::regex claim(R"([Rr]eal time: (no\b)?)");
+    static const std::regex claim(R"([Rr]eal time: (not?\b)?)");
     std::smatch match;
     const std::string text = flat(comment);
     if (!std::regex_search(text, match, claim))
