@@ -195,12 +195,71 @@ ORVA_API _ORVA_FILTER *ORVA_CreateFilterFromCoefs(uint32_t numChannels, int32_t 
 ORVA_API _ORVA_FILTER *ORVA_CreateFilterFromBiquads(int32_t numChannels, uint32_t numBiquads,
                                                     const double *coefs);
 
-/** Makes a filter from one line of text.
+/** Makes a filter from one line of text, as in
  *
- *  @param format  printf-style text, followed by what it asks for; null is refused without a message.
- *  @return        the filter, to be destroyed with ORVA_DestroyFilter(), or null.
+ *      ORVA_CreateFilter("type=bandpass; order=4; fpass1=300; fpass2=3400; fs=%d; nc=2", 8000)
+ *      ORVA_CreateFilter("approximation=ellip; fpass=0.25; fstop=0.3; Ap=1; As=60")
+ *      ORVA_CreateFilter("biquads=[-0.94 0.33 0.1 0.2 0.1; -1.1 0.4 0.2 0.4 0.2]")
+ *
+ *  The language is that of kett/KTstring.h. Keys and words are case-sensitive; other keys are ignored.
+ *
+ *      key             default      meaning
+ *      biquads                      records, one row a section, five columns a1, a2, b0, b1, b2
+ *      numerator                    b(0), b(1), ...; counts only beside a denominator
+ *      denominator                  a(0), a(1), ...
+ *      nc              1            channels, cut to an integer
+ *      num_channels    nc           channels, cut to an integer; goes before nc
+ *
+ *      type            lowpass      lowpass lp | highpass hp | bandpass bp | bandreject br bandstop bs
+ *      approximation   butterworth  butterworth butter bt | chebyshev chebyshev1 cheby cheby1 cb |
+ *                                   invchebyshev chebyshev2 invcheby cheby2 ci | ellilptic ellip cauer ca
+ *      order                        the least order, of the low-pass prototype: a band type has twice as many poles
+ *      Ap              3            attenuation at the passband edges, in dB, above 0
+ *      As                           attenuation of the stopband, in dB, above 0
+ *      fpass                        default of fpass1
+ *      fpass1          fpass        cut-off, or lower edge of a band
+ *      fpass2                       upper edge of a band
+ *      fstop                        default of fstop1
+ *      fstop1          fstop        edge of the stopband, or the lower one
+ *      fstop2                       the upper edge of the stopband of a band type
+ *      fs                           sampling rate in Hz, cut to an integer. With it, edges are in Hz; without it, 1.0 is
+ *                                   half the sampling rate
+ *      gain            1            linear factor on a designed filter; no effect on given numbers
+ *
+ *  Precedence: biquads of five columns, else numerator with denominator, else a design. The long form of the last
+ *  approximation is written with its three l; "elliptic" is no word.
+ *
+ *  The order of a design is the larger of `order` and of what Ap, As and the ratio of stopband to passband edge call for. The
+ *  ratio is taken of the frequencies as they are given, without prewarping: the passband edges get Ap, the stopband edge is
+ *  only as exact as that. Stop edges lie outside the passband: above fpass of a low-pass, below that of a high-pass, around a
+ *  band-pass, inside a band-reject; of two, the one nearer to its passband edge counts. Butterworth and Chebyshev want `order`,
+ *  or As with a stop edge; inverse Chebyshev wants one of As and a stop edge beside `order`, or both; elliptic wants both, and
+ *  takes its stopband attenuation from the order and the edges.
+ *
+ *  An edge at or above half the sampling rate, with fs given, is not refused: a cut-off f between 1 and 2, as a part of half the
+ *  rate, gives the filter of 2 - f, and exactly 1 a degenerate one. A negative gain gives not-a-number where there are two
+ *  sections or more.
+ *
+ *  @param format  printf-style text, followed by what it asks for; formatted in the C locale. Null is refused in silence.
+ *  @return        the filter, its memories zero, to be destroyed with ORVA_DestroyFilter(); its kind is that of `type`. Null, with
+ *                 the first of these messages that applies:
+ *                  - "ORVA_CreateFilter: If you want to specify frequencies in Hz, you must specify a sampling frequency.":
+ *                    fpass1 or fpass2 of 1.0 or more, and no fs above 0;
+ *                  - "ORVA_CreateFilter: you must specify As or order": neither is above 0;
+ *                  - "ORVA_CreateFilter: Invalid filter type: %s\n";
+ *                  - "ORVA_CreateFilter: You must specify a cutoff frequency (fpass)", or, for a band type,
+ *                    "ORVA_CreateFilter: You must specify two cutoff frequences (fpass1 and fpass2)";
+ *                  - "ORVA_CreateFilter: Invalid approximation (%s)";
+ *                  - "ORVA_CreateFilter: Type II Chebyshev filters require fstop or As";
+ *                  - "_MakeFilterFromRoots: Unpaired imaginary root", and the like for real poles and real zeros: roots that do
+ *                    not pair, as of an edge that is infinite;
+ *                  - that of ORVA_CreateFilterFromBiquads() for more than 65536 rows.
+ *                 Null without a message for edges of 0 or out of order, an Ap of 0 or less, an order that neither key gives or
+ *                 that is above 1048576, and what the constructors above refuse in silence.
  *
  *  Threads: any, at any time.   Real time: no (allocates).
+ *  Source: A. Antoniou, "Digital Filters: Analysis, Design, and Applications"; A. G. Constantinides, "Spectral transformations for
+ *  digital filters", Proc. IEE 117 (1970).
  */
 ORVA_API _ORVA_FILTER *ORVA_CreateFilter(const char *format, ...);
 
