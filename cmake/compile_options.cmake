@@ -10,6 +10,7 @@ set(CMAKE_C_STANDARD_REQUIRED ON)
 set(CMAKE_C_EXTENSIONS OFF)
 
 set(ORVA_SANITIZE "" CACHE STRING "Sanitizers to build with, separated by commas: address,undefined or thread")
+option(ORVA_COVERAGE "Count which lines of the two libraries run" OFF)
 
 add_library(orva_compile_options INTERFACE)
 target_compile_options(orva_compile_options INTERFACE
@@ -32,4 +33,9 @@ target_link_options(orva_library_options INTERFACE
     -Wl,-z,now)                                           # no symbol is looked up later, under the loader's lock, on a thread of ours
 if(NOT ORVA_SANITIZE)
     target_link_options(orva_library_options INTERFACE -Wl,-z,defs)    # the sanitizers' own names come with the program
+endif()
+if(ORVA_COVERAGE)
+    target_compile_options(orva_library_options INTERFACE
+        --coverage -fprofile-update=atomic -fprofile-abs-path)    # threads of a test count together
+    target_link_options(orva_compile_options INTERFACE --coverage)    # tests link objects of the libraries, too
 endif()

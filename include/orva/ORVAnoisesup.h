@@ -33,7 +33,8 @@ typedef struct ORVA_NOISESUP ORVA_NOISESUP;
  *  @param policy      degree of suppression, 0 (mild) to 3 (very strong). Any other gives null without a message, and the
  *                     WebRTC instance made for it, some ten kilobytes, is not freed: do not probe for degrees this way.
  *  @return            the suppressor, owned by the caller until ORVA_DestroyNoiseSup(); null as told above, and without a
- *                     message when memory is out.
+ *                     message when memory is out. The WebRTC library does not survive it if there is none for its
+ *                     own instance, those ten kilobytes.
  *
  *  Threads: any.   Real time: no (allocates).
  */

@@ -72,6 +72,18 @@ TEST(SettingsOrder, IsStoredValueThenSetDefaultThenLiteral)
     EXPECT_EQ(integer("key=[3]"), 4) << "defaults stay";
 }
 
+TEST(SettingsOrder, OneValueTakenAwayLeavesTheOthers)
+{
+    for (const char *gone : {"a", "b", "c"}) {
+        for (const char *pair : {"a=1", "b=2", "c=3"})
+            EXPECT_TRUE(KTSETTINGS_SetEx(nullptr, "%s", pair));
+        EXPECT_TRUE(KTSETTINGS_UnsetEx(nullptr, gone));
+        EXPECT_EQ(integer("a=[9]"), *gone == 'a' ? 9 : 1) << gone;
+        EXPECT_EQ(integer("b=[9]"), *gone == 'b' ? 9 : 2) << gone;
+        EXPECT_EQ(integer("c=[9]"), *gone == 'c' ? 9 : 3) << gone;
+    }
+}
+
 TEST(SettingsOrder, WhatDoesNotParseCountsAsAbsent)
 {
     KTSETTINGS_SetEx(nullptr, "both=%s", "no number");

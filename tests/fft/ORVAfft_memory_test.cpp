@@ -50,6 +50,27 @@ TEST(EngineMemory, AStoreThatCannotBeReadCountsAsLoaded)
         });
 }
 
+TEST(EngineMemory, ASaveLeavesTheOldStoreOrTheNewOne)
+{
+    // FFTW ends the process when it gets none for its printers, the first and the third.
+    constexpr uint64_t exportedText = 2, oldStore = 4, oldText = 5, newStore = 6;
+    for (const uint64_t n : {exportedText, oldStore, oldText, newStore})
+        inOwnProcess([n] {
+            const Store store;
+            const std::string before = store::wisdomOf({16});
+            support::writeFile(store.path, before);
+            store.announce();
+            ORVA_InitializeFFT();
+            store::plan(48);
+            const std::string after = store::wisdom();
+            support::failAllocation(n);
+            EXPECT_TRUE(ORVA_FinalizeFFT());
+            EXPECT_TRUE(support::endFailure());
+            EXPECT_EQ(support::readFile(store.path), n == oldStore || n == oldText ? after : before);
+            EXPECT_TRUE(store.isTidy());
+        });
+}
+
 TEST(EngineMemory, AStartNeverFails)
 {
     bool happened = true;
