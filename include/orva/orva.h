@@ -12,6 +12,7 @@
 #include <orva/ORVAinterpolate.h>
 #include <orva/ORVAmisc.h>
 #include <orva/ORVAnoisesup.h>
+#include <orva/ORVAresample.h>
 #include <orva/ORVAsolafs.h>
 #include <orva/ORVAspline.h>
 #include <orva/ORVAtypes.h>

@@ -34,6 +34,18 @@ ORVA_NOISESUP *const suppressor = ORVA_CreateNoiseSupEx(16000, 2);
 ORVA_NOISESUP *const splitSuppressor = ORVA_CreateNoiseSupEx(32000, 2);
 ORVA_SOLAFS *const scaler = ORVA_SolafsCreate(20, 8000, 1);
 
+// A converter that has had a block as long as it will get.
+ORVA_RESAMPLER *warmedUp(const char *resamplerConfig)
+{
+    ORVA_RESAMPLER *resampler = ORVA_ResampleInit(44100, 48000, resamplerConfig);
+    ORVA_Resample(resampler, input.data(), output.data(), length);
+    return resampler;
+}
+
+ORVA_RESAMPLER *const polyphase = warmedUp("order=30");
+ORVA_RESAMPLER *const toFlush = warmedUp("order=30");
+ORVA_RESAMPLER *const hold = warmedUp("type=zoh");
+
 // A filter of each structure, and one to copy from.
 const std::array<double, 10> records = {-0.9, 0.3, 0.1, 0.2, 0.1, -1.1, 0.4, 0.2, 0.4, 0.2};
 _ORVA_FILTER *const directForm = ORVA_CreateFilterFromCoefs(2, 3, numerator.data(), 3, denominator.data());
@@ -72,6 +84,10 @@ const Row table[] = {
     {"ORVA_ResetFilter", [] { ORVA_ResetFilter(likeDirect); ORVA_ResetFilter(likeBiquads); }},
     {"ORVA_CopyFilterMemories", [] { ORVA_CopyFilterMemories(directForm, likeDirect); ORVA_CopyFilterMemories(biquads, likeBiquads); }},
     {"ORVA_UpdateFilterBiquads", [] { ORVA_UpdateFilterBiquads(biquads, 2, records.data()); }},
+
+    {"ORVA_Resample", [] { for (auto *resampler : {polyphase, hold}) ORVA_Resample(resampler, input.data(), output.data(), length); }},
+    {"ORVA_ResampleFlushBufferSize", [] { for (auto *resampler : {polyphase, hold}) ORVA_ResampleFlushBufferSize(resampler); }},
+    {"ORVA_ResampleFlushBuffersEx", [] { for (auto *resampler : {toFlush, hold}) ORVA_ResampleFlushBuffersEx(resampler, output.data(), 0); }},
 
     {"ORVA_SolafsInputData", [] { ORVA_SolafsInputData(scaler, 0, input.data(), length, 1.0f); ORVA_SolafsInputData(scaler, 0, input.data(), length, 0.6f); }},
     {"ORVA_SolafsOutputData", [] { ORVA_SolafsOutputData(scaler, 0, output.data(), 2 * length); }},

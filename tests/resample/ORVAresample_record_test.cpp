@@ -1,0 +1,162 @@
+// The polyphase record: what construction puts there, and what blocks and flushes make of it.
+#include "ORVAresample_reference.h"
+#include "resample/ORVAresample_internal.h"
+#include "support/bits.h"
+#include "support/random.h"
+
+namespace
+{
+
+using support::sameBits;
+
+const PolyphaseResampler &recordOf(const Resampler &resampler)
+{
+    return *static_cast<const PolyphaseResampler *>(resampler->impl);
+}
+
+} // namespace
+
+TEST(PolyphaseRecord, HoldsTheWorkedNumbers)
+{
+    const struct {
+        Rates rates;
+        int32_t order, up, down, taps, delay;
+    } cases[] = {
+        {{44100, 48000}, 30, 160, 147, 61, 33}, // N = 9600, 9600 / 294 = 32.65
+        {{48000, 44100}, 30, 147, 160, 66, 30},
+        {{48000, 16000}, 30, 1, 3, 181, 30},
+        {{16000, 48000}, 30, 3, 1, 61, 90},
+        {{8000, 8000}, 30, 1, 1, 61, 30},
+        {{2, 3}, 1, 3, 2, 3, 2}, // 6 / 4: a half goes away from zero
+        {{2, 5}, 1, 5, 2, 3, 3},
+        {{10, 15}, 3, 3, 2, 7, 5}, // 18 / 4
+    };
+    for (const auto &c : cases)
+        for (const bool compensates : {true, false}) {
+            const auto resampler = newResampler(c.rates, "order=" + std::to_string(c.order) +
+                                                             (compensates ? "" : " delaycompensation=0"));
+            EXPECT_EQ(resampler->mode, 0);
+            const PolyphaseResampler &record = recordOf(resampler);
+            EXPECT_EQ(record.upFactor, c.up) << c.rates;
+            EXPECT_EQ(record.downFactor, c.down) << c.rates;
+            EXPECT_EQ(record.tapsPerPhase, c.taps) << c.rates;
+            EXPECT_EQ(record.delay, c.delay) << c.rates;
+            EXPECT_EQ(record.delayToSkip, compensates ? c.delay : 0) << c.rates;
+            EXPECT_EQ(record.phase, 0);
+            EXPECT_EQ(record.ringPosition, 0);
+            EXPECT_EQ(record.work, nullptr);
+            EXPECT_EQ(record.workCapacity, 0);
+            for (int32_t j = 0; j < record.tapsPerPhase; ++j)
+                EXPECT_EQ(support::bitsOf(record.ring[j]), 0u);
+        }
+}
+
+TEST(PolyphaseRecord, PhasesAreThePrototypeSorted)
+{
+    for (const Rates rates : {Rates{44100, 48000},
+                              {48000, 44100},
+                              {48000, 16000},
+                              {16000, 48000},
+                              {1, 1},
+                              {3, 2},
+                              {2, 3},
+                              {11025, 96000},
+                              {7, 11}})
+        for (const int32_t order : {1, 2, 7, 30, 64}) {
+            const auto resampler = newResampler(rates, "order=" + std::to_string(order));
+            const PolyphaseResampler &record = recordOf(resampler);
+            const PlainPolyphase plain(rates, order, true);
+            ASSERT_EQ(record.tapsPerPhase, plain.taps);
+            for (int32_t p = 0; p < plain.L; ++p)
+                for (int32_t j = 0; j < plain.taps; ++j)
+                    ASSERT_TRUE(sameBits(record.phases[p][j], plain.coefficient(p, j)))
+                        << rates << ", order " << order << ", phase " << p << ", tap " << j;
+        }
+}
+
+// The centre tap follows a rule of its own, with a quotient in single precision.
+TEST(PolyphaseRecord, CentreTapIsTheQuotientOfFloats)
+{
+    const struct {
+        Rates rates;
+        double expected;
+    } cases[] = {
+        {{8000, 8000}, 0.95},
+        {{16000, 48000}, 0.95},
+        {{48000, 16000}, static_cast<double>(1.0f / 3.0f) * 0.95},
+        {{48000, 44100}, static_cast<double>(147.0f / 160.0f) * 0.95},
+    };
+    for (const auto &c : cases) {
+        const auto resampler = newResampler(c.rates, "order=5");
+        const PolyphaseResampler &record = recordOf(resampler);
+        const int32_t centre = 5 * std::max(record.upFactor, record.downFactor); // N / 2
+        EXPECT_TRUE(sameBits(record.phases[centre % record.upFactor][centre / record.upFactor], c.expected))
+            << c.rates;
+    }
+    EXPECT_NE(static_cast<double>(1.0f / 3.0f), 1.0 / 3.0);
+}
+
+// The reason that coefficients are compared with those of a definition: with a period of N, the usual Blackman
+// window, they would be others.
+TEST(PolyphaseRecord, WindowHasAPeriodOfNPlusOne)
+{
+    constexpr double pi = 3.141592653589793;
+    constexpr int32_t order = 10, N = 20;
+    const auto resampler = newResampler({1, 1}, "order=10");
+    const auto tap = [&](int32_t i, int32_t period) {
+        const double window =
+            0.42 - 0.5 * std::cos(2 * pi * i / period) + 0.08 * std::cos(4 * pi * i / period);
+        return std::sin(0.95 * pi * (i - order)) / (pi * (i - order)) * window;
+    };
+    for (int32_t i = 0; i < order; ++i) {
+        const double h = recordOf(resampler).phases[0][i];
+        EXPECT_NEAR(h, tap(i, N + 1), 1e-15) << i;
+        EXPECT_EQ(h, recordOf(resampler).phases[0][N - i]) << i;
+        if (i > 0) { // where both windows are 0
+            EXPECT_GT(std::abs(h - tap(i, N)), 1e-6) << i;
+        }
+    }
+}
+
+TEST(PolyphaseRecord, RingHoldsTheNewestSamplesWhateverTheBlocks)
+{
+    support::Random random;
+    for (const Rates rates : {Rates{44100, 48000}, {48000, 16000}, {1, 1}, {3, 2}})
+        for (const bool compensates : {true, false}) {
+            const auto resampler =
+                newResampler(rates, compensates ? "order=3" : "order=3 delaycompensation=0");
+            const PolyphaseResampler &record = recordOf(resampler);
+            PlainPolyphase plain(rates, 3, compensates);
+            const int32_t taps = plain.taps;
+            int32_t pushed = 0, longest = 0;
+            for (const int32_t count : {1, 2, taps - 1, taps, taps + 1, 0, 5 * taps + 3, 1, 7}) {
+                const auto input = random.noise(static_cast<size_t>(count));
+                const auto room = static_cast<size_t>(lengthAfter(count, rates)) + 1;
+                EXPECT_TRUE(sameBits(convert(resampler.get(), input, room), plain.run(input)));
+                pushed += count;
+                longest = std::max(longest, count);
+                EXPECT_EQ(record.ringPosition, (taps - pushed % taps) % taps);
+                EXPECT_EQ(record.phase, plain.phase);
+                EXPECT_EQ(record.delayToSkip, plain.toSkip);
+                EXPECT_EQ(record.workCapacity, longest); // it only grows
+                for (int32_t j = 0; j < taps; ++j)
+                    EXPECT_EQ(record.ring[(record.ringPosition + j) % taps], plain.sample(j)) << j;
+            }
+        }
+}
+
+TEST(PolyphaseRecord, AFlushThatWritesLeavesThePhaseBelowZero)
+{
+    for (const Rates rates : {Rates{44100, 48000}, {48000, 16000}, {1, 1}, {1, 5}})
+        for (const int32_t maxCount : {0, 1, 2}) {
+            const auto resampler = newResampler(rates, "order=3");
+            const PolyphaseResampler &record = recordOf(resampler);
+            PlainPolyphase plain(rates, 3, true);
+            flush(resampler.get(), maxCount);
+            plain.flush(maxCount);
+            EXPECT_LT(record.phase, 0);
+            EXPECT_EQ(record.phase, plain.phase) << rates;
+            EXPECT_EQ(record.delay, plain.delay) << rates;
+            EXPECT_EQ(record.delayToSkip, plain.toSkip) << rates;
+        }
+}
