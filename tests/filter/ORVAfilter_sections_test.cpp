@@ -407,7 +407,7 @@ TEST(DesignedFilter, OfTheSecondChebyshevTypeHasItsStopbandAttenuationFromTheSel
 }
 
 // As = 10 log10((10^(Ap/10) - 1) / (16 q^N) + 1) with the nome q. An odd order misses the passband attenuation a little,
-// since the series of its denominator ends early; the less, the higher the order and the selectivity.
+// since its poles stand as for a stopband without end; the less, the higher the order and the selectivity.
 TEST(DesignedFilter, OfTheEllipticTypeHasTheAttenuationsOfTheClosedForm)
 {
     const auto edge = 0.25f;
