@@ -1,14 +1,17 @@
 /* Runs a sound through a filter, every channel of it, and draws what the filter does to each frequency.
  *
+ *     $ filter Front_Center.wav telephone.wav telephone.png "type=bandpass; order=4; fpass1=300; fpass2=3400"
+ *     telephone.wav: 1.43 s, channels: 1, loudest sample: -7.8 dB
+ *     telephone.png: 0 to 24000 Hz, greatest gain: 0.0 dB at 1181 Hz
  *     $ filter Front_Center.wav ring.wav ring.png "biquads=[-1.9234 0.9409 0.03 0 -0.03]"
  *     ring.wav: 1.43 s, channels: 1, loudest sample: -13.3 dB
  *     ring.png: 0 to 24000 Hz, greatest gain: 0.1 dB at 1027 Hz
  *
- * The filter is given as biquads, one row a section in the order a1 a2 b0 b1 b2, or as two vectors, such as
- * "numerator=[1 -1]; denominator=[1 -0.995]". The picture is the spectrum of what the filter answers to a
- * single 1 in 65536 samples. A sample of 1.0 has 0 dB.
+ * The filter is a design, with edges in Hz, or is given as biquads, one row a section in the order a1 a2 b0 b1
+ * b2, or as two vectors, such as "numerator=[1 -1]; denominator=[1 -0.995]". The picture is the spectrum of what
+ * it answers to a single 1 in 65536 samples. A sample of 1.0 has 0 dB.
  */
-#include "common/filter_numbers.h"
+#include "common/filter_text.h"
 #include "common/memory.h"
 #include "common/messages.h"
 #include "common/plot.h"
@@ -74,8 +77,8 @@ int main(int count, char **arguments)
     sound *input = ready ? sound_open(arguments[1]) : NULL;
     const double rate = input ? input->info.samplerate : 0;
     const int channels = input ? input->info.channels : 0;
-    _ORVA_FILTER *mono = input ? filter_from_numbers(arguments[4], 1) : NULL;
-    _ORVA_FILTER *filter = mono ? filter_from_numbers(arguments[4], channels) : NULL;
+    _ORVA_FILTER *mono = input ? filter_from_text(arguments[4], (int) rate, 1) : NULL;
+    _ORVA_FILTER *filter = mono ? filter_from_text(arguments[4], (int) rate, channels) : NULL;
     bool done = filter != NULL && measure(mono, &measured);
     sound_output *output = done ? sound_create(arguments[2], input, input->info.samplerate, channels) : NULL;
     float loudest = 0;

@@ -76,7 +76,8 @@ static bool read_integer(const char *config, const option *asked)
     if (value != KTSTRING_GetIntegerValueFromString(config, asked->key, 1) || value < asked->least ||
         value > asked->most)
         return false;
-    *(int32_t *) asked->value = value;
+    if (asked->value != NULL)
+        *(int32_t *) asked->value = value;
     return true;
 }
 
@@ -86,7 +87,8 @@ static bool read_real(const char *config, const option *asked)
     if (value != KTSTRING_GetFloatValueFromString(config, asked->key, 1.0f) || value < (float) asked->least ||
         value > (float) asked->most)
         return false;
-    *(float *) asked->value = value;
+    if (asked->value != NULL)
+        *(float *) asked->value = value;
     return true;
 }
 
@@ -127,6 +129,8 @@ static bool read_option(const char *config, const option *asked)
     case OPTION_REAL:
         good = read_real(config, asked);
         break;
+    case OPTION_TEXT:
+        return true;
     case OPTION_VECTOR:
         good = KTSTRING_GetVectorSizeFromString(config, asked->key, NULL) != 0;
         break;

@@ -7,14 +7,21 @@
 #include <stddef.h>
 #include <stdint.h>
 
-typedef enum { OPTION_INTEGER, OPTION_REAL, OPTION_WINDOW, OPTION_VECTOR, OPTION_MATRIX } option_kind;
+typedef enum {
+    OPTION_INTEGER,
+    OPTION_REAL,
+    OPTION_WINDOW,
+    OPTION_TEXT,
+    OPTION_VECTOR,
+    OPTION_MATRIX
+} option_kind;
 
-/* One key. The value holds the default and is written only if the key is given. */
+/* One key. The value holds the default and is written only if the key is given; null where the value is only
+   looked at, as a text, a vector and a matrix always are. */
 typedef struct {
     const char *key;
     option_kind kind;
-    void *value; /* int32_t for an integer and for a window's type, float for a real; a vector or matrix
-                            is only looked at, and left to the program to read */
+    void *value;         /* int32_t for an integer and for a window's type, float for a real */
     double least, most;  /* the range of a number, both included */
     const char *meaning; /* for the message: "a whole number from 2 to 1048576" */
 } option;

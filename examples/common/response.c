@@ -8,6 +8,7 @@
 #include <stddef.h>
 
 static const double degrees = 57.295779513082321; /* in a radian */
+static const float lost = 110; /* dB below the greatest gain: the phase is rounding there */
 
 static bool take(const ORVA_COMPLEX *spectrum, response *measured)
 {
@@ -24,6 +25,9 @@ static bool take(const ORVA_COMPLEX *spectrum, response *measured)
         if (measured->gain[k] > measured->gain[measured->greatest])
             measured->greatest = k;
     }
+    for (int k = 0; k < RESPONSE_BINS; ++k)
+        if (measured->gain[k] < measured->gain[measured->greatest] - lost)
+            measured->phase[k] = NAN;
     return true;
 }
 

@@ -9,7 +9,8 @@ enum { RESPONSE_SAMPLES = 65536, RESPONSE_BINS = RESPONSE_SAMPLES / 2 + 1 };
 /* Bin k is the frequency k / RESPONSE_SAMPLES of the sampling rate. */
 typedef struct {
     float gain[RESPONSE_BINS];  /* dB */
-    float phase[RESPONSE_BINS]; /* degrees; not a number where it turns over from -180 to 180 */
+    float phase[RESPONSE_BINS]; /* degrees; not a number where it turns over from -180 to 180, and so far
+                                   below the greatest gain that rounding decides it */
     int greatest;               /* the bin of the greatest gain */
 } response;
 

@@ -72,6 +72,46 @@ TEST(FilterExample, WritesWhatTheLibraryMakesOfEveryChannel)
     }
 }
 
+TEST(FilterExample, DesignsAtTheRateAndWithTheChannelsOfTheSound)
+{
+    support::Random random;
+    for (const int rate : {8000, 44100}) {
+        const support::Folder folder;
+        auto samples = random.noise(20000);
+        writeSound(folder / "in.wav", samples, {.rate = rate, .channels = 2});
+        const std::string config =
+            "type=bandpass; approximation=cheby1; order=3; Ap=0.5; fpass1=300; fpass2=3400";
+        const support::Outcome outcome = runExample("filter", {"in.wav", "out.wav", "p.png", config}, folder);
+        EXPECT_EQ(outcome.status, 0) << outcome.err;
+        EXPECT_EQ(outcome.err, "");
+
+        _ORVA_FILTER *filter = ORVA_CreateFilter("%s; fs=%d; nc=2", config.c_str(), rate);
+        ORVA_Filter(filter, samples.data(), samples.data(), static_cast<uint32_t>(samples.size()));
+        ORVA_DestroyFilter(filter);
+        SF_INFO info;
+        EXPECT_TRUE(support::sameBits(support::readSamples(folder / "out.wav", info), samples)) << rate;
+    }
+}
+
+TEST(FilterExample, DrawsADesignThroughItsEdges)
+{
+    const Picture telephone = responseOf("type=bandpass; order=4; fpass1=300; fpass2=3400; gain=0.5");
+    for (const double hertz : {300.0, 3400.0})
+        EXPECT_NEAR(curveAt(telephone, columnOf(hertz), gainTop), 1 - (6.02 + 3.0) / 80, 0.02) << hertz;
+    EXPECT_NEAR(curveAt(telephone, columnOf(1000), gainTop), 1 - 6.02 / 80, 0.01);
+}
+
+// Where rounding decides the phase, no curve is drawn.
+TEST(FilterExample, DrawsNoPhaseFarBelowTheGreatestGain)
+{
+    const Picture steep = responseOf("order=8; fpass=1000");
+    int painted = 0;
+    for (int x = columnOf(15000); x < columnOf(23000); ++x)
+        for (int y = phaseTop; y < phaseTop + height; ++y)
+            painted += distance(steep.at(x, y), 0x0073b3) < 60;
+    EXPECT_EQ(painted, 0);
+}
+
 TEST(FilterExample, TakesNumeratorAndDenominator)
 {
     const support::Folder folder;
@@ -151,7 +191,9 @@ TEST(FilterExample, ADiskThatIsFullLeavesNothing)
 
 TEST(FilterExample, RefusesWithOneLineAndWritesNothing)
 {
-    const std::string neither = "configuration: give biquads, or numerator and denominator\n";
+    const std::string information = "ORVA_CreateFilter: you must specify As or order\n";
+    const std::string nothing = "configuration: no filter has these edges, attenuations and order\n";
+    const std::string edge = " is not a frequency below half the sampling rate\n";
     const std::string columns = "configuration: a row of biquads has 5 numbers, a1, a2, b0, b1 and b2, not ";
     const std::string unstable = "configuration: this filter is not stable\n";
     const std::string usage = "usage: filter SOUND OUTPUT.wav RESPONSE.png CONFIGURATION\n";
@@ -168,9 +210,25 @@ TEST(FilterExample, RefusesWithOneLineAndWritesNothing)
          "o.mp3: the name of this file must end in .wav\n"},
         {{"voice.wav", "o.wav", "p.gif", "biquads=[0 0 1 0 0]"},
          "p.gif: the name of this file must end in .png\n"},
-        {{"voice.wav", "o.wav", "p.png", ""}, neither},
-        {{"voice.wav", "o.wav", "p.png", "numerator=[1 2]"}, neither},
-        {{"voice.wav", "o.wav", "p.png", "denominator=[1 2]"}, neither},
+        {{"voice.wav", "o.wav", "p.png", ""}, information},
+        {{"voice.wav", "o.wav", "p.png", "numerator=[1 2]"}, information},
+        {{"voice.wav", "o.wav", "p.png", "denominator=[1 2]"}, information},
+        {{"voice.wav", "o.wav", "p.png", "order=4"},
+         "ORVA_CreateFilter: You must specify a cutoff frequency (fpass)\n"},
+        {{"voice.wav", "o.wav", "p.png", "type=tophat; order=4; fpass=300"},
+         "ORVA_CreateFilter: Invalid filter type: tophat\n"}, // in the library's log it ends in a line feed
+        {{"voice.wav", "o.wav", "p.png", "approximation=elliptic; order=4; fpass=300"},
+         "ORVA_CreateFilter: Invalid approximation (elliptic)\n"},
+        {{"voice.wav", "o.wav", "p.png", "order=4; fpass=0"}, nothing},
+        {{"voice.wav", "o.wav", "p.png", "type=bp; order=4; fpass1=3400; fpass2=300"}, nothing},
+        {{"voice.wav", "o.wav", "p.png", "order=4; fpass=24000"}, "configuration: fpass=24000" + edge},
+        {{"voice.wav", "o.wav", "p.png", "As=40; fpass=300; fstop=5e4"}, "configuration: fstop=5e4" + edge},
+        {{"voice.wav", "o.wav", "p.png", "order=0; fpass=300"},
+         "configuration: order=0 is not a whole number from 1 to 1000\n"},
+        {{"voice.wav", "o.wav", "p.png", "order=4; Ap=0; fpass=300"},
+         "configuration: Ap=0 is not a number of decibels above 0\n"},
+        {{"voice.wav", "o.wav", "p.png", "order=4; fpass=300; gain=-1"},
+         "configuration: gain=-1 is not a number from 0 to 1000000\n"},
         {{"voice.wav", "o.wav", "p.png", "biquads=[1 2 3 4]"}, columns + "4\n"},
         {{"voice.wav", "o.wav", "p.png", "biquads=7"}, columns + "1\n"},
         {{"voice.wav", "o.wav", "p.png", "biquads=[1 2; 3]"},
@@ -180,7 +238,8 @@ TEST(FilterExample, RefusesWithOneLineAndWritesNothing)
         {{"voice.wav", "o.wav", "p.png", "numerator=1; denominator=one"},
          "configuration: denominator=one is not a vector such as [1 -0.9]\n"},
         {{"voice.wav", "o.wav", "p.png", "biquad=[0 0 1 0 0]"},
-         "configuration: unknown key \"biquad\"; the keys are biquads, numerator, denominator\n"},
+         "configuration: unknown key \"biquad\"; the keys are type, approximation, order, fpass, fpass1, "
+         "fpass2, fstop, fstop1, fstop2, Ap, As, gain, biquads, numerator, denominator\n"},
         {{"voice.wav", "o.wav", "p.png", "biquads=[-2.1 1.2 1 0 0]"}, unstable},
         {{"voice.wav", "o.wav", "p.png", "numerator=1; denominator=0"}, unstable},
     };
