@@ -1,11 +1,11 @@
-/* Silences what is faint in a sound, each coefficient of its lapped transform by itself (a spectral gate), and
- * measures how well the transform without the gate gives the sound back.
+/* Silences what is faint in a sound, each coefficient of its lapped transform by itself (a spectral gate),
+ * and measures how well the transform without the gate gives the sound back.
  *
  *     $ lapped Front_Center.wav gated.wav gated.png "block=512; gate=-60"
  *     gated.wav: 1.43 s, through the gate: 7.0 % of the coefficients; error without it: -156 dB
  *
- * A sine of full scale has 0 dB. All of a sound comes back where 4 divides the length of a block, else an error
- * of the highest frequencies stays. The picture shows the loudest coefficients of all channels.
+ * A sine of full scale has 0 dB. All of a sound comes back where 4 divides the length of a block, else an
+ * error of the highest frequencies stays. The picture shows the loudest coefficients of all channels.
  */
 #include "common/blocks.h"
 #include "common/comparison.h"

@@ -12,9 +12,8 @@
 #include "common/options.h"
 #include "common/plot.h"
 #include "common/progress.h"
+#include "common/spectrum.h"
 
-#include <kett/KTmem.h>
-#include <math.h>
 #include <orva/orva.h>
 #include <stdio.h>
 
@@ -22,34 +21,6 @@ typedef struct {
     int32_t window, size, hop, channel;
     float range;
 } settings;
-
-/* Computes the level of every frequency, frame by frame. */
-static bool analyse(frames *reader, const settings *s, KT_MEM *memory, raster *levels)
-{
-    const int32_t bins = s->size / 2 + 1, room = bins + 3; /* the spectrum is computed by fours */
-    float *window = KTMEM_NewFloatVector(memory, s->size);
-    float *frame = KTMEM_NewFloatVector(memory, s->size);
-    float *power = KTMEM_NewFloatVector(memory, room);
-    float *decibels = KTMEM_NewFloatVector(memory, room);
-    ORVA_COMPLEX *work = KTMEM_NewAligned(memory, 16, ((uint64_t) s->size + 3) * sizeof *work);
-    ORVA_FFT *fft = ORVA_FFTProcCreate(s->size);
-    bool done = (window && frame && power && decibels && work && fft) || refuse("out of memory");
-
-    done = done && ORVA_CreateWindow(s->window, window, (uint32_t) s->size);
-    const double norm = pow(ORVA_GetWindowNormFactor(window, s->size), 4); /* enters by its square root */
-    if (done && !(norm > 1e-24 && isfinite(norm)))
-        done = refuse("configuration: the window has no gain at size=%d", s->size);
-
-    while (done && frames_next(reader, frame)) {
-        ORVA_ApplyWindow(window, frame, s->size);
-        ORVA_FFTProcExecutePSDEx(fft, frame, power, work);
-        ORVA_PSDtoDB(s->size, power, decibels, NULL, norm, s->range);
-        raster_add(levels, frames_left(reader), frames_right(reader), decibels, bins);
-        progress_show(reader->next, reader->count);
-    }
-    ORVA_FFTProcDestroy(fft);
-    return done;
-}
 
 static bool draw(sound *input, const settings *s, const char *path)
 {
@@ -61,9 +32,15 @@ static bool draw(sound *input, const settings *s, const char *path)
     plot_panel(picture, 0, axis_time(seconds), axis_frequency(0, rate / 2, false));
     raster *levels = plot_raster(picture, 0);
     frames reader = frames_begin(input, s->channel, s->size, s->hop);
-    KT_MEM *memory = KTMEM_CreateMemDescrEx("spectrogram", 0, 0);
+    spectrum present;
 
-    bool done = analyse(&reader, s, memory, levels);
+    bool done = spectrum_begin(&present, s->window, s->size);
+    while (done && frames_next(&reader, present.frame)) {
+        spectrum_transform(&present);
+        spectrum_measure(&present, NULL, s->range);
+        raster_add(levels, frames_left(&reader), frames_right(&reader), present.levels, present.bins);
+        progress_show(reader.next, reader.count);
+    }
     plot_image(picture, 0, levels, -s->range, 0, "Level (dB re full-scale sine)");
     done = done && plot_save(picture, path);
     if (done) {
@@ -71,7 +48,7 @@ static bool draw(sound *input, const settings *s, const char *path)
         printf("%s: %.2f s, 0 to %g Hz, frames: %lld, loudest point: %.1f dB\n", path, seconds, rate / 2,
                (long long) reader.count, raster_max(levels));
     }
-    KTMEM_DisposeMemDescr(memory);
+    spectrum_end(&present);
     frames_end(&reader);
     raster_destroy(levels);
     plot_destroy(picture);

@@ -1,6 +1,7 @@
 #include "axis.h"
 
 #include <math.h>
+#include <orva/ORVAutil.h>
 #include <stdio.h>
 
 axis axis_linear(double first, double last, const char *label)
@@ -15,6 +16,13 @@ axis axis_frequency(double first, double last, bool logarithmic)
     if (last < 2000.0)
         return (axis){AXIS_LINEAR, first, last, 1.0, "Frequency (Hz)"};
     return (axis){AXIS_LINEAR, first, last, 1000.0, "Frequency (kHz)"};
+}
+
+axis axis_mel(double last)
+{
+    if (last < 2000.0)
+        return (axis){AXIS_MEL, 0.0, last, 1.0, "Frequency (Hz, mel)"};
+    return (axis){AXIS_MEL, 0.0, last, 1000.0, "Frequency (kHz, mel)"};
 }
 
 axis axis_time(double seconds)
@@ -39,6 +47,8 @@ double axis_place(const axis *scale, double value)
 {
     if (scale->kind == AXIS_LOGARITHMIC)
         return log(value / scale->first) / log(scale->last / scale->first);
+    if (scale->kind == AXIS_MEL)
+        return ORVAUTIL_Freq2Mels(value) / ORVAUTIL_Freq2Mels(scale->last);
     return (value - scale->first) / (scale->last - scale->first);
 }
 
@@ -115,9 +125,26 @@ static int logarithmic_ticks(const axis *scale, int most, double ticks[AXIS_TICK
     return count;
 }
 
+/* 0, and 1, 2 and 5 times each power of ten, where there is room above the one before. As they are not even,
+   some may stand closer than an even share of the room. */
+static int mel_ticks(const axis *scale, int most, double ticks[AXIS_TICKS])
+{
+    double values[AXIS_TICKS];
+    const axis decades = {AXIS_LOGARITHMIC, 1.0, scale->last, 1.0, NULL};
+    const int all = scale->last > 1.0 ? decade_ticks(&decades, 3, 1, values) : 0;
+    int count = 0;
+    ticks[count++] = 0.0;
+    for (int i = 0; i < all && count <= most; ++i)
+        if ((axis_place(scale, values[i]) - axis_place(scale, ticks[count - 1])) * most > 0.55)
+            ticks[count++] = values[i];
+    return count;
+}
+
 int axis_ticks(const axis *scale, int most, double ticks[AXIS_TICKS])
 {
     most = most < 1 ? 1 : most > AXIS_TICKS - 2 ? AXIS_TICKS - 2 : most;
+    if (scale->kind == AXIS_MEL)
+        return mel_ticks(scale, most, ticks);
     return scale->kind == AXIS_LOGARITHMIC ? logarithmic_ticks(scale, most, ticks)
                                            : even_ticks(scale, most, ticks);
 }
@@ -143,7 +170,8 @@ void axis_text(const axis *scale, const double *ticks, int count, int tick, char
     const double step = count > 1 ? (ticks[1] - ticks[0]) / scale->unit : 0.0;
     /* As many decimals as the step needs, the same on every tick. */
     const int decimals = step > 0.0 ? -(int) floor(log10(step) + 1e-9) : 0;
-    if (scale->kind == AXIS_LOGARITHMIC || count < 2 || decimals > 6 || value >= 1e6)
+    if (scale->kind == AXIS_LOGARITHMIC || scale->kind == AXIS_MEL || count < 2 || decimals > 6 ||
+        value >= 1e6)
         snprintf(text, size, "%s%.6g", sign, value);
     else
         snprintf(text, size, "%s%.*f", sign, decimals > 0 ? decimals : 0, value);

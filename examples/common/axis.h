@@ -6,7 +6,7 @@
 #include <stdbool.h>
 #include <stddef.h>
 
-typedef enum { AXIS_LINEAR, AXIS_LOGARITHMIC, AXIS_CLOCK, AXIS_ANGLE } axis_kind;
+typedef enum { AXIS_LINEAR, AXIS_LOGARITHMIC, AXIS_MEL, AXIS_CLOCK, AXIS_ANGLE } axis_kind;
 
 typedef struct {
     axis_kind kind;
@@ -21,6 +21,9 @@ axis axis_linear(double first, double last, const char *label);
 
 /* From first to last hertz, written in Hz or, from 2 kHz on a linear axis, in kHz. */
 axis axis_frequency(double first, double last, bool logarithmic);
+
+/* From 0 to last hertz, evenly in mels. */
+axis axis_mel(double last);
 
 /* From 0 to a duration, written in seconds or a part of them, and from two minutes on as a clock does. */
 axis axis_time(double seconds);

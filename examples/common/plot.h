@@ -54,6 +54,9 @@ void plot_curve(plot *picture, int panel, const double *x, const double *y, int6
 void plot_samples(plot *picture, int panel, double first, double step, const float *samples, int64_t count,
                   const char *name);
 
+/* Dots at single points, in a colour of their own. */
+void plot_points(plot *picture, int panel, const double *x, const double *y, int64_t count, const char *name);
+
 /* A dashed line across a panel at x, with its name beside it. */
 void plot_cursor(plot *picture, int panel, double x, const char *name);
 

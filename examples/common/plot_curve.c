@@ -69,7 +69,8 @@ static void pen_point(pen *tip, double x, double y)
     ++tip->count;
 }
 
-static pen pen_begin(plot *picture, int panel, const char *name)
+/* Takes the next colour of a panel, and keeps to its inside until cairo_restore(). */
+static plot_area *begin_curve(plot *picture, int panel, const char *name)
 {
     plot_area *area = &picture->areas[panel];
     area->names[area->curves % PLOT_CURVES] = name;
@@ -77,9 +78,15 @@ static pen pen_begin(plot *picture, int panel, const char *name)
     cairo_rectangle(picture->cairo, area->x, area->y - area->height, area->width, area->height);
     cairo_clip(picture->cairo);
     use_color(picture->cairo, area->curves);
+    ++area->curves;
+    return area;
+}
+
+static pen pen_begin(plot *picture, int panel, const char *name)
+{
+    const plot_area *area = begin_curve(picture, panel, name);
     cairo_set_line_width(picture->cairo, 1.6);
     cairo_set_line_join(picture->cairo, CAIRO_LINE_JOIN_ROUND);
-    ++area->curves;
     return (pen){.cairo = picture->cairo, .area = area};
 }
 
@@ -105,6 +112,22 @@ void plot_samples(plot *picture, int panel, double first, double step, const flo
     for (int64_t i = 0; i < count; ++i)
         pen_point(&tip, first + (double) i * step, samples[i]);
     pen_end(&tip);
+}
+
+void plot_points(plot *picture, int panel, const double *x, const double *y, int64_t count, const char *name)
+{
+    const plot_area *area = begin_curve(picture, panel, name);
+    const double radius = 4;
+    for (int64_t i = 0; i < count; ++i) {
+        const double right = area->x + area->width * axis_place(&area->across, x[i]);
+        const double up = area->y - area->height * axis_place(&area->up, y[i]);
+        if (fabs(right) < 1e6 && fabs(up) < 1e6) { /* Cairo's coordinates end at 2^23 */
+            cairo_new_sub_path(picture->cairo);
+            cairo_arc(picture->cairo, right, up, radius, 0, 2 * acos(-1));
+        }
+    }
+    cairo_fill(picture->cairo);
+    cairo_restore(picture->cairo);
 }
 
 void plot_cursor(plot *picture, int panel, double x, const char *name)

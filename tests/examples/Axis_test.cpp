@@ -4,6 +4,7 @@ extern "C" {
 }
 
 #include <gtest/gtest.h>
+#include <orva/ORVAutil.h>
 #include <string>
 
 namespace
@@ -49,6 +50,12 @@ TEST(AxisTicks, AreRoundAndWrittenAlike)
         {logarithmic(1e-3, 1e9), 6, "Frequency (Hz)", "0.001 0.1 10 1000 100000 1e+07 1e+09"},
         {logarithmic(300, 400), 5, "Frequency (Hz)", "300 320 340 360 380 400"},
         {logarithmic(0.05, 2), 9, "Frequency (Hz)", "0.05 0.1 0.2 0.5 1 2"},
+        {axis_mel(24000), 8, "Frequency (kHz, mel)", "0 0.2 0.5 1 2 5 10 20"},
+        {axis_mel(24000), 6, "Frequency (kHz, mel)", "0 0.5 1 2 5 10 20"},
+        {axis_mel(24000), 3, "Frequency (kHz, mel)", "0 1 5 20"},
+        {axis_mel(4000), 6, "Frequency (kHz, mel)", "0 0.2 0.5 1 2"},
+        {axis_mel(1000), 4, "Frequency (Hz, mel)", "0 100 500 1000"},
+        {axis_mel(0.5), 4, "Frequency (Hz, mel)", "0"},
         {axis_time(1.43), 9, "Time (s)", "0.0 0.2 0.4 0.6 0.8 1.0 1.2 1.4"},
         {axis_time(119), 9, "Time (s)", "0 20 40 60 80 100"},
         {axis_time(0.1), 5, "Time (ms)", "0 20 40 60 80 100"},
@@ -83,7 +90,7 @@ TEST(AxisTicks, NeverExceedTheirRoom)
     for (const double last : {1.0, 1.1, 1.99, 3.0, 4.9, 7.0, 9.99, 119.0, 121.0, 3599.0, 3601.0, 1e5, 1e12}) {
         for (int most = 1; most <= 1000; most += most < 40 ? 1 : 320) {
             double ticks[AXIS_TICKS];
-            const axis scales[] = {axis_linear(0, last, ""), axis_time(last),
+            const axis scales[] = {axis_linear(0, last, ""), axis_time(last), axis_mel(last),
                                    axis_linear(-last, last / 7, "")};
             for (const axis &scale : scales) {
                 const int count = axis_ticks(&scale, most, ticks);
@@ -107,4 +114,8 @@ TEST(AxisPlace, RunsFromEndToEnd)
     EXPECT_DOUBLE_EQ(axis_place(&scale, 10), 0);
     EXPECT_DOUBLE_EQ(axis_place(&scale, 1000), 0.5);
     EXPECT_DOUBLE_EQ(axis_place(&scale, 100000), 1);
+    const axis mel = axis_mel(ORVAUTIL_Mels2Freq(4000));
+    EXPECT_DOUBLE_EQ(axis_place(&mel, 0), 0);
+    EXPECT_DOUBLE_EQ(axis_place(&mel, ORVAUTIL_Mels2Freq(1000)), 0.25);
+    EXPECT_DOUBLE_EQ(axis_place(&mel, ORVAUTIL_Mels2Freq(4000)), 1);
 }

@@ -140,3 +140,22 @@ TEST(Plot, CursorStandsAtItsValue)
     EXPECT_GT(countOf(picture, 0x212121, at - 2, at + 2, top, top + 200), 100);
     EXPECT_GT(countOf(picture, 0x212121, at + 4, at + 80, top + 4, top + 24), 30) << "its name";
 }
+
+TEST(Plot, PointsAreDotsInAColourOfTheirOwn)
+{
+    const std::vector<double> x{2, 6}, y{0.5, 0.25}, far{3, 4},
+        away{1e30, -std::numeric_limits<double>::infinity()};
+    const Picture picture = drawn(1, [&](plot *p) {
+        plot_panel(p, 0, axis_linear(0, 8, "x"), axis_linear(0, 1, "y"));
+        plot_points(p, 0, x.data(), y.data(), 2, "first");
+        plot_points(p, 0, far.data(), away.data(), 2, nullptr);
+    });
+    const int width = right - left;
+    for (int i = 0; i < 2; ++i) {
+        const int across = left + width * (i == 0 ? 2 : 6) / 8, down = top + (i == 0 ? 100 : 150);
+        EXPECT_GT(countOf(picture, blue, across - 5, across + 5, down - 5, down + 5), 30);
+    }
+    EXPECT_LT(countOf(picture, blue, left, right, top, top + 200), 150) << "nothing between them";
+    EXPECT_EQ(countOf(picture, orange, left, right, top, top + 200), 0);
+    EXPECT_GT(countOf(picture, blue, left, right, top - 30, top - 2), 40) << "legend";
+}

@@ -56,3 +56,15 @@ inline size_t colorsIn(const Picture &picture, int left, int top, int width, int
     std::sort(colors.begin(), colors.end());
     return static_cast<size_t>(std::unique(colors.begin(), colors.end()) - colors.begin());
 }
+
+// The middle of what has a colour in a column of a panel, from 0 (below) to 1; not a number where nothing has.
+inline double heightOf(const Picture &picture, uint32_t color, int x, int top, int height)
+{
+    double sum = 0, count = 0;
+    for (int y = top; y < top + height; ++y)
+        if (distance(picture.at(x, y), color) < 60) {
+            sum += y + 0.5;
+            ++count;
+        }
+    return 1 - (sum / count - top) / height;
+}

@@ -12,8 +12,8 @@ struct Refusal {
     std::string message;
 };
 
-// Runs each case in a folder with a recording (voice.wav), a sound without samples (none.wav), a text (text.wav), an older
-// output (old.wav, old.png) and a folder (folder.wav).
+// Runs each case in a folder with a recording (voice.wav), a sound without samples (none.wav), a text
+// (text.wav), an older output (old.wav, old.png) and a folder (folder.wav).
 inline void expectRefusals(const std::string &program, const std::vector<Refusal> &cases)
 {
     for (const auto &[arguments, message] : cases) {
