@@ -1,14 +1,33 @@
 # export_only(<target> <list> <node>)
 #
-# Makes the shared library <target> export the names in the file <list>, under the version node <node>, and nothing
-# else. The list holds one name a line; blank lines and lines that start with '#' or '[' (a family) are for the reader.
+# Makes the library <target> show the names in the file <list> and nothing else: a shared library exports them under the
+# version node <node>. The list holds one name a line; blank lines and lines that start with '#' or '[' (a family) are for
+# the reader.
 function(export_only target list node)
     file(STRINGS ${list} names REGEX "^[A-Za-z_]")
-    list(JOIN names ";\n        " globals)
-    set(script ${CMAKE_CURRENT_BINARY_DIR}/${target}.map)
-    file(CONFIGURE OUTPUT ${script} @ONLY
-        CONTENT "@node@ {\n    global:\n        @globals@;\n    local:\n        *;\n};\n")
     set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS ${list})
-    target_link_options(${target} PRIVATE -Wl,--version-script=${script})
+    set(script ${CMAKE_CURRENT_BINARY_DIR}/${target}.map)
+    if(BUILD_SHARED_LIBS)
+        list(JOIN names ";\n        " globals)
+        file(CONFIGURE OUTPUT ${script} @ONLY
+            CONTENT "@node@ {\n    global:\n        @globals@;\n    local:\n        *;\n};\n")
+        target_link_options(${target} PRIVATE -Wl,--version-script=${script})
+    else()
+        list(JOIN names "\n" globals)
+        file(CONFIGURE OUTPUT ${script} CONTENT "@globals@\n" @ONLY)
+        set_property(TARGET ${target} PROPERTY STATIC_LIBRARY_OPTIONS --keep-global-symbols=${script})
+    endif()
     set_property(TARGET ${target} APPEND PROPERTY LINK_DEPENDS ${script})
 endfunction()
+
+# one_object_archives()
+#
+# Static libraries of the current folder hold one object each, in which all their parts are linked together. So any use of
+# the library brings the module entry with it, and names that are shared between the parts only are local to that object,
+# where they cannot meet a name of the host. Each such library takes its names by export_only().
+macro(one_object_archives)
+    set(CMAKE_CXX_CREATE_STATIC_LIBRARY
+        "<CMAKE_LINKER> -r --force-group-allocation -o <TARGET>.o <OBJECTS>"
+        "\"${CMAKE_OBJCOPY}\" <LINK_FLAGS> <TARGET>.o"
+        "<CMAKE_AR> rcs <TARGET> <TARGET>.o")
+endmacro()
