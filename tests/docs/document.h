@@ -1,0 +1,134 @@
+// The code blocks of a Markdown document, and what a reader does with each.
+//
+// A block is fenced and names its language:
+//   c, cpp       a program, compiled and run. A C block without a main is a fragment: it stands in the main of
+//                fragment.c, with what is declared there.
+//   sh           commands, run in a folder that holds the named files of the document
+//   console      commands behind "$ " that no test can run, since they need root, packages or a whole build: what they
+//                name has to be there
+//   cmake, make  files that the commands need
+//   text         what the program or the commands right before it write, where "..." stands for any text within a line;
+//                anything else elsewhere
+// A line above a block that ends in "`name`:" names the file that the block is saved as. A named program is not run by
+// itself, but by the document's commands.
+#pragma once
+
+#include "support/folder.h"
+
+#include <regex>
+#include <sstream>
+
+struct Block {
+    std::string document;
+    size_t line = 0; // of its fence, counted from 1
+    std::string language;
+    std::string name; // of the file that it is saved as, or empty
+    std::string text;
+    std::string output; // that it is to give
+
+    bool isProgram() const
+    {
+        return language == "c" || language == "cpp";
+    }
+
+    bool isFragment() const
+    {
+        return language == "c" && !std::regex_search(text, std::regex(R"((^|\n)int main\()"));
+    }
+
+    std::string place() const
+    {
+        return document + ":" + std::to_string(line);
+    }
+};
+
+struct Document {
+    std::string path; // from the root of the project
+    std::vector<Block> blocks;
+    std::vector<std::string> faults; // what its reader can do nothing with
+};
+
+// What is wrong with a block, whatever it says.
+inline std::string faultOf(const Block &block)
+{
+    static const std::vector<std::string> languages{"c", "cpp", "sh", "console", "cmake", "make", "text"};
+    if (std::find(languages.begin(), languages.end(), block.language) == languages.end())
+        return "a block of the language '" + block.language + "'";
+    if ((block.language == "cmake" || block.language == "make") && block.name.empty())
+        return "a file without a name";
+    return "";
+}
+
+inline Document readDocument(const std::string &path, const std::string &content)
+{
+    Document document{path, {}, {}};
+    auto &blocks = document.blocks;
+    const auto fault = [&](size_t line, const std::string &what) {
+        document.faults.push_back(path + ":" + std::to_string(line) + ": " + what);
+    };
+
+    std::istringstream lines(content);
+    std::string line;
+    std::string above; // the last line that is not empty
+    bool behindEmpty = true;
+    bool within = false;
+    const size_t none = SIZE_MAX;
+    size_t giver = none;  // the block that a text block here would be the output of
+    size_t output = none; // the block that this text block is the output of
+    for (size_t number = 1; std::getline(lines, line); ++number) {
+        if (within && line == "```") {
+            within = false;
+        } else if (within) {
+            blocks.back().text += line + "\n";
+            if (output != none)
+                blocks[output].output += line + "\n";
+        } else if (line.starts_with("```")) {
+            std::smatch match;
+            const bool named = std::regex_search(above, match, std::regex("`([A-Za-z0-9_.]+)`:$"));
+            const Block block{path, number, line.substr(3), named ? match[1].str() : "", "", ""};
+            output = block.language == "text" ? giver : none;
+            giver = block.isProgram() || block.language == "sh" ? blocks.size() : none;
+            if (const std::string what = faultOf(block); !what.empty())
+                fault(number, what);
+            blocks.push_back(block);
+            within = true;
+        } else if (line.starts_with("#")) {
+            giver = none;
+        } else if (line.starts_with("    ") && behindEmpty) {
+            fault(number, "a block without a fence");
+        }
+        behindEmpty = line.empty();
+        if (!line.empty())
+            above = line;
+    }
+    if (within)
+        fault(blocks.back().line, "a block without an end");
+
+    for (const auto &block : blocks) {
+        const auto calls = [&](const Block &other) {
+            return other.language == "sh" && other.text.find(block.name) != std::string::npos;
+        };
+        if (!block.name.empty() && block.isProgram() && std::none_of(blocks.begin(), blocks.end(), calls))
+            fault(block.line, "no commands use " + block.name);
+    }
+    return document;
+}
+
+// README.md, CONTRIBUTING.md and the documents of docs/.
+inline std::vector<Document> projectDocuments()
+{
+    namespace fs = std::filesystem;
+    const fs::path project = PROJECT_SOURCE_DIR;
+    std::vector<std::string> paths{"README.md"};
+    if (fs::exists(project / "CONTRIBUTING.md"))
+        paths.emplace_back("CONTRIBUTING.md");
+    for (const auto &entry : fs::directory_iterator(project / "docs"))
+        if (entry.path().extension() == ".md")
+            paths.push_back("docs/" + entry.path().filename().string());
+    std::sort(paths.begin(), paths.end());
+
+    std::vector<Document> documents;
+    for (const auto &path : paths)
+        documents.push_back(readDocument(path, support::readFile(project / path)));
+    return documents;
+}

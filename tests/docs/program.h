@@ -1,0 +1,51 @@
+// A program of a document: compiled as its reader would, against the libraries of this build, and run.
+#pragma once
+
+#include "document.h"
+#include "support/program.h"
+#include "support/recording.h"
+
+// Whether a text is as expected, where "..." stands for any text within a line.
+inline bool isAsExpected(const std::string &text, const std::string &expected)
+{
+    std::string pattern = std::regex_replace(expected, std::regex(R"([\^$\\.*+?()\[\]{}|])"), R"(\$&)");
+    pattern = std::regex_replace(pattern, std::regex(R"(\\\.\\\.\\\.)"), "[^\n]*");
+    return std::regex_match(text, std::regex(pattern));
+}
+
+// The text of a program to compile; a fragment takes its place in the main of fragment.c. What the compiler says then
+// names the document and its line.
+inline std::string sourceOf(const Block &block)
+{
+    const std::string text =
+        "#line " + std::to_string(block.line + 1) + " \"" + block.document + "\"\n" + block.text;
+    if (!block.isFragment())
+        return text;
+    std::string source = support::readFile(std::string(PROJECT_SOURCE_DIR) + "/tests/docs/fragment.c");
+    const std::string place = "/* the fragment */\n";
+    return source.replace(source.find(place), place.size(), text);
+}
+
+// Compiles and runs a program; the folder has the recorded voice as voice.wav. Gives what is wrong with it: an empty
+// text where it compiles without a warning, ends well and writes what the document says, and nothing else.
+inline std::string faultOfProgram(const Block &block)
+{
+    const support::Folder folder;
+    const std::string source = folder / "program." + block.language;
+    support::writeFile(source, sourceOf(block));
+    std::filesystem::create_symlink(support::recordingPath(), folder / "voice.wav");
+
+    std::istringstream words(block.language == "c" ? C_COMMAND : CXX_COMMAND);
+    std::vector<std::string> command(std::istream_iterator<std::string>(words), {});
+    command.insert(command.begin() + 1, {"-o", folder / "program", source});
+    const support::Outcome compilation = support::run(command, folder);
+    if (compilation.status != 0)
+        return block.place() + ": does not compile:\n" + compilation.err;
+
+    const support::Outcome outcome = support::run({folder / "program"}, folder);
+    if (outcome.status != 0)
+        return block.place() + ": ends with " + std::to_string(outcome.status) + ":\n" + outcome.err;
+    if (!isAsExpected(outcome.out + outcome.err, block.output))
+        return block.place() + ": writes\n" + outcome.out + outcome.err + "and not\n" + block.output;
+    return "";
+}
