@@ -90,6 +90,12 @@ def save(figure, name):
     drawn = BytesIO()
     figure.savefig(drawn, format="png")
     pyplot.close(figure)
+    save_picture(drawn, name)
+
+
+def save_picture(file, name):
+    """The same for a picture that is drawn already."""
     path = ROOT / "docs/images" / (name + ".png")
-    Image.open(drawn).convert("RGB").quantize(256, dither=Image.Dither.NONE).save(path, optimize=True)
+    colours = Image.open(file).convert("RGB").quantize(256, kmeans=1, dither=Image.Dither.NONE)
+    colours.save(path, optimize=True)
     print(f"figures: wrote {path.relative_to(ROOT)}, {path.stat().st_size // 1024} KB")

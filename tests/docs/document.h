@@ -9,6 +9,7 @@
 //   cmake, make  files that the commands need
 //   text         what the program or the commands right before it write, where "..." stands for any text within a line;
 //                anything else elsewhere
+// A fragment without such a text writes what stands in comments behind its printf lines, a line each.
 // A line above a block that ends in "`name`:" names the file that the block is saved as. A named program is not run by
 // itself, but by the document's commands.
 #pragma once
@@ -59,6 +60,16 @@ inline std::string faultOf(const Block &block)
     return "";
 }
 
+// The comments behind the printf lines of a fragment.
+inline std::string commentsOf(const std::string &fragment)
+{
+    static const std::regex line(R"( *printf\(.*\); +/\* (.*) \*/\n)");
+    std::string comments;
+    for (std::sregex_iterator found(fragment.begin(), fragment.end(), line), end; found != end; ++found)
+        comments += (*found)[1].str() + "\n";
+    return comments;
+}
+
 inline Document readDocument(const std::string &path, const std::string &content)
 {
     Document document{path, {}, {}};
@@ -104,7 +115,9 @@ inline Document readDocument(const std::string &path, const std::string &content
     if (within)
         fault(blocks.back().line, "a block without an end");
 
-    for (const auto &block : blocks) {
+    for (auto &block : blocks) {
+        if (block.isFragment() && block.output.empty())
+            block.output = commentsOf(block.text);
         const auto calls = [&](const Block &other) {
             return other.language == "sh" && other.text.find(block.name) != std::string::npos;
         };

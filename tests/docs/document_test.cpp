@@ -90,6 +90,18 @@ TEST(Document, HasNoBlockThatNobodyChecks)
     EXPECT_THAT(faultsOf("`a.c`:\n\n```c\nx\n```\n"), ElementsAre("page.md:3: no commands use a.c"));
 }
 
+TEST(Document, FragmentsWriteTheCommentsBehindTheirPrintfs)
+{
+    const std::string code =
+        "int x = 1; /* one */\nprintf(\"%d\\n\", x);  /* 1 */\nprintf(\"b\\n\"); /* b */\n";
+    const auto outputOf = [](const std::string &text) {
+        return readDocument("page.md", text).blocks.at(0).output;
+    };
+    EXPECT_EQ(outputOf("```c\n" + code + "```\n"), "1\nb\n");
+    EXPECT_EQ(outputOf("```c\n" + code + "```\n```text\nc\n```\n"), "c\n");
+    EXPECT_EQ(outputOf("```c\nint main(void)\n" + code + "```\n"), "");
+}
+
 TEST(Document, ExpectsAnyTextForThreeDots)
 {
     EXPECT_TRUE(isAsExpected("a.b*\n", "a.b*\n"));
