@@ -116,6 +116,16 @@ static bool read_window(const char *config, const option *asked, const char *tex
     return refuse("configuration: %s=%s is no window; the windows are %s", asked->key, text, names);
 }
 
+/* The case counts. */
+static bool is_one_of(const char *words, const char *text)
+{
+    const size_t length = strlen(text);
+    for (const char *word = words; *word != '\0'; word += strcspn(word, " ") + 1)
+        if (strcspn(word, " ") == length && strncmp(word, text, length) == 0)
+            return true;
+    return false;
+}
+
 static bool read_option(const char *config, const option *asked)
 {
     char text[128];
@@ -131,6 +141,9 @@ static bool read_option(const char *config, const option *asked)
         break;
     case OPTION_TEXT:
         return true;
+    case OPTION_WORD:
+        good = is_one_of(asked->value, text);
+        break;
     case OPTION_VECTOR:
         good = KTSTRING_GetVectorSizeFromString(config, asked->key, NULL) != 0;
         break;

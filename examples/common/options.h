@@ -12,6 +12,7 @@ typedef enum {
     OPTION_REAL,
     OPTION_WINDOW,
     OPTION_TEXT,
+    OPTION_WORD,
     OPTION_VECTOR,
     OPTION_MATRIX
 } option_kind;
@@ -21,7 +22,8 @@ typedef enum {
 typedef struct {
     const char *key;
     option_kind kind;
-    void *value;         /* int32_t for an integer and for a window's type, float for a real */
+    void *value;         /* int32_t for an integer and for a window's type, float for a real; for a word, the
+                            words that it may be, in one text with a blank behind each; not written */
     double least, most;  /* the range of a number, both included */
     const char *meaning; /* for the message: "a whole number from 2 to 1048576" */
 } option;

@@ -195,16 +195,7 @@ TEST(Stretch, LongFilesRunInConstantMemory)
     const support::Folder folder;
     long peaks[2];
     for (const int seconds : {5, 300}) {
-        SF_INFO info{};
-        info.samplerate = 8000;
-        info.channels = 1;
-        info.format = SF_FORMAT_WAV | SF_FORMAT_PCM_U8;
-        SNDFILE *file = sf_open((folder / "in.wav").c_str(), SFM_WRITE, &info);
-        const std::vector<float> second(8000,
-                                        0.25f); // no more at once: a process begins with its parent's peak
-        for (int i = 0; i < seconds; ++i)
-            EXPECT_EQ(sf_write_float(file, second.data(), 8000), 8000);
-        sf_close(file);
+        writeLongSound(folder / "in.wav", seconds);
         const support::Outcome outcome = runExample("stretch", {"in.wav", "out.wav", "out.png", "1"}, folder);
         EXPECT_EQ(outcome.status, 0);
         peaks[seconds > 5] = outcome.peakKilobytes;
