@@ -3,42 +3,11 @@
 #include <cstddef>
 #include <cstdio>
 #include <cstdlib>
-#include <locale.h>
+
+#include "KTlocale.h"
 
 namespace
 {
-
-// The C locale for the calling thread, as long as it lives. All of it, not the numbers alone: the GNU C library has this
-// one at hand, and loses a block for each other one that is made while LOCPATH is set.
-class LocaleC
-{
-public:
-    LocaleC() : here(newlocale(LC_ALL_MASK, "C", static_cast<locale_t>(nullptr))), before(nullptr)
-    {
-        if (here != nullptr)
-            before = uselocale(here);
-    }
-
-    ~LocaleC()
-    {
-        if (here == nullptr)
-            return;
-        uselocale(before);
-        freelocale(here);
-    }
-
-    LocaleC(const LocaleC &) = delete;
-    LocaleC &operator=(const LocaleC &) = delete;
-
-    bool isInForce() const
-    {
-        return here != nullptr;
-    }
-
-private:
-    locale_t here;
-    locale_t before;
-};
 
 int formatInto(char *room, size_t size, const char *format, va_list arguments)
 {
@@ -54,7 +23,7 @@ int formatInto(char *room, size_t size, const char *format, va_list arguments)
 char *newFormattedText(const char *format, va_list arguments)
 {
     constexpr size_t usualSize = 1024;
-    const LocaleC locale;
+    const kett::LocaleC locale;
     auto *text = static_cast<char *>(std::malloc(usualSize));
     int length = locale.isInForce() && text != nullptr ? formatInto(text, usualSize, format, arguments) : -1;
     if (length >= 0 && static_cast<size_t>(length) >= usualSize) {
