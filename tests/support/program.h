@@ -8,7 +8,6 @@
 #include <spawn.h>
 #include <stdexcept>
 #include <string>
-#include <sys/resource.h>
 #include <sys/wait.h>
 #include <unistd.h>
 #include <vector>
@@ -20,7 +19,6 @@ struct Outcome {
     int status = -1; // exit status, -1 after a signal
     std::string out;
     std::string err;
-    long peakKilobytes = 0; // the most memory that it had at a time
 };
 
 // Runs a program, looked up in PATH if its name has no slash, with `folder` as its current folder.
@@ -47,10 +45,21 @@ inline Outcome run(std::vector<std::string> words, const Folder &folder)
         throw std::runtime_error("cannot run " + words[0]);
 
     int status = 0;
-    rusage usage{};
-    while (wait4(child, &status, 0, &usage) < 0 && errno == EINTR) {
+    while (waitpid(child, &status, 0) < 0 && errno == EINTR) {
     }
-    return {WIFEXITED(status) ? WEXITSTATUS(status) : -1, readFile(out), readFile(err), usage.ru_maxrss};
+    return {WIFEXITED(status) ? WEXITSTATUS(status) : -1, readFile(out), readFile(err)};
+}
+
+// The most memory that a program had at a time, in kilobytes. Throws where it fails.
+inline long peakOf(std::vector<std::string> words, const Folder &folder)
+{
+    const Folder result;
+    const std::string file = result / "peak";
+    words.insert(words.begin(), {PEAK_PROGRAM, file});
+    const Outcome outcome = run(words, folder);
+    if (outcome.status != 0)
+        throw std::runtime_error(words[2] + ": " + outcome.err);
+    return std::stol(readFile(file));
 }
 
 } // namespace support
