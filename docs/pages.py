@@ -113,7 +113,7 @@ def filtered(path):
             return f"[{text}](@ref {label(place, anchor)})"
         if place.suffix == ".h" and "include" in place.parts:
             return f"[{text}](@ref {place.name})"
-        return f"[{text}](sources/{place.relative_to(ROOT)})"
+        return f'<a href="sources/{place.relative_to(ROOT)}">{text}</a>'
 
     names = anchors(path)
     for _, line, is_text in lines(path):

@@ -2,16 +2,9 @@
 #pragma once
 
 #include "document.h"
+#include "expected.h"
 #include "support/program.h"
 #include "support/recording.h"
-
-// Whether a text is as expected, where "..." stands for any text within a line.
-inline bool isAsExpected(const std::string &text, const std::string &expected)
-{
-    std::string pattern = std::regex_replace(expected, std::regex(R"([\^$\\.*+?()\[\]{}|])"), R"(\$&)");
-    pattern = std::regex_replace(pattern, std::regex(R"(\\\.\\\.\\\.)"), "[^\n]*");
-    return std::regex_match(text, std::regex(pattern));
-}
 
 // The text of a program to compile; a fragment takes its place in the main of fragment.c. What the compiler says then
 // names the document and its line.
