@@ -104,6 +104,7 @@ TEST(ResampleConfig, OrderComesFromTheTextElseFromTheSettingElseIsThirty)
     EXPECT_EQ(orderOf("ORDER=12"), 12);
     EXPECT_EQ(orderOf("order=12.9"), 12);
     EXPECT_EQ(orderOf("order=many"), 30);
+    EXPECT_EQ(orderOf("order=4294967303"), 30); // 2^32 + 7 is out of range, not cut to 7
     {
         const Setting setting("17");
         EXPECT_EQ(orderOf(""), 17);

@@ -232,3 +232,18 @@ TEST(FilterSetResponse, GainAtZeroFrequencyGoesByParity)
     for (const auto &row : std::span(FilterSet).first<reachable>())
         EXPECT_NEAR(decibels(row, 0.0), row.count % 2 == 0 ? 0.0 : -1.0, 0.01) << name(row);
 }
+
+// The last seven rows are of order 5, for which 1 dB and 60 dB lie a factor of 1.67 apart on the analogue scale
+// (the degree equation), and less than an octave on any digital one.
+TEST(FilterSetResponse, RowsNeverReachedHaveThePassbandOfTheirRates)
+{
+    for (const auto &row : std::span(FilterSet).last<rowCount - reachable>()) {
+        const double end = 0.95 * stopbandStart(row);
+        const auto [lowest, highest] = gains(row, 0.0, end);
+        EXPECT_NEAR(lowest, -1.0, 0.01) << name(row);
+        EXPECT_NEAR(highest, 0.0, 0.01) << name(row);
+        EXPECT_NEAR(decibels(row, end), -1.0, 0.01) << name(row);
+        EXPECT_NEAR(decibels(row, 0.0), 0.0, 0.01) << name(row);
+        EXPECT_LE(gains(row, std::min(1.0, 2.0 * end), 1.0).highest, -59.999) << name(row);
+    }
+}

@@ -6,6 +6,7 @@
 #include "support/log.h"
 #include "support/random.h"
 
+#include <kett/KTsettings.h>
 #include <limits>
 
 namespace
@@ -103,6 +104,23 @@ TEST(HoldStream, MayBeConvertedInPlace)
     }
 }
 
+TEST(HoldStream, OrderDelayCompensationAndTheSettingAreNotLookedAt)
+{
+    support::Log log;
+    support::Random random;
+    const auto input = random.noise(300);
+    for (const Rates rates : {Rates{44100, 48000}, {48000, 44100}}) {
+        const Floats expected = converted(rates, input, {300});
+        KTSETTINGS_SetEx(nullptr, "liborva.resample.polyphase.order=%d", 0);
+        for (const char *config : {"type=zoh", "type=zoh; order=3", "type=zoh; order=0; delaycompensation=0",
+                                   "type=zoh; delaycompensation=1"})
+            EXPECT_TRUE(sameBits(convert(newResampler(rates, config).get(), input, 600), expected))
+                << rates << ", " << config;
+        KTSETTINGS_UnsetEx(nullptr, "liborva.resample.polyphase.order");
+    }
+    EXPECT_TRUE(log.messages.empty());
+}
+
 TEST(HoldStream, DoublingGivesExactlyTwoOutputsForEachInput)
 {
     const auto resampler = newResampler({48000, 96000}, "type=zoh");
@@ -174,13 +192,24 @@ TEST(HoldRecord, CountsInputsAndGrowsItsWorkOnly)
 
 TEST(HoldPairs, AnUnknownPairIsReportedAndGivesZeros)
 {
-    for (const Rates rates : {Rates{48000, 48000}, {44100, 48001}, {8000, 44099}, {48000, 7999}, {3, 2}}) {
+    constexpr int32_t most = std::numeric_limits<int32_t>::max(); // phases up to twice that
+    for (const Rates rates : {Rates{48000, 48000},
+                              {44100, 48001},
+                              {8000, 44099},
+                              {48000, 7999},
+                              {3, 2},
+                              {most, most - 1},
+                              {most - 1, most}}) {
         support::Log log;
         const auto resampler = newResampler(rates, "type=zoh");
         ASSERT_NE(resampler, nullptr);
         EXPECT_EQ(log.messages, std::vector{unsupported(rates)});
         EXPECT_EQ(recordOf(resampler).coefficientCount, 0);
         EXPECT_EQ(recordOf(resampler).denominator, nullptr);
+        EXPECT_EQ(recordOf(resampler).numerator, nullptr);
+        EXPECT_EQ(recordOf(resampler).upsampling, rates.input <= rates.output ? 1 : 0) << rates;
+        EXPECT_EQ(recordOf(resampler).outputsPerInput, rates.output / rates.input + 1) << rates;
+        EXPECT_EQ(recordOf(resampler).stateB, recordOf(resampler).stateA + 1);
         const Floats output = convertInBlocks(resampler.get(), rates, Floats(100, 1.0f), {30});
         EXPECT_TRUE(sameBits(output, Floats(static_cast<size_t>(lengthAfter(100, rates)), 0.0f))) << rates;
         EXPECT_EQ(ORVA_ResampleFlushBufferSize(resampler.get()), 0);

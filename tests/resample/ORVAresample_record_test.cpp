@@ -160,3 +160,49 @@ TEST(PolyphaseRecord, AFlushThatWritesLeavesThePhaseBelowZero)
             EXPECT_EQ(record.delayToSkip, plain.toSkip) << rates;
         }
 }
+
+TEST(PolyphaseRecord, AFlushLeavesItsZerosInTheRing)
+{
+    support::Random random;
+    for (const Rates rates : {Rates{44100, 48000}, {48000, 16000}, {1, 1}, {3, 2}, {1, 5}})
+        for (const int32_t maxCount : {0, 1, 2}) {
+            const auto resampler = newResampler(rates, "order=3");
+            const PolyphaseResampler &record = recordOf(resampler);
+            PlainPolyphase plain(rates, 3, true);
+            const auto input = random.noise(2 * static_cast<size_t>(plain.taps) + 3);
+            convert(resampler.get(), input, static_cast<size_t>(lengthAfter(std::ssize(input), rates)));
+            plain.run(input);
+            flush(resampler.get(), maxCount);
+            plain.flush(maxCount);
+            for (int32_t j = 0; j < plain.taps; ++j)
+                EXPECT_EQ(record.ring[(record.ringPosition + j) % plain.taps], plain.sample(j))
+                    << rates << ", " << maxCount << ", " << j;
+        }
+}
+
+// Zeros whose products with the filter are all -0.0 show where a sum starts: from +0.0 it stays +0.0.
+TEST(PolyphaseRecord, SumsStartAtPlusZero)
+{
+    const std::string config = "order=3; delaycompensation=0";
+    const auto model = newResampler({1, 1}, config);
+    constexpr size_t taps = 7;
+    ASSERT_EQ(recordOf(model).tapsPerPhase, int32_t{taps});
+    const double *coefs = recordOf(model).phases[0];
+    Floats input(taps); // oldest first
+    for (size_t j = 0; j < taps; ++j) {
+        ASSERT_NE(coefs[j], 0.0);
+        input[taps - 1 - j] = coefs[j] < 0.0 ? 0.0f : -0.0f;
+    }
+    ASSERT_LT(coefs[0], 0.0); // so that the zero that a flush plays gives -0.0, too
+
+    for (const std::vector<size_t> &cuts : {std::vector<size_t>{7}, {1, 6}, {6, 1}}) {
+        const Floats output = convertInBlocks(newResampler({1, 1}, config).get(), {1, 1}, input, cuts);
+        ASSERT_EQ(output.size(), taps);
+        EXPECT_EQ(support::bitsOf(output.back()), 0u) << testing::PrintToString(cuts);
+    }
+    const auto flushed = newResampler({1, 1}, config);
+    convert(flushed.get(), std::span(input).first(taps - 1), taps - 1);
+    const Floats tail = flush(flushed.get(), 1);
+    ASSERT_EQ(tail.size(), 1u);
+    EXPECT_EQ(support::bitsOf(tail[0]), 0u);
+}

@@ -55,9 +55,9 @@ TEST(ResampleRefusals, ARateBelowOneGivesNull)
 
 TEST(ResampleRefusals, AnOrderBelowOneGivesAHandleWithoutAConverter)
 {
-    for (const int32_t order : {0, -1, least}) {
+    for (const char *order : {"0", "-1", "-2147483648", "0.9"}) {
         support::Log log;
-        const auto resampler = newResampler({44100, 48000}, "order=" + std::to_string(order));
+        const auto resampler = newResampler({44100, 48000}, std::string("order=") + order);
         ASSERT_NE(resampler, nullptr);
         EXPECT_EQ(log.messages,
                   std::vector{support::terminalError("ORVA_ResampleInit: Parametros invalidos")});
@@ -185,9 +185,11 @@ TEST(ResampleHandles, NullIsReportedByEachAsItsOwnFailure)
 {
     support::Log log;
     float sample = unwritten;
-    EXPECT_EQ(ORVA_Resample(nullptr, &sample, &sample, 1), -1);
-    EXPECT_EQ(log.messages, std::vector{support::error(notInitialized)});
-    log.messages.clear();
+    for (const int32_t count : {1, 0, -1}) {
+        EXPECT_EQ(ORVA_Resample(nullptr, &sample, &sample, count), -1);
+        EXPECT_EQ(log.messages, std::vector{support::error(notInitialized)});
+        log.messages.clear();
+    }
     EXPECT_EQ(ORVA_ResampleFlushBufferSize(nullptr), -1);
     EXPECT_EQ(log.messages, std::vector{support::error(notInitialized)});
     log.messages.clear();
@@ -234,4 +236,17 @@ TEST(ResampleHandlesDeathTest, NullAndAnUnknownModeEndTheProcessThatFlushes)
                         testing::ExitedWithCode(1), testing::Eq(said(KTDEBUG_LEVEL_TERMINAL)));
         std::free(handle);
     }
+}
+
+// By exit(), so that the host's own functions for the end of the process run.
+TEST(ResampleHandlesDeathTest, TheProcessEndsInOrder)
+{
+    ORVA_RESAMPLER *handle = damaged(2);
+    float sample = 0.0f;
+    const auto atTheEnd = [] { std::fputs("bye", stderr); };
+    EXPECT_EXIT((sayAll(), std::atexit(atTheEnd), ORVA_Resample(handle, &sample, &sample, 1)),
+                testing::ExitedWithCode(1), testing::Eq(said(KTDEBUG_LEVEL_ERROR) + "bye"));
+    EXPECT_EXIT((sayAll(), std::atexit(atTheEnd), ORVA_ResampleFlushBuffersEx(handle, &sample, 1)),
+                testing::ExitedWithCode(1), testing::Eq(said(KTDEBUG_LEVEL_TERMINAL) + "bye"));
+    std::free(handle);
 }
