@@ -1,30 +1,17 @@
 // Both structures against their textbook loops: a delay line per channel that is shifted at each sample. And a whole
 // design, from its text to a filter that can run, against that of liquid-dsp, in single precision from numbers; its
 // time is that of one design.
-#include <benchmark/benchmark.h>
+#include "cases.h"
 
 #include <orva/ORVAfilter.h>
 
 #include <complex> // before liquid.h, which then takes its types from here
 #include <liquid/liquid.h>
-#include <random>
-#include <string>
-#include <vector>
 
 namespace
 {
 
 constexpr size_t frames = 1024;
-
-std::vector<float> noise(size_t length)
-{
-    std::mt19937 engine(1);
-    std::uniform_real_distribution<float> uniform(-1.0f, 1.0f);
-    std::vector<float> samples(length);
-    for (float &x : samples)
-        x = uniform(engine);
-    return samples;
-}
 
 void plainDirect(const std::vector<float> &b, const std::vector<float> &a, std::vector<float> &delays,
                  size_t channels, const std::vector<float> &input, std::vector<float> &output)

@@ -1,0 +1,58 @@
+// What benchmarks share: noise, memory as FFTW aligns it, and the registration of a case.
+#pragma once
+
+#include <benchmark/benchmark.h>
+
+#include <fftw3.h>
+#include <memory>
+#include <random>
+#include <string>
+#include <vector>
+
+// The same in every run, within -1 .. 1.
+inline std::vector<float> noise(size_t length)
+{
+    std::mt19937 engine(1);
+    std::uniform_real_distribution<float> uniform(-1.0f, 1.0f);
+    std::vector<float> samples(length);
+    for (float &x : samples)
+        x = uniform(engine);
+    return samples;
+}
+
+// Calls its function with a handle when it goes.
+template <auto destroy> struct Destroy {
+    template <class Handle> void operator()(Handle *handle) const
+    {
+        destroy(handle);
+    }
+};
+
+template <class Handle, auto destroy> using Owned = std::unique_ptr<Handle, Destroy<destroy>>;
+using AlignedFloats = std::unique_ptr<float[], Destroy<fftwf_free>>;
+using Plan = Owned<std::remove_pointer_t<fftwf_plan>, fftwf_destroy_plan>;
+
+inline AlignedFloats alignedFloats(size_t count)
+{
+    AlignedFloats floats(fftwf_alloc_real(count));
+    std::fill_n(floats.get(), count, 0.0f);
+    return floats;
+}
+
+inline fftwf_complex *complexOf(float *floats)
+{
+    return reinterpret_cast<fftwf_complex *>(floats);
+}
+
+// Times what make() gives, a function without arguments that handles `samples` samples a call.
+template <class Make> void addCase(const std::string &name, size_t samples, Make make)
+{
+    benchmark::RegisterBenchmark(name.c_str(), [=](benchmark::State &state) {
+        auto run = make();
+        for (auto _ : state) {
+            run();
+            benchmark::ClobberMemory();
+        }
+        state.SetItemsProcessed(state.iterations() * static_cast<int64_t>(samples));
+    });
+}

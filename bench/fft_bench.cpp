@@ -1,0 +1,125 @@
+// The processors beside FFTW called alone on plans of the same kind, and powers and decibels beside plain
+// loops. Times are for a sample of the transform.
+#include "cases.h"
+
+#include <orva/ORVAcomplex.h>
+
+#include <algorithm>
+#include <cmath>
+
+namespace
+{
+
+using Processor = Owned<ORVA_FFT, ORVA_FFTProcDestroy>;
+
+struct Transform {
+    explicit Transform(size_t N)
+        : samples(alignedFloats(N)), spectrum(alignedFloats(2 * N + 8)), result(alignedFloats(N + 8))
+    {
+        const auto values = noise(N);
+        std::copy(values.begin(), values.end(), samples.get());
+    }
+
+    ORVA_COMPLEX *bins() const
+    {
+        return reinterpret_cast<ORVA_COMPLEX *>(spectrum.get());
+    }
+
+    AlignedFloats samples, spectrum, result;
+};
+
+Plan forwardPlan(size_t N, const Transform &t)
+{
+    return Plan(fftwf_plan_dft_r2c_1d(static_cast<int>(N), t.samples.get(), complexOf(t.spectrum.get()),
+                                      FFTW_ESTIMATE));
+}
+
+void addForward(size_t N)
+{
+    const std::string name = "forward, N " + std::to_string(N);
+    addCase(name + "/orva", N, [=] {
+        return [t = Transform(N), fft = Processor(ORVA_FFTProcCreate(static_cast<int32_t>(N)))] {
+            ORVA_FFTProcExecute(fft.get(), t.samples.get(), t.bins());
+        };
+    });
+    addCase(name + "/bare", N, [=] {
+        Transform t(N);
+        Plan plan = forwardPlan(N, t);
+        return [t = std::move(t), plan = std::move(plan)] {
+            fftwf_execute_dft_r2c(plan.get(), t.samples.get(), complexOf(t.spectrum.get()));
+        };
+    });
+}
+
+// The spectrum is spoiled by each run, which changes its values and not the time.
+void addInverse(size_t N)
+{
+    const std::string name = "inverse, N " + std::to_string(N);
+    addCase(name + "/orva", N, [=] {
+        return [t = Transform(N), fft = Processor(ORVA_IFFTProcCreate(static_cast<int32_t>(N)))] {
+            ORVA_IFFTProcExecuteEx(fft.get(), t.bins(), t.result.get(), true);
+        };
+    });
+    addCase(name + "/bare", N, [=] {
+        Transform t(N);
+        Plan plan(fftwf_plan_dft_c2r_1d(static_cast<int>(N), complexOf(t.spectrum.get()), t.result.get(),
+                                        FFTW_ESTIMATE));
+        return [t = std::move(t), plan = std::move(plan)] {
+            fftwf_execute_dft_c2r(plan.get(), complexOf(t.spectrum.get()), t.result.get());
+        };
+    });
+}
+
+void addPower(size_t N)
+{
+    const std::string name = "power, N " + std::to_string(N);
+    addCase(name + "/orva", N, [=] {
+        return [t = Transform(N), fft = Processor(ORVA_FFTProcCreate(static_cast<int32_t>(N)))] {
+            ORVA_FFTProcExecutePSDEx(fft.get(), t.samples.get(), t.result.get(), t.bins());
+        };
+    });
+    addCase(name + "/plain", N, [=] {
+        Transform t(N);
+        Plan plan = forwardPlan(N, t);
+        return [N, t = std::move(t), plan = std::move(plan)] {
+            fftwf_execute_dft_r2c(plan.get(), t.samples.get(), complexOf(t.spectrum.get()));
+            for (size_t k = 0; k <= N / 2; ++k)
+                t.result[k] = t.bins()[k].re * t.bins()[k].re + t.bins()[k].im * t.bins()[k].im;
+        };
+    });
+}
+
+void addDecibels(size_t N)
+{
+    const std::string name = "decibels, N " + std::to_string(N);
+    const auto powers = [](size_t count) {
+        Transform t(count);
+        for (size_t i = 0; i < count; ++i)
+            t.samples[i] = t.samples[i] * t.samples[i];
+        return t;
+    };
+    addCase(name + "/orva", N, [=] {
+        return [N, t = powers(N)] {
+            ORVA_PSDtoDB(static_cast<int32_t>(N), t.samples.get(), t.result.get(), nullptr, 1.0, 120.0);
+        };
+    });
+    addCase(name + "/plain", N, [=] {
+        return [N, t = powers(N)] {
+            const float scale = 4.0f / (static_cast<float>(N) * static_cast<float>(N));
+            for (size_t k = 0; k <= N / 2; ++k)
+                t.result[k] = std::max(10.0f * std::log10(t.samples[k] * scale), -120.0f);
+        };
+    });
+}
+
+const bool registered = [] {
+    for (size_t N : {64, 256, 480, 1024, 4096, 65536}) {
+        addForward(N);
+        addInverse(N);
+        addPower(N);
+        addDecibels(N);
+    }
+    return true;
+}();
+
+} // namespace
