@@ -30,7 +30,12 @@ install(FILES ${PROJECT_BINARY_DIR}/orva-config.cmake ${PROJECT_BINARY_DIR}/orva
     DESTINATION ${package_folder} COMPONENT development)
 
 set(pkgconfig_folder ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
-string(REGEX REPLACE "[^/]+" ".." pcfile_to_prefix ${pkgconfig_folder})
+if(CMAKE_INSTALL_PREFIX STREQUAL /usr)
+    set(pkgconfig_prefix /usr)                            # does not move; pkg-config leaves out what the compiler knows
+else()
+    string(REGEX REPLACE "[^/]+" ".." up ${pkgconfig_folder})
+    set(pkgconfig_prefix "\${pcfiledir}/${up}")
+endif()
 get_target_property(kett_version kett VERSION)
 foreach(library orva kett)
     configure_file(cmake/${library}.pc.in ${PROJECT_BINARY_DIR}/${library}.pc @ONLY)

@@ -27,7 +27,7 @@ public:
         : project("static")
     {
         std::vector<std::string> words = {"cc", "-o", "host", source};
-        for (const auto &word : wordsOf(outputOf({"env", "PKG_CONFIG_PATH=" + prefix / "lib/pkgconfig",
+        for (const auto &word : wordsOf(outputOf({"env", "PKG_CONFIG_PATH=" + prefix.pkgconfig(),
                                                   "pkg-config", "--static", "--cflags", "--libs", "orva"},
                                                  project.folder)))
             words.push_back(word == "-lfftw3f" && option == "-l:libfftw3f.a" ? option : word);
@@ -72,10 +72,10 @@ TEST(StaticInstall, ServesOutsideProjectsAlsoWhereItIsMoved)
     const Project makefile("makefile");
     const Project findPackage("find_package");
     for (int round = 0; round < 2; ++round) {
-        EXPECT_EQ(makefile.make(prefix, statically), madeFile);
+        EXPECT_EQ(makefile.make(prefix.pkgconfig(), statically), madeFile);
         EXPECT_FALSE(needs("host", "liborva", makefile.folder));
         EXPECT_FALSE(needs("host", "libkett", makefile.folder));
-        EXPECT_EQ(findPackage.cmake(prefix), foundPackage);
+        EXPECT_EQ(findPackage.cmake(prefix.path()), foundPackage);
         EXPECT_FALSE(needs("build/host", "liborva", findPackage.folder));
         EXPECT_TRUE(fs::remove(findPackage.folder / "ruko.optimization"))
             << "not written: libkett has gone down before liborva";
@@ -93,7 +93,7 @@ TEST(StaticInstall, ServesAProjectInCAlone)
                        "find_package(orva 3.7 REQUIRED CONFIG)\n"
                        "add_executable(host host.c)\n"
                        "target_link_libraries(host orva::orva orva::kett m)\n");
-    EXPECT_EQ(project.cmake(prefix), madeFile);
+    EXPECT_EQ(project.cmake(prefix.path()), madeFile);
 }
 
 TEST(StaticInstall, AnyUseBringsTheLifeCycle)
@@ -145,9 +145,9 @@ TEST(BothInstalled, SharedLibrariesAreTakenUnlessStaticOnesAreAskedFor)
          {std::pair{SHARED_BUILD, STATIC_BUILD}, std::pair{STATIC_BUILD, SHARED_BUILD}}) {
         Prefix prefix(first);
         prefix.add(second);
-        EXPECT_EQ(project.cmake(prefix), foundPackage);
+        EXPECT_EQ(project.cmake(prefix.path()), foundPackage);
         EXPECT_TRUE(needs("build/host", "liborva.so.3", project.folder));
-        EXPECT_EQ(project.cmake(prefix, {"-Dorva_USE_STATIC_LIBS=ON"}), foundPackage);
+        EXPECT_EQ(project.cmake(prefix.path(), {"-Dorva_USE_STATIC_LIBS=ON"}), foundPackage);
         EXPECT_FALSE(needs("build/host", "liborva", project.folder));
     }
 }

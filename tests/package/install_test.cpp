@@ -64,9 +64,9 @@ TEST(Install, ServesOutsideProjectsAlsoWhereItIsMoved)
     const auto names = listedNames(SOURCE_DIR "/src/exports.txt");
     ASSERT_FALSE(names.empty());
     const auto buildAndRunAll = [&] {
-        EXPECT_EQ(makefile.make(prefix), madeFile);
-        EXPECT_EQ(findPackage.cmake(prefix), foundPackage);
-        EXPECT_EQ(runTime.make(prefix, {"NAMES=" SOURCE_DIR "/src/exports.txt"}),
+        EXPECT_EQ(makefile.make(prefix.pkgconfig()), madeFile);
+        EXPECT_EQ(findPackage.cmake(prefix.path()), foundPackage);
+        EXPECT_EQ(runTime.make(prefix.pkgconfig(), {"NAMES=" SOURCE_DIR "/src/exports.txt"}),
                   std::to_string(names.size()) + " names found\n");
     };
     buildAndRunAll();
@@ -84,7 +84,7 @@ TEST(Install, WritesTheStoreAtTheEndOfAnOutsideProgram)
 {
     const Prefix prefix(SHARED_BUILD);
     const Project project("find_package");
-    project.cmake(prefix);
+    project.cmake(prefix.path());
     EXPECT_TRUE(fs::exists(project.folder / "ruko.optimization"));
 }
 
@@ -114,7 +114,7 @@ TEST(PkgConfig, TellsTheVersionsAndNoOptionOfOthers)
 {
     const Prefix prefix(SHARED_BUILD);
     const support::Folder folder;
-    const std::string path = "PKG_CONFIG_PATH=" + prefix / "lib/pkgconfig";
+    const std::string path = "PKG_CONFIG_PATH=" + prefix.pkgconfig();
     EXPECT_EQ(outputOf({"env", path, "pkg-config", "--modversion", "orva"}, folder), "3.7.18\n");
     EXPECT_EQ(outputOf({"env", path, "pkg-config", "--modversion", "kett"}, folder), "1.0.0\n");
     EXPECT_EQ(outputOf({"env", path, "pkg-config", "--validate", "orva", "kett"}, folder), "");

@@ -36,14 +36,21 @@ public:
         add(build);
     }
 
+    // All but the reference, which may be in the making.
     void add(const std::string &build)
     {
-        outputOf({"cmake", "--install", build, "--prefix", path()}, parent);
+        for (const char *component : {"runtime", "development", "archives"})
+            outputOf({"cmake", "--install", build, "--prefix", path(), "--component", component}, parent);
     }
 
     std::string path() const
     {
         return parent / name;
+    }
+
+    std::string pkgconfig() const
+    {
+        return path() + "/lib/pkgconfig";
     }
 
     std::string operator/(const std::string &entry) const
@@ -71,20 +78,27 @@ public:
         fs::copy(SOURCE_DIR "/tests/package/" + name, folder.path, fs::copy_options::recursive);
     }
 
-    std::string make(const Prefix &prefix, const std::vector<std::string> &settings = {}) const
+    // Builds it by its Makefile and runs it. `root` stands for / where the pkg-config files say so.
+    std::string make(const std::string &pkgconfigFolder, const std::vector<std::string> &settings = {},
+                     const std::string &root = "") const
     {
-        std::vector<std::string> words = {"env",      "PKG_CONFIG_PATH=" + prefix / "lib/pkgconfig",
-                                          "make",     "--always-make",
-                                          "--silent", "host"};
+        std::vector<std::string> words = {"env",
+                                          "PKG_CONFIG_PATH=" + pkgconfigFolder,
+                                          "PKG_CONFIG_SYSROOT_DIR=" + root,
+                                          "make",
+                                          "--always-make",
+                                          "--silent",
+                                          "host"};
         words.insert(words.end(), settings.begin(), settings.end());
         outputOf(words, folder);
         return outputOf({"./host"}, folder);
     }
 
-    std::string cmake(const Prefix &prefix, const std::vector<std::string> &settings = {}) const
+    // Builds it by CMake and runs it with its folder as argument.
+    std::string cmake(const std::string &prefix, const std::vector<std::string> &settings = {}) const
     {
         std::vector<std::string> words = {
-            "cmake", "-S", ".", "-B", "build", "--fresh", "-DCMAKE_PREFIX_PATH=" + prefix.path()};
+            "cmake", "-S", ".", "-B", "build", "--fresh", "-DCMAKE_PREFIX_PATH=" + prefix};
         words.insert(words.end(), settings.begin(), settings.end());
         outputOf(words, folder);
         outputOf({"cmake", "--build", "build"}, folder);

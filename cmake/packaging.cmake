@@ -1,0 +1,102 @@
+# The Debian packages that script/package makes, out of this build with shared libraries and another with static ones:
+#   liborva3       both shared libraries
+#   liborva-dev    headers, link names, CMake package, pkg-config files, static libraries
+#   liborva-doc    the HTML reference
+set(ORVA_STATIC_BUILD "" CACHE PATH "Build with static libraries that goes into the packages; makes this build ready to be packed")
+if(NOT ORVA_STATIC_BUILD)
+    return()
+endif()
+
+set(CPACK_GENERATOR DEB)
+set(CPACK_PACKAGE_NAME lib${PROJECT_NAME})
+set(CPACK_PACKAGING_INSTALL_PREFIX ${CMAKE_INSTALL_PREFIX})
+set(CPACK_STRIP_FILES ON)
+set(CPACK_INSTALL_DEFAULT_DIRECTORY_PERMISSIONS
+    OWNER_READ OWNER_WRITE OWNER_EXECUTE GROUP_READ GROUP_EXECUTE WORLD_READ WORLD_EXECUTE)
+set(CPACK_COMPONENTS_ALL runtime development archives documentation)
+set(CPACK_INSTALL_CMAKE_PROJECTS
+    ${PROJECT_BINARY_DIR} ${PROJECT_NAME} runtime /
+    ${PROJECT_BINARY_DIR} ${PROJECT_NAME} development /
+    ${ORVA_STATIC_BUILD} ${PROJECT_NAME} archives /
+    ${PROJECT_BINARY_DIR} ${PROJECT_NAME} documentation /)
+
+# Each package tells its licence and what is new.
+set(maintainer "liborva maintainers <maintainers@liborva.invalid>")
+if(DEFINED ENV{DEBFULLNAME} AND DEFINED ENV{DEBEMAIL})
+    set(maintainer "$ENV{DEBFULLNAME} <$ENV{DEBEMAIL}>")
+endif()
+set(version ${PROJECT_VERSION}-1)
+string(TIMESTAMP date "%a, %d %b %Y %H:%M:%S +0000" UTC)
+set(debian ${PROJECT_BINARY_DIR}/debian)
+file(REMOVE_RECURSE ${debian})
+configure_file(cmake/debian/changelog.in ${debian}/changelog.Debian @ONLY)
+configure_file(CHANGELOG.md ${debian}/changelog COPYONLY)
+execute_process(COMMAND gzip -9n changelog changelog.Debian WORKING_DIRECTORY ${debian} COMMAND_ERROR_IS_FATAL ANY)
+function(orva_package group package)
+    cpack_add_component_group(${group})
+    foreach(component ${ARGN})
+        cpack_add_component(${component} GROUP ${group})
+    endforeach()
+    list(GET ARGN 0 component)
+    install(FILES cmake/debian/copyright ${debian}/changelog.gz ${debian}/changelog.Debian.gz
+        DESTINATION share/doc/${package} COMPONENT ${component})
+endfunction()
+
+set(CPACK_GENERATOR DEB)
+set(CPACK_DEB_COMPONENT_INSTALL ON)
+set(CPACK_PACKAGE_NAME liborva)
+set(CPACK_PACKAGE_VERSION ${PROJECT_VERSION})
+set(CPACK_PACKAGING_INSTALL_PREFIX ${CMAKE_INSTALL_PREFIX})
+set(CPACK_STRIP_FILES ON)
+set(CPACK_INSTALL_DEFAULT_DIRECTORY_PERMISSIONS
+    OWNER_READ OWNER_WRITE OWNER_EXECUTE GROUP_READ GROUP_EXECUTE WORLD_READ WORLD_EXECUTE)
+set(CPACK_COMPONENTS_SHARED runtime development documentation)
+set(CPACK_COMPONENTS_STATIC archives)
+set(CPACK_INSTALL_CMAKE_PROJECTS
+    ${PROJECT_BINARY_DIR} ${PROJECT_NAME} SHARED /
+    ${ORVA_STATIC_BUILD} ${PROJECT_NAME} STATIC /)
+
+set(CPACK_DEBIAN_PACKAGE_MAINTAINER ${maintainer})
+set(CPACK_DEBIAN_PACKAGE_VERSION ${version})
+set(CPACK_DEBIAN_PACKAGE_SOURCE liborva)
+set(CPACK_DEBIAN_PACKAGE_CONTROL_STRICT_PERMISSION ON)
+set(CPACK_DEBIAN_COMPRESSION_TYPE xz)
+set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
+set(CPACK_PACKAGE_DESCRIPTION_SUMMARY "")                 # would be put in front of each description
+set(about "liborva offers programs that analyse, annotate, measure and play sound a plain
+C interface over buffers and handles of their own: windows, transforms,
+correlation, filters, time scaling, noise suppression, interpolation and more.
+")
+
+set(CPACK_DEBIAN_LIBRARY_PACKAGE_NAME liborva${PROJECT_VERSION_MAJOR})
+set(CPACK_DEBIAN_LIBRARY_PACKAGE_SECTION libs)
+set(CPACK_DEBIAN_LIBRARY_DESCRIPTION "audio signal processing routines with a plain C interface
+${about}
+This package has the shared libraries liborva and libkett, its foundation.")
+configure_file(cmake/debian/shlibs.in ${debian}/shlibs @ONLY)
+set(CPACK_DEBIAN_LIBRARY_PACKAGE_CONTROL_EXTRA ${debian}/shlibs ${PROJECT_SOURCE_DIR}/cmake/debian/triggers)
+set(CPACK_PROJECT_CONFIG_FILE ${PROJECT_SOURCE_DIR}/cmake/packaging_needs.cmake)    # its dependencies
+
+set(CPACK_DEBIAN_DEV_PACKAGE_NAME liborva-dev)
+set(CPACK_DEBIAN_DEV_PACKAGE_SECTION libdevel)
+set(CPACK_DEBIAN_DEV_DESCRIPTION "audio signal processing routines (development files)
+${about}
+This package has the headers and the static libraries of liborva and libkett,
+and what CMake and pkg-config need to find them.")
+# The static libraries need the last three; pkg-config looks for the file of FFTW at any question.
+string(JOIN ", " CPACK_DEBIAN_DEV_PACKAGE_DEPENDS
+    "${CPACK_DEBIAN_LIBRARY_PACKAGE_NAME} (= ${version})"
+    libfftw3-dev libwebrtc-audio-processing-dev "libstdc++-12-dev | libstdc++-dev")
+set(CPACK_DEBIAN_DEV_PACKAGE_SUGGESTS "liborva-doc, pkg-config, cmake")
+
+set(CPACK_DEBIAN_DOC_PACKAGE_NAME liborva-doc)
+set(CPACK_DEBIAN_DOC_PACKAGE_SECTION doc)
+set(CPACK_DEBIAN_DOC_PACKAGE_ARCHITECTURE all)
+set(CPACK_DEBIAN_DOC_DESCRIPTION "audio signal processing routines (documentation)
+${about}
+This package has the documentation of liborva and libkett as HTML.")
+
+include(CPack)
+orva_package(library ${CPACK_DEBIAN_LIBRARY_PACKAGE_NAME} runtime)
+orva_package(dev liborva-dev development archives)
+orva_package(doc liborva-doc documentation)

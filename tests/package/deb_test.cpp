@@ -1,0 +1,180 @@
+// The Debian packages, as far as they can be looked at without installing them. That they are made and that lintian finds
+// no error in them is the test by which ctest makes them.
+#include "installed.h"
+
+#include <map>
+#include <sstream>
+
+using namespace installed;
+
+namespace
+{
+
+std::string field(const std::string &package, const std::string &name)
+{
+    const support::Folder folder;
+    std::string text = outputOf({"dpkg-deb", "--field", package, name}, folder);
+    while (!text.empty() && text.back() == '\n')
+        text.pop_back();
+    return text;
+}
+
+// The packages by name.
+std::map<std::string, std::string> packages()
+{
+    std::map<std::string, std::string> files;
+    for (const auto &entry : fs::directory_iterator(DEB_FOLDER))
+        if (entry.path().extension() == ".deb")
+            files[field(entry.path(), "Package")] = entry.path();
+    return files;
+}
+
+std::string multiarch()
+{
+    const support::Folder folder;
+    std::string name = outputOf({"dpkg-architecture", "-qDEB_HOST_MULTIARCH"}, folder);
+    name.pop_back();
+    return name;
+}
+
+// What a package holds, without the many headers and pages of the reference.
+std::set<std::string> filesOf(const std::string &package)
+{
+    const support::Folder folder;
+    std::istringstream lines(outputOf({"dpkg-deb", "--contents", package}, folder));
+    std::set<std::string> files;
+    for (std::string line; std::getline(lines, line);) {
+        const bool isFolder = line[0] == 'd';
+        const bool isLink = line[0] == 'l';
+        EXPECT_EQ(line.substr(0, 10), isFolder ? "drwxr-xr-x" : isLink ? "lrwxrwxrwx" : "-rw-r--r--") << line;
+        EXPECT_NE(line.find(" root/root "), std::string::npos) << line;
+        const std::string path = line.substr(line.find(" ./") + 3);
+        if (!isFolder && path.find("/html/") == std::string::npos && !path.starts_with("usr/include/"))
+            files.insert(path);
+    }
+    return files;
+}
+
+std::string controlFile(const std::string &package, const std::string &name)
+{
+    const support::Folder folder;
+    return outputOf({"dpkg-deb", "--info", package, name}, folder);
+}
+
+std::string library(const std::string &name)
+{
+    return "usr/lib/" + multiarch() + "/" + name;
+}
+
+std::set<std::string> documentsOf(const std::string &package)
+{
+    const std::string folder = "usr/share/doc/" + package + "/";
+    return {folder + "changelog.Debian.gz", folder + "changelog.gz", folder + "copyright"};
+}
+
+// All three, unpacked together.
+struct Root {
+    support::Folder folder;
+
+    Root()
+    {
+        for (const auto &[name, file] : packages())
+            outputOf({"dpkg-deb", "--extract", file, folder.path}, folder);
+    }
+};
+
+} // namespace
+
+TEST(DebianPackages, AreThree)
+{
+    std::set<std::string> names;
+    for (const auto &[name, file] : packages()) {
+        names.insert(name);
+        EXPECT_EQ(field(file, "Version"), "3.7.18-1");
+    }
+    EXPECT_EQ(names, (std::set<std::string>{"liborva-dev", "liborva-doc", "liborva3"}));
+}
+
+TEST(DebianPackages, HoldWhatBelongsInThem)
+{
+    auto expected = documentsOf("liborva3");
+    for (const char *name : {"libkett.so.1 -> libkett.so.1.0.0", "libkett.so.1.0.0",
+                             "liborva.so.3 -> liborva.so.3.7.18", "liborva.so.3.7.18"})
+        expected.insert(library(name));
+    EXPECT_EQ(filesOf(packages()["liborva3"]), expected);
+
+    expected = documentsOf("liborva-dev");
+    for (const char *name :
+         {"cmake/orva/orva-config-version.cmake", "cmake/orva/orva-config.cmake",
+          "cmake/orva/orva-shared-targets-release.cmake", "cmake/orva/orva-shared-targets.cmake",
+          "cmake/orva/orva-static-targets-release.cmake", "cmake/orva/orva-static-targets.cmake", "libkett.a",
+          "libkett.so -> libkett.so.1", "liborva.a", "liborva.so -> liborva.so.3", "pkgconfig/kett.pc",
+          "pkgconfig/orva.pc"})
+        expected.insert(library(name));
+    EXPECT_EQ(filesOf(packages()["liborva-dev"]), expected);
+
+    EXPECT_EQ(filesOf(packages()["liborva-doc"]), documentsOf("liborva-doc"));
+    const Root root;
+    EXPECT_TRUE(fs::exists(root.folder / "usr/share/doc/liborva-doc/html/index.html"));
+    EXPECT_TRUE(fs::exists(root.folder / "usr/include/orva/orva.h"));
+    EXPECT_TRUE(fs::exists(root.folder / "usr/include/kett/kett.h"));
+}
+
+TEST(DebianPackages, AskForWhatTheyNeed)
+{
+    const std::string needs = field(packages()["liborva3"], "Depends") + ",";
+    for (const char *package :
+         {"libc6 (", "libfftw3-single3 (", "libstdc++6 (", "libwebrtc-audio-processing1"})
+        EXPECT_NE(needs.find(package), std::string::npos) << package << " is not in " << needs;
+    EXPECT_EQ(needs.find("liborva"), std::string::npos) << "needs itself: " << needs;
+    EXPECT_EQ(field(packages()["liborva-dev"], "Depends"),
+              "liborva3 (= 3.7.18-1), libfftw3-dev, libwebrtc-audio-processing-dev, "
+              "libstdc++-12-dev | libstdc++-dev");
+    EXPECT_EQ(field(packages()["liborva-doc"], "Depends"), "");
+    EXPECT_EQ(field(packages()["liborva-doc"], "Architecture"), "all");
+}
+
+TEST(DebianPackages, TellDpkgAndTheLoaderOfTheLibraries)
+{
+    const std::string package = packages()["liborva3"];
+    EXPECT_EQ(controlFile(package, "shlibs"),
+              "liborva 3 liborva3 (>= 3.7.18)\nlibkett 1 liborva3 (>= 3.7.18)\n");
+    EXPECT_EQ(controlFile(package, "triggers"), "activate-noawait ldconfig\n");
+}
+
+TEST(DebianPackages, CarryTheSumsOfTheirFiles)
+{
+    for (const auto &[name, file] : packages()) {
+        const Root root;
+        support::writeFile(root.folder / "sums", controlFile(file, "md5sums"));
+        outputOf({"md5sum", "--check", "--quiet", "--strict", "sums"}, root.folder);
+    }
+}
+
+TEST(DebianPackages, ServeOutsideProjects)
+{
+    const Root root;
+    const std::string usr = root.folder / "usr";
+    const std::string libraries = usr + "/lib/" + multiarch();
+
+    const Project findPackage("find_package");
+    EXPECT_EQ(findPackage.cmake(usr), foundPackage);
+    EXPECT_TRUE(needs("build/host", "liborva.so.3", findPackage.folder));
+    EXPECT_EQ(findPackage.cmake(usr, {"-Dorva_USE_STATIC_LIBS=ON"}), foundPackage);
+    EXPECT_FALSE(needs("build/host", "liborva", findPackage.folder));
+
+    const Project makefile("makefile");
+    const std::vector<std::string> place = {"LDFLAGS=-Wl,-rpath," + libraries};
+    EXPECT_EQ(makefile.make(libraries + "/pkgconfig", place, root.folder.path), madeFile);
+    EXPECT_TRUE(needs("host", "liborva.so.3", makefile.folder));
+}
+
+// In the place that it is made for, the compiler needs no option to find the headers and the linker none for the folder.
+TEST(DebianPackages, NameNoFolderThatTheCompilerKnows)
+{
+    const Root root;
+    EXPECT_EQ(outputOf({"env", "PKG_CONFIG_PATH=" + root.folder / library("pkgconfig"), "pkg-config",
+                        "--cflags", "--libs", "orva", "kett"},
+                       root.folder),
+              "-lorva -lkett \n");
+}
