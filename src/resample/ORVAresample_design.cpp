@@ -74,6 +74,12 @@ static void sortIntoPhases(PolyphaseResampler *resampler, const double *h, int32
             resampler->phases[p][j] = h[p + j * L];
 }
 
+int32_t polyphaseDelay(int32_t prototypeOrder, int32_t downFactor)
+{
+    const auto step = static_cast<float>(downFactor);
+    return static_cast<int32_t>(std::round(static_cast<float>(prototypeOrder) / (step + step)));
+}
+
 PolyphaseResampler *newPolyphase(int32_t inputRate, int32_t outputRate, int32_t order, bool compensates)
 {
     const int32_t common = std::gcd(inputRate, outputRate);
@@ -92,8 +98,7 @@ PolyphaseResampler *newPolyphase(int32_t inputRate, int32_t outputRate, int32_t 
         resampler->upFactor = L;
         resampler->downFactor = M;
         resampler->tapsPerPhase = static_cast<int32_t>(tapsOf(length, L));
-        const auto step = static_cast<float>(M);
-        resampler->delay = static_cast<int32_t>(std::round(static_cast<float>(N) / (step + step)));
+        resampler->delay = polyphaseDelay(N, M);
         resampler->delayToSkip = compensates ? resampler->delay : 0;
         complete = allocate(resampler);
     }

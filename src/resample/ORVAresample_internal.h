@@ -49,6 +49,9 @@ constexpr int64_t maxDesignBytes = int64_t{1} << 30;
 // The bytes that the design of a polyphase converter takes; -1 where its filter's length leaves 32 bits.
 int64_t polyphaseDesignBytes(int32_t order, int32_t upFactor, int32_t downFactor);
 
+// Of a filter with `prototypeOrder` + 1 taps, in output samples, computed and rounded in single precision.
+int32_t polyphaseDelay(int32_t prototypeOrder, int32_t downFactor);
+
 // Null when it takes too much, or memory is out. `order` is at least 1, the rates are.
 PolyphaseResampler *newPolyphase(int32_t inputRate, int32_t outputRate, int32_t order, bool compensates);
 void freePolyphase(PolyphaseResampler *resampler);

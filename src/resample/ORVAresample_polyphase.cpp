@@ -69,10 +69,11 @@ static void sumOutputs(const PolyphaseResampler *resampler, int32_t count, int64
     double *const *phases = resampler->phases;
     const int32_t samplesPerStep = resampler->downFactor / up;
     const int32_t phasesPerStep = resampler->downFactor % up;
-    const double *newest = resampler->work + (count - 1 - start / up);
+    const double *work = resampler->work;
+    int64_t newest = count - 1 - start / up; // in `work`; below it behind the last output
     auto phase = static_cast<int32_t>(start % up);
     const auto next = [&] {
-        const Factors factors{phases[phase], newest};
+        const Factors factors{phases[phase], work + newest};
         newest -= samplesPerStep;
         phase += phasesPerStep;
         if (phase >= up) {

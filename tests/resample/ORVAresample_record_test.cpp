@@ -51,6 +51,13 @@ TEST(PolyphaseRecord, HoldsTheWorkedNumbers)
         }
 }
 
+TEST(PolyphaseRecord, TheDelayIsRoundedInSinglePrecision)
+{
+    EXPECT_EQ(polyphaseDelay(9600, 147), 33);
+    EXPECT_EQ(polyphaseDelay(6, 2), 2);               // 1.5
+    EXPECT_EQ(polyphaseDelay(33560998, 1000), 16781); // 16780.499; the float next to N is 33561000
+}
+
 TEST(PolyphaseRecord, PhasesAreThePrototypeSorted)
 {
     for (const Rates rates : {Rates{44100, 48000},
