@@ -5,7 +5,7 @@
  *
  * Every key may be left out, channel=1 too; hop is then a quarter of size. A sine of full scale has 0 dB, and range
  * is what is shown below that. Frames are centred on every hop-th sample. Of all that falls on one point of the
- * picture, the loudest shows.
+ * picture, the loudest shows. The library is called in common/spectrum.c.
  */
 #include "common/frames.h"
 #include "common/messages.h"

@@ -10,8 +10,6 @@
 #include <stdlib.h>
 #include <string.h>
 
-enum { blockFrames = 4096 };
-
 static int64_t least(int64_t a, int64_t b)
 {
     return a < b ? a : b;
@@ -23,7 +21,7 @@ static int64_t count_frames(sound *input)
     if (input->info.frames < SF_COUNT_MAX)
         return input->info.frames;
     int64_t total = 0, got;
-    while ((got = sf_readf_float(input->file, input->block, blockFrames)) > 0)
+    while ((got = sf_readf_float(input->file, input->block, SOUND_BLOCK)) > 0)
         total += got;
     return sf_seek(input->file, 0, SEEK_SET) == 0 ? total : 0;
 }
@@ -48,7 +46,7 @@ static bool open_file(sound *input)
     input->file = sf_open(input->path, SFM_READ, &input->info);
     if (input->file == NULL)
         return refuse("%s: %s", input->path, open_error(input->path));
-    input->block = allocate((size_t) blockFrames * (size_t) input->info.channels, sizeof(float));
+    input->block = allocate((size_t) SOUND_BLOCK * (size_t) input->info.channels, sizeof(float));
     input->length = count_frames(input);
     return input->length > 0 || refuse("%s: holds no samples", input->path);
 }
@@ -79,7 +77,7 @@ int64_t sound_read(sound *input, int channel, float *samples, int64_t count)
     const int64_t wanted = least(count, input->length - input->position);
     int64_t done = 0;
     while (done < wanted) {
-        const int64_t got = sf_readf_float(input->file, input->block, least(wanted - done, blockFrames));
+        const int64_t got = sf_readf_float(input->file, input->block, least(wanted - done, SOUND_BLOCK));
         if (got <= 0) {
             input->endedEarly = true;
             break;

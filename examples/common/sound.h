@@ -7,6 +7,8 @@
 #include <stdbool.h>
 #include <stdint.h>
 
+enum { SOUND_BLOCK = 4096 };
+
 /* A file being read. In sound files, a frame is one sample of every channel. */
 typedef struct {
     const char *path;
@@ -16,7 +18,7 @@ typedef struct {
     int64_t position;  /* frames read so far */
     int64_t notFinite; /* samples read as 0 because they were infinite or not a number */
     bool endedEarly;   /* fewer frames could be read than the file announces */
-    float *block;      /* where the channels are taken apart */
+    float *block;      /* SOUND_BLOCK frames, where the channels are taken apart */
 } sound;
 
 /* Opens a file. Refuses, with null, what is missing, no sound, or without a single sample. */

@@ -5,6 +5,7 @@
 #include <math.h>
 #include <orva/ORVAcomplex.h>
 #include <orva/ORVAwinfnc.h>
+#include <string.h>
 
 bool spectrum_begin(spectrum *s, int32_t window, int32_t size)
 {
@@ -29,6 +30,15 @@ void spectrum_transform(spectrum *s)
 {
     ORVA_ApplyWindow(s->window, s->frame, s->size);
     ORVA_FFTProcExecutePSDEx(s->fft, s->frame, s->power, s->work);
+}
+
+void spectrum_follow(spectrum *s, float *past, const float *newer, int32_t count)
+{
+    const size_t kept = (size_t) (s->size - count);
+    memmove(past, past + count, kept * sizeof *past);
+    memcpy(past + kept, newer, (size_t) count * sizeof *past);
+    memcpy(s->frame, past, (size_t) s->size * sizeof *past);
+    spectrum_transform(s);
 }
 
 void spectrum_measure(spectrum *s, const float *gain, double range)
