@@ -11,6 +11,9 @@
  *          ORVA_DoNoiseSup(suppressor, input, output);
  *      ORVA_DestroyNoiseSup(suppressor);
  *
+ *  Delay: at 8000 and 16000 Hz the output lags by 0.6 frames, 48 and 96 samples; a frame of silence behind the end of a
+ *  stream brings out the rest of it.
+ *
  *  What comes out:
  *   - 8000 and 16000 Hz: the suppressor's output. Frames go to its processing step only, never to its analysis step, on
  *     which its noise estimate rests, so it takes next to nothing away: the level of ten seconds of white noise at -26 dB,

@@ -172,6 +172,33 @@ TEST(NoiseSup, FloatSamplesPassThroughSixteenBits)
     }
 }
 
+// White noise comes back later and otherwise nearly as it was, so no other lag leaves as small a difference.
+TEST(NoiseSup, OutputLagsBySixTenthsOfAFrame)
+{
+    Random random;
+    for (const int32_t rate : {8000, 16000}) {
+        const auto created = suppressor(rate, 3);
+        const size_t frame = static_cast<size_t>(rate) / 100, lag = frame * 6 / 10;
+        Frame input, output;
+        for (int i = 0; i < 50; ++i) {
+            const auto next = noiseFrame(random, rate / 100), given = run(created, next);
+            input.insert(input.end(), next.begin(), next.end());
+            output.insert(output.end(), given.begin(), given.end());
+        }
+        const auto difference = [&](size_t shift) { // in power, relative to the input
+            double error = 0.0, power = 0.0;
+            for (size_t n = 10 * frame; n < input.size(); ++n) {
+                error += std::pow(output[n] - input[n - shift], 2);
+                power += std::pow(input[n - shift], 2);
+            }
+            return error / power;
+        };
+        EXPECT_LT(difference(lag), 1e-5) << rate;
+        EXPECT_GT(difference(lag - 1), 1.0) << rate;
+        EXPECT_GT(difference(lag + 1), 1.0) << rate;
+    }
+}
+
 TEST(NoiseSup, WorksInPlace)
 {
     Random random;
