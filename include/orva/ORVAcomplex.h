@@ -1,3 +1,4 @@
+/* SPDX-License-Identifier: GPL-2.0-or-later */
 /** @file
  *  Spectrum utilities: aligned complex vectors, power to decibels, the response of a pre-emphasis, products.
  *

@@ -1,3 +1,4 @@
+/* SPDX-License-Identifier: GPL-2.0-or-later */
 /** @file
  *  Fast Fourier transforms of real data, on FFTW in single precision: the engine around FFTW's planner, and
  *  processors.

@@ -1,3 +1,4 @@
+/* SPDX-License-Identifier: GPL-2.0-or-later */
 /** @file
  *  Digital filters on interleaved buffers of any number of channels.
  *

@@ -1,3 +1,4 @@
+/* SPDX-License-Identifier: GPL-2.0-or-later */
 /** @file
  *  The modulated complex lapped transform of a stream, by the fast algorithm (FMCLT), and its inverse.
  *

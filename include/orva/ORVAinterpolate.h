@@ -1,3 +1,4 @@
+/* SPDX-License-Identifier: GPL-2.0-or-later */
 /** @file
  *  Straight lines between the points of a tabulated curve y(x).
  *

@@ -1,3 +1,4 @@
+/* SPDX-License-Identifier: GPL-2.0-or-later */
 /** @file
  *  Measures of one frame of samples, and a fixed high-pass filter against a constant offset.
  *

@@ -1,3 +1,4 @@
+/* SPDX-License-Identifier: GPL-2.0-or-later */
 /** @file
  *  Noise suppression of one channel, frame by frame, around the suppressor of the WebRTC audio processing library.
  *

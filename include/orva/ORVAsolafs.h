@@ -1,3 +1,4 @@
+/* SPDX-License-Identifier: GPL-2.0-or-later */
 /** @file
  *  Faster and slower at the same pitch: time scaling by SOLAFS, synchronised overlap-add with fixed
  *  synthesis.

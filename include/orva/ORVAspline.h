@@ -1,3 +1,4 @@
+/* SPDX-License-Identifier: GPL-2.0-or-later */
 /** @file
  *  Cubic spline through the points of a tabulated curve y(x).
  *

@@ -1,3 +1,4 @@
+/* SPDX-License-Identifier: GPL-2.0-or-later */
 /** @file
  *  What every header of liborva uses: the export macro and the complex sample.
  */

@@ -1,3 +1,4 @@
+/* SPDX-License-Identifier: GPL-2.0-or-later */
 /** @file
  *  Hertz to the mel and Bark scales and back, all in double.
  *

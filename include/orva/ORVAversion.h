@@ -1,3 +1,4 @@
+/* SPDX-License-Identifier: GPL-2.0-or-later */
 /** @file
  *  The version of the library: four numbers, called major, minor, release and build, and one line of text that also names
  *  the day of compilation.

@@ -1,3 +1,4 @@
+/* SPDX-License-Identifier: GPL-2.0-or-later */
 /** @file
  *  Analysis windows: eleven named shapes, filled into a buffer of the host, and two measures of their gain.
  *

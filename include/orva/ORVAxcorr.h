@@ -1,3 +1,4 @@
+/* SPDX-License-Identifier: GPL-2.0-or-later */
 /** @file
  *  Cross-correlation of two real vectors at all lags, through the FFT.
  *

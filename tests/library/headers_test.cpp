@@ -37,3 +37,15 @@ TEST(Headers, TheUmbrellaIncludesEveryHeaderInAlphabeticalOrder)
         EXPECT_EQ(included, expected);
     }
 }
+
+// Headers travel without the files that tell the licence of the project.
+TEST(Headers, EachTellsItsLicence)
+{
+    for (const char *folder : {SOURCE_DIR "/include/orva", SOURCE_DIR "/kett/include/kett"})
+        for (const auto &entry : std::filesystem::directory_iterator(folder)) {
+            std::ifstream file(entry.path());
+            std::string line;
+            std::getline(file, line);
+            EXPECT_EQ(line, "/* SPDX-License-Identifier: GPL-2.0-or-later */") << entry.path();
+        }
+}

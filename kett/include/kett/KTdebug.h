@@ -1,3 +1,4 @@
+/* SPDX-License-Identifier: GPL-2.0-or-later */
 /** @file
  *  The log: four levels that go to one sink, by default the standard error stream.
  *

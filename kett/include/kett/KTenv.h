@@ -1,3 +1,4 @@
+/* SPDX-License-Identifier: GPL-2.0-or-later */
 /** @file
  *  Environment values: what the host publishes inside the process, and behind it the C environment.
  */

@@ -1,3 +1,4 @@
+/* SPDX-License-Identifier: GPL-2.0-or-later */
 /** @file
  *  Memory descriptors: a named pool that owns every block allocated from it and frees them together.
  *

@@ -1,3 +1,4 @@
+/* SPDX-License-Identifier: GPL-2.0-or-later */
 /** @file
  *  All of libkett, the foundation under liborva: log, settings, configuration strings, files, memory
  *  descriptors, threads, mutexes and a few vector kernels.
