@@ -27,11 +27,10 @@ TEST(Install, LaysOutLibrariesHeadersAndPackageFiles)
     const Prefix prefix(SHARED_BUILD);
     EXPECT_EQ(filesIn(prefix / "include/orva"), filesIn(SOURCE_DIR "/include/orva"));
     EXPECT_EQ(filesIn(prefix / "include/kett"), filesIn(SOURCE_DIR "/kett/include/kett"));
-    const std::string config = BUILD_TYPE;
     EXPECT_EQ(filesIn(prefix / "lib"), (std::set<std::string>{
                                            "cmake/orva/orva-config-version.cmake",
                                            "cmake/orva/orva-config.cmake",
-                                           "cmake/orva/orva-shared-targets-" + config + ".cmake",
+                                           "cmake/orva/orva-shared-targets-release.cmake",
                                            "cmake/orva/orva-shared-targets.cmake",
                                            "libkett.so -> libkett.so.1",
                                            "libkett.so.1 -> libkett.so.1.0.0",
