@@ -1,6 +1,6 @@
-// Noise in blocks of 1024 samples through the polyphase converter of order 30: ours, the textbook loop of the same filter,
-// and peers: two sincs of libsamplerate, soxr at high quality, Speex's at its best. Beside it the hold, where it has the
-// pair. Times are for a sample of output.
+// Noise in blocks of 1024 samples through the polyphase converter of order 30: ours, the textbook loop of
+// the same filter, and peers: two sincs of libsamplerate, soxr at high quality, Speex's at its best. Beside
+// it the hold, where it has the pair. Times are for a sample of output.
 #include <benchmark/benchmark.h>
 
 #include <orva/ORVAresample.h>

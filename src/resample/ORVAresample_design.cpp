@@ -30,8 +30,8 @@ int64_t polyphaseDesignBytes(int32_t order, int32_t upFactor, int32_t downFactor
 //     h[i] = h[N - i] = sin(c t) / (t pi) * L w(i)
 //     w(i) = 0.42 - 0.5 cos(2 pi i / (N + 1)) + 0.08 cos(4 pi i / (N + 1))
 //
-// The window's period is N + 1 and not N, so it does not peak at the centre; copying makes h symmetric all the
-// same. That is meant, and all coefficients depend on it.
+// The window's period is N + 1 and not N, so it does not peak at the centre; copying makes h symmetric all
+// the same. That is meant, and all coefficients depend on it.
 static void designPrototype(double *h, int32_t N, int32_t L, int32_t M)
 {
     constexpr double pi = 3.141592653589793, twoPi = 6.283185307179586, fourPi = 12.566370614359172;

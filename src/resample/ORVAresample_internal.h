@@ -66,7 +66,8 @@ int32_t runZoh(ZohResampler *resampler, const float *input, float *output, int32
 // The error of whatever is out of range or out of memory.
 void reportInvalidParameters();
 
-// Makes room for `count` doubles, `capacity` being noted for it. False, with nothing changed, when memory is out.
+// Makes room for `count` doubles, `capacity` being noted for it. False, with nothing changed, when memory is
+// out.
 bool growWork(double *&work, int32_t &workCapacity, int32_t capacity, int64_t count);
 
 // `count` zeroed elements for free().

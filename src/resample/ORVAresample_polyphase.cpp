@@ -2,9 +2,10 @@
 //
 //     y = sum over j = 0 .. taps - 1 of phases[p][j] x(i - j)
 //
-// added in double from j = 0 on. That order fixes the bits, so one sum cannot be split; but several outputs can
-// be summed at once, each in its order. They reach across input samples, so a block is first laid out newest
-// sample first, with the delay line behind it: then every output is one product of two stretches of memory.
+// added in double from j = 0 on. That order fixes the bits, so one sum cannot be split; but several outputs
+// can be summed at once, each in its order. They reach across input samples, so a block is first laid out
+// newest sample first, with the delay line behind it: then every output is one product of two stretches of
+// memory.
 #include "resample/ORVAresample_internal.h"
 
 #include <algorithm>
@@ -60,7 +61,8 @@ static void layOut(PolyphaseResampler *resampler, const float *input, int32_t co
     std::rotate_copy(ring, ring + resampler->ringPosition, ring + resampler->tapsPerPhase, work + count);
 }
 
-// `written` outputs of the block that is laid out, the first at `start`, in L-ths of a sample from its beginning.
+// `written` outputs of the block that is laid out, the first at `start`, in L-ths of a sample from its
+// beginning.
 static void sumOutputs(const PolyphaseResampler *resampler, int32_t count, int64_t start, int32_t written,
                        float *output)
 {

@@ -1,5 +1,5 @@
-// The zero-order hold: each output repeats the newest input, and an elliptic filter runs at the higher rate, behind
-// the hold on the way up and before the dropping on the way down.
+// The zero-order hold: each output repeats the newest input, and an elliptic filter runs at the higher rate,
+// behind the hold on the way up and before the dropping on the way down.
 #include "resample/ORVAresample_filterset.h"
 #include "resample/ORVAresample_internal.h"
 

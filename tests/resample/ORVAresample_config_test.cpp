@@ -1,5 +1,5 @@
-// What the configuration string and the setting make of a converter, seen from outside: the flush of a polyphase
-// converter of equal rates is as long as its order, that of a hold is empty.
+// What the configuration string and the setting make of a converter, seen from outside: the flush of a
+// polyphase converter of equal rates is as long as its order, that of a hold is empty.
 #include "ORVAresample_reference.h"
 #include "support/bits.h"
 #include "support/log.h"

@@ -1,5 +1,5 @@
-// What comes of a converter for which memory runs out. Test programs run with malloc's own caches off, so that what
-// is in use can be counted.
+// What comes of a converter for which memory runs out. Test programs run with malloc's own caches off, so
+// that what is in use can be counted.
 #include "ORVAresample_reference.h"
 #include "support/bits.h"
 #include "support/interposer.h"

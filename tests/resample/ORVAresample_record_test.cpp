@@ -103,8 +103,8 @@ TEST(PolyphaseRecord, CentreTapIsTheQuotientOfFloats)
     EXPECT_NE(static_cast<double>(1.0f / 3.0f), 1.0 / 3.0);
 }
 
-// The reason that coefficients are compared with those of a definition: with a period of N, the usual Blackman
-// window, they would be others.
+// The reason that coefficients are compared with those of a definition: with a period of N, the usual
+// Blackman window, they would be others.
 TEST(PolyphaseRecord, WindowHasAPeriodOfNPlusOne)
 {
     constexpr double pi = 3.141592653589793;
