@@ -49,19 +49,20 @@ static void designPrototype(double *h, int32_t N, int32_t L, int32_t M)
     h[N / 2] = L > M ? 0.95 : static_cast<double>(quotient) * 0.95;
 }
 
+// One block for all phases, which the first of them owns.
 static bool allocate(PolyphaseResampler *resampler)
 {
     const int32_t taps = resampler->tapsPerPhase;
     const int32_t count = resampler->upFactor;
     resampler->ring = newZeroed<double>(taps);
     resampler->phases = newZeroed<double *>(count);
-    auto *coefs = newZeroed<double>(int64_t{count} * taps);
-    if (resampler->ring == nullptr || resampler->phases == nullptr || coefs == nullptr) {
-        std::free(coefs);
+    if (resampler->ring == nullptr || resampler->phases == nullptr)
         return false;
-    }
-    for (int32_t p = 0; p < count; ++p)
-        resampler->phases[p] = coefs + int64_t{p} * taps;
+    resampler->phases[0] = newZeroed<double>(int64_t{count} * taps);
+    if (resampler->phases[0] == nullptr)
+        return false;
+    for (int32_t p = 1; p < count; ++p)
+        resampler->phases[p] = resampler->phases[p - 1] + taps;
     return true;
 }
 

@@ -29,10 +29,11 @@ template <size_t count> static inline void sumProducts(const Factors *factors, i
     std::array<Factors, count> at;
     std::copy_n(factors, count, at.begin());
     std::array<double, count> sum{};
-    for (int32_t j = 0; j < taps; ++j)
+    for (int32_t j = 0; j < taps; ++j) {
 #pragma GCC unroll 8
         for (size_t k = 0; k < count; ++k)
             sum[k] += at[k].coefs[j] * at[k].samples[j];
+    }
     for (size_t k = 0; k < count; ++k)
         output[k] = static_cast<float>(sum[k]);
 }
