@@ -179,18 +179,6 @@ TEST(PolyphaseStream, NotANumberIsGoneAfterAsManySamplesAsAPhaseIsLong)
     }
 }
 
-// Every sum begins with a zero above zero, which products of zeros below zero do not change.
-TEST(PolyphaseStream, ZerosBelowZeroGiveZerosAboveZero)
-{
-    for (const Rates rates : {Rates{44100, 48000}, {48000, 16000}, {1, 3}, {1, 1}}) {
-        const auto resampler = newResampler(rates, "order=2");
-        Floats output = convert(resampler.get(), Floats(100, -0.0f), 301);
-        const Floats tail = flush(resampler.get(), 0);
-        output.insert(output.end(), tail.begin(), tail.end());
-        EXPECT_TRUE(sameBits(output, Floats(output.size(), 0.0f))) << rates;
-    }
-}
-
 TEST(PolyphaseStream, MayBeConvertedInPlace)
 {
     support::Random random;
