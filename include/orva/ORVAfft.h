@@ -68,6 +68,9 @@ ORVA_API bool ORVA_InitializeFFT(void);
  *  A preparation ends after the transform length that it is at, and saves the store; one that still waits
  *  for its folder waits on, 300 ms at most. A store that cannot be written stays as it is.
  *
+ *  In a child of fork() that was made while a preparation was at work, nothing is waited for, written or
+ *  destroyed: the preparation stays with the parent, and may have been caught inside the planner.
+ *
  *  @return true.
  *
  *  Called by the end of the library. From then on to the next ORVA_InitializeFFT() nothing may be called that

@@ -8,11 +8,13 @@
 #include <new>
 #include <pthread.h>
 #include <signal.h>
+#include <unistd.h>
 
 struct KT_THREAD {
     KT_THREAD *next;
     KTTHREAD_FUNCTION function;
     void *argument;
+    pid_t process;              // that it runs in
     pthread_t id;               // may belong to another thread once isJoined
     std::atomic<bool> hasEnded; // the function has returned
     pthread_mutex_t joinLock;   // held by the one that joins, so that the others wait as long
@@ -54,6 +56,7 @@ KT_THREAD *KTTHREAD_AddThread(KTTHREAD_FUNCTION function, void *argument, int32_
     auto *thread = new (room) KT_THREAD{};
     thread->function = function;
     thread->argument = argument;
+    thread->process = getpid();
     pthread_mutex_init(&thread->joinLock, nullptr);
     if (!startWithSignalsBlocked(thread)) {
         pthread_mutex_destroy(&thread->joinLock);
@@ -66,10 +69,18 @@ KT_THREAD *KTTHREAD_AddThread(KTTHREAD_FUNCTION function, void *argument, int32_
     return thread;
 }
 
+// A child of fork has the records of its parent's threads, but not the threads.
+static bool isElsewhere(const KT_THREAD *thread)
+{
+    return thread->process != getpid();
+}
+
 int32_t KTTHREAD_JoinThreadEx(KT_THREAD *thread, int32_t)
 {
     if (thread == nullptr)
         return 0;
+    if (isElsewhere(thread))
+        return thread->hasEnded.load() ? 1 : 0;
     if (!thread->hasEnded.load() && pthread_equal(thread->id, pthread_self()))
         return 0; // would wait for itself
     pthread_mutex_lock(&thread->joinLock);
@@ -78,6 +89,14 @@ int32_t KTTHREAD_JoinThreadEx(KT_THREAD *thread, int32_t)
     const bool isJoined = thread->isJoined;
     pthread_mutex_unlock(&thread->joinLock);
     return isJoined ? 1 : 0;
+}
+
+bool kett::wereThreadsCaught()
+{
+    for (const KT_THREAD *thread = threads; thread != nullptr; thread = thread->next)
+        if (isElsewhere(thread) && !thread->hasEnded.load())
+            return true;
+    return false;
 }
 
 void kett::discardThreads()

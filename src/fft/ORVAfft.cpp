@@ -8,12 +8,15 @@ KT_THREAD *__FFTW_InitThread = nullptr;
 bool __FFTW_Initialized = false;
 std::atomic<bool> __FFTW_StopOptimization = false;
 
+static int64_t startedIn = 0; // process
+
 bool ORVA_InitializeFFT(void)
 {
     if (__FFTW_Initialized)
         return true;
     // Here and not on the preparing thread, which an unload may wait for with the loader's lock held.
     pinFFTW();
+    startedIn = currentProcess();
     __FFTW_PlanLock = MutexInit();
     __FFTW_InitThread = nullptr;
     __FFTW_LoadWisdom();
@@ -21,8 +24,22 @@ bool ORVA_InitializeFFT(void)
     return true;
 }
 
+// A child of fork has the state in which a preparation was caught at work in its parent, but not the preparation:
+// the lock may stay held for ever, and FFTW's planner may stand in the middle of a change.
+static bool wasPreparationCaught()
+{
+    if (currentProcess() == startedIn || __FFTW_InitThread == nullptr)
+        return false;
+    __FFTW_StopOptimization.store(true, std::memory_order_relaxed); // it may also be one of the child itself
+    return KTTHREAD_JoinThreadEx(__FFTW_InitThread, 0) == 0;
+}
+
 bool ORVA_FinalizeFFT(void)
 {
+    if (wasPreparationCaught()) {
+        __FFTW_Initialized = false;
+        return true;
+    }
     MutexLock(__FFTW_PlanLock);
     __FFTW_Initialized = false;
     __FFTW_StopOptimization.store(true, std::memory_order_relaxed);

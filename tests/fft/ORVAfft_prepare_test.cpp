@@ -220,3 +220,63 @@ TEST(Preparation, AfterARestartItStopsBehindItsFirstLength)
         ORVA_FinalizeFFT();
     });
 }
+
+// In the parent it may hold the lock and be inside FFTW's planner for as long as it likes.
+TEST(Preparation, CaughtByAForkKeepsNoChildFromItsEnd)
+{
+    inOwnProcess([] {
+        const Store store;
+        store.announce();
+        ORVA_InitializeFFT();
+        ASSERT_TRUE(__FFTW_WisdomLoaded);
+        static std::atomic<bool> isInside = false;
+        static std::atomic<bool> isToEnd = false;
+        __FFTW_InitThread = KTTHREAD_AddThread(
+            [](void *) {
+                MutexLock(__FFTW_PlanLock);
+                isInside = true;
+                while (!isToEnd)
+                    std::this_thread::yield();
+                MutexUnlock(__FFTW_PlanLock);
+                return int32_t{0};
+            },
+            nullptr, 0);
+        while (!isInside)
+            std::this_thread::yield();
+
+        inOwnProcess([&] {
+            alarm(60);
+            EXPECT_TRUE(ORVA_FinalizeFFT());
+            EXPECT_FALSE(__FFTW_Initialized);
+            EXPECT_FALSE(store.exists()) << "saved from a planner that may stand in the middle of a change";
+            static KT_MUTEX *leftBehind; // on purpose, which a look for leaks has to see
+            leftBehind = __FFTW_PlanLock;
+            ORVA_InitializeFFT(); // starts anew
+            EXPECT_NE(__FFTW_PlanLock, leftBehind);
+            EXPECT_TRUE(ORVA_FFTProcDestroy(ORVA_FFTProcCreate(64)));
+            EXPECT_TRUE(ORVA_FinalizeFFT());
+            EXPECT_TRUE(store.exists());
+        });
+
+        isToEnd = true;
+        ORVA_FinalizeFFT();
+    });
+}
+
+TEST(Preparation, EndedBeforeAForkLeavesAChildThatSaves)
+{
+    inOwnProcess([] {
+        const Store store;
+        store.announce();
+        ORVA_InitializeFFT();
+        ORVA_OptimizeFFT(false);
+        KTTHREAD_JoinThreadEx(__FFTW_InitThread, 0);
+        EXPECT_FALSE(store.exists());
+        inOwnProcess([] {
+            alarm(60);
+            ORVA_FinalizeFFT();
+        });
+        EXPECT_TRUE(store.exists());
+        ORVA_FinalizeFFT();
+    });
+}
