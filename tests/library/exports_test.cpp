@@ -56,15 +56,21 @@ std::vector<Symbol> exported(const Library &library)
     return symbols;
 }
 
+// By hand, since a regular expression takes stack for every character that it goes through.
+std::string withoutComments(std::string text)
+{
+    for (size_t at = 0; (at = text.find("/*", at)) != std::string::npos;)
+        text.erase(at, text.find("*/", at) + 2 - at);
+    return text;
+}
+
 Names declared(const Library &library)
 {
-    static const std::regex comment(R"(/\*[^]*?\*/|//[^\n]*)");
     const std::regex declaration("\\n" + library.mark + R"(\s[^;(]*?(\w+)\s*\()");
     Names names;
     for (const auto &entry : std::filesystem::directory_iterator(library.headers)) {
         std::ifstream file(entry.path());
-        const std::string whole(std::istreambuf_iterator<char>(file), {});
-        const std::string text = std::regex_replace(whole, comment, "");
+        const std::string text = withoutComments({std::istreambuf_iterator<char>(file), {}});
         for (std::sregex_iterator i(text.begin(), text.end(), declaration), end; i != end; ++i)
             names.insert((*i)[1]);
     }
