@@ -4,6 +4,7 @@
 #include <benchmark/benchmark.h>
 
 #include <fftw3.h>
+#include <functional>
 #include <memory>
 #include <random>
 #include <string>
@@ -44,15 +45,40 @@ inline fftwf_complex *complexOf(float *floats)
     return reinterpret_cast<fftwf_complex *>(floats);
 }
 
-// Times what make() gives, a function without arguments that handles `samples` samples a call.
-template <class Make> void addCase(const std::string &name, size_t samples, Make make)
+// What a case tells beside its time, of a run that has handled so many samples.
+using Counters = std::function<void(benchmark::State &state, double samples)>;
+
+inline benchmark::Counter aSecond(double count)
+{
+    return {count, benchmark::Counter::kIsRate};
+}
+
+// Times what make() gives, a function without arguments that returns how many samples it has handled.
+template <class Make> void addStream(const std::string &name, Make make, const Counters &counters = {})
 {
     benchmark::RegisterBenchmark(name.c_str(), [=](benchmark::State &state) {
         auto run = make();
+        benchmark::DoNotOptimize(&run); // whoever reads what it holds
+        int64_t samples = 0;
         for (auto _ : state) {
-            run();
+            samples += static_cast<int64_t>(run());
             benchmark::ClobberMemory();
         }
-        state.SetItemsProcessed(state.iterations() * static_cast<int64_t>(samples));
+        state.SetItemsProcessed(samples);
+        if (counters)
+            counters(state, static_cast<double>(samples));
     });
+}
+
+// The same where each call handles `samples` samples, and the function returns nothing.
+template <class Make>
+void addCase(const std::string &name, size_t samples, Make make, const Counters &counters = {})
+{
+    const auto counted = [=] {
+        return [samples, run = make()]() mutable {
+            run();
+            return samples;
+        };
+    };
+    addStream(name, counted, counters);
 }

@@ -13,6 +13,8 @@ namespace
 
 constexpr size_t frames = 1024;
 
+using Filter = Owned<_ORVA_FILTER, ORVA_DestroyFilter>;
+
 void plainDirect(const std::vector<float> &b, const std::vector<float> &a, std::vector<float> &delays,
                  size_t channels, const std::vector<float> &input, std::vector<float> &output)
 {
@@ -62,26 +64,22 @@ void plainBiquads(const std::vector<Section> &sections, std::vector<Delay> &dela
     }
 }
 
-// Times run(input, output) on one block of noise.
-template <class Run> void add(const std::string &name, size_t channels, Run run)
+// Times what make() gives, a function of input and output, on one block of noise.
+template <class Make> void add(const std::string &name, size_t channels, Make make)
 {
-    benchmark::RegisterBenchmark(name.c_str(), [=](benchmark::State &state) mutable {
-        const auto input = noise(frames * channels);
-        std::vector<float> output(input.size());
-        for (auto _ : state) {
+    const size_t samples = frames * channels;
+    addCase(name, samples, [=] {
+        return [run = make(), input = noise(samples), output = std::vector<float>(samples)]() mutable {
             run(input, output);
-            benchmark::DoNotOptimize(output.data());
-            benchmark::ClobberMemory();
-        }
-        state.SetItemsProcessed(state.iterations() * static_cast<int64_t>(input.size()));
+        };
     });
 }
 
-void addFilter(const std::string &name, size_t channels, _ORVA_FILTER *filter)
+auto filterOf(_ORVA_FILTER *created)
 {
-    add(name + "/orva", channels, [=](const std::vector<float> &input, std::vector<float> &output) {
-        ORVA_Filter(filter, input.data(), output.data(), static_cast<uint32_t>(input.size()));
-    });
+    return [filter = Filter(created)](const std::vector<float> &input, std::vector<float> &output) {
+        ORVA_Filter(filter.get(), input.data(), output.data(), static_cast<uint32_t>(input.size()));
+    };
 }
 
 std::string title(const char *structure, size_t count, size_t channels)
@@ -91,55 +89,60 @@ std::string title(const char *structure, size_t count, size_t channels)
 
 void addDirect(size_t order, size_t channels)
 {
+    const std::string name = title("direct form, order ", order, channels);
     std::vector<double> b(order + 1, 0.3), a(order + 1, 0.3 / static_cast<double>(order + 1));
     a[0] = 1.0;
-    const auto length = static_cast<int32_t>(order + 1);
-    const std::string name = title("direct form, order ", order, channels);
-    addFilter(name, channels,
-              ORVA_CreateFilterFromCoefs(static_cast<uint32_t>(channels), length, b.data(),
-                                         static_cast<uint32_t>(length), a.data()));
-    const std::vector<float> num(b.begin(), b.end()), den(a.begin(), a.end());
-    std::vector<float> delays(order * channels);
-    add(name + "/plain", channels, [=](const std::vector<float> &input, std::vector<float> &output) mutable {
-        plainDirect(num, den, delays, channels, input, output);
+    add(name + "/orva", channels, [=] {
+        const auto length = static_cast<int32_t>(order + 1);
+        return filterOf(ORVA_CreateFilterFromCoefs(static_cast<uint32_t>(channels), length, b.data(),
+                                                   static_cast<uint32_t>(length), a.data()));
+    });
+    add(name + "/plain", channels, [=] {
+        return [channels, num = std::vector<float>(b.begin(), b.end()),
+                den = std::vector<float>(a.begin(), a.end()), delays = std::vector<float>(order * channels)](
+                   const std::vector<float> &input, std::vector<float> &output) mutable {
+            plainDirect(num, den, delays, channels, input, output);
+        };
     });
 }
 
 void addBiquads(size_t count, size_t channels)
 {
-    const std::vector<Section> sections(count, {-0.94, 0.33, 0.3, 0.2, 0.1});
     const std::string name = title("biquads, sections ", count, channels);
-    addFilter(name, channels,
-              ORVA_CreateFilterFromBiquads(static_cast<int32_t>(channels), static_cast<uint32_t>(count),
-                                           &sections[0].a1));
-    std::vector<Delay> delays(count * channels);
-    add(name + "/plain", channels, [=](const std::vector<float> &input, std::vector<float> &output) mutable {
-        plainBiquads(sections, delays, channels, input, output);
+    const std::vector<Section> sections(count, {-0.94, 0.33, 0.3, 0.2, 0.1});
+    add(name + "/orva", channels, [=] {
+        return filterOf(ORVA_CreateFilterFromBiquads(static_cast<int32_t>(channels),
+                                                     static_cast<uint32_t>(count), &sections[0].a1));
     });
-}
-
-template <class Design> void addDesign(const std::string &name, Design design)
-{
-    benchmark::RegisterBenchmark(name.c_str(), [=](benchmark::State &state) {
-        for (auto _ : state)
-            design();
-        state.SetItemsProcessed(state.iterations());
-        state.counters["a second"] =
-            benchmark::Counter(static_cast<double>(state.iterations()), benchmark::Counter::kIsRate);
+    add(name + "/plain", channels, [=] {
+        return [channels, sections, delays = std::vector<Delay>(count * channels)](
+                   const std::vector<float> &input, std::vector<float> &output) mutable {
+            plainBiquads(sections, delays, channels, input, output);
+        };
     });
 }
 
 void addDesigns()
 {
     const std::string name = "one design, elliptic of order 8";
-    addDesign(name + "/orva", [] {
-        ORVA_DestroyFilter(ORVA_CreateFilter(
-            "approximation=ellip; order=8; Ap=1; As=60; fpass=%g; fstop=%g; fs=%d", 6000.0, 7200.0, 48000));
-    });
-    addDesign(name + "/liquid", [] {
-        iirfilt_rrrf_destroy(iirfilt_rrrf_create_prototype(LIQUID_IIRDES_ELLIP, LIQUID_IIRDES_LOWPASS,
-                                                           LIQUID_IIRDES_SOS, 8, 0.125f, 0.0f, 1.0f, 60.0f));
-    });
+    const auto rate = [](benchmark::State &state, double designs) {
+        state.counters["a second"] = aSecond(designs);
+    };
+    const auto ours = [] {
+        return [] {
+            ORVA_DestroyFilter(
+                ORVA_CreateFilter("approximation=ellip; order=8; Ap=1; As=60; fpass=%g; fstop=%g; fs=%d",
+                                  6000.0, 7200.0, 48000));
+        };
+    };
+    const auto liquid = [] {
+        return [] {
+            iirfilt_rrrf_destroy(iirfilt_rrrf_create_prototype(
+                LIQUID_IIRDES_ELLIP, LIQUID_IIRDES_LOWPASS, LIQUID_IIRDES_SOS, 8, 0.125f, 0.0f, 1.0f, 60.0f));
+        };
+    };
+    addCase(name + "/orva", 1, ours, rate);
+    addCase(name + "/liquid", 1, liquid);
 }
 
 const bool registered = [] {

@@ -1,20 +1,16 @@
 // Noise in blocks of 1024 samples through the polyphase converter of order 30: ours, the textbook loop of
 // the same filter, and peers: two sincs of libsamplerate, soxr at high quality, Speex's at its best. Beside
 // it the hold, where it has the pair. Times are for a sample of output.
-#include <benchmark/benchmark.h>
+#include "cases.h"
 
 #include <orva/ORVAresample.h>
 
 #include <algorithm>
 #include <cmath>
-#include <memory>
 #include <numeric>
-#include <random>
 #include <samplerate.h>
 #include <soxr.h>
 #include <speex/speex_resampler.h>
-#include <string>
-#include <vector>
 
 namespace
 {
@@ -22,19 +18,14 @@ namespace
 constexpr int32_t blockLength = 1024;
 constexpr int32_t order = 30;
 
+using Resampler = Owned<ORVA_RESAMPLER, ORVA_ResampleDestroy>;
+using Libsamplerate = Owned<SRC_STATE, src_delete>;
+using Soxr = Owned<soxr, soxr_delete>;
+using Speex = Owned<SpeexResamplerState, speex_resampler_destroy>;
+
 struct Rates {
     int32_t input, output;
 };
-
-std::vector<float> noise(size_t length)
-{
-    std::mt19937 engine(1);
-    std::uniform_real_distribution<float> uniform(-1.0f, 1.0f);
-    std::vector<float> samples(length);
-    for (float &x : samples)
-        x = uniform(engine);
-    return samples;
-}
 
 // The textbook: a delay line that is shifted by each sample, and a sum for each output.
 class Textbook
@@ -81,75 +72,85 @@ private:
     std::vector<double> past;
 };
 
-// Times run(input, output), which gives the samples written, over blocks of a stream.
-template <class Run> void add(const std::string &name, Rates rates, Run run)
+// Times what make() gives, a function that returns the samples it has written, over blocks of a stream.
+template <class Make> void add(const std::string &name, Rates rates, Make make)
 {
-    benchmark::RegisterBenchmark(name.c_str(), [=](benchmark::State &state) mutable {
-        const auto input = noise(blockLength);
-        std::vector<float> output(static_cast<size_t>(blockLength * (rates.output / rates.input + 1) + 1));
-        int64_t samples = 0;
-        for (auto _ : state) {
-            samples += run(input.data(), output.data(), static_cast<int32_t>(output.size()));
-            benchmark::DoNotOptimize(output.data());
-            benchmark::ClobberMemory();
-        }
-        state.SetItemsProcessed(samples);
-        if (name.ends_with("/orva"))
-            state.counters["M/s"] =
-                benchmark::Counter(static_cast<double>(samples) / 1e6, benchmark::Counter::kIsRate);
+    const auto stream = [=] {
+        const int32_t room = blockLength * (rates.output / rates.input + 1) + 1;
+        return [run = make(), room, input = noise(blockLength),
+                output = std::vector<float>(static_cast<size_t>(room))]() mutable {
+            return run(input.data(), output.data(), room);
+        };
+    };
+    addStream(name, stream, [](benchmark::State &state, double samples) {
+        state.counters["M/s"] = aSecond(samples / 1e6);
     });
 }
 
 void addOurs(const std::string &name, Rates rates, const char *config)
 {
-    const std::shared_ptr<ORVA_RESAMPLER> resampler(ORVA_ResampleInit(rates.input, rates.output, config),
-                                                    ORVA_ResampleDestroy);
-    add(name, rates, [=](const float *input, float *output, int32_t) {
-        return ORVA_Resample(resampler.get(), input, output, blockLength);
+    add(name, rates, [=] {
+        Resampler ours(ORVA_ResampleInit(rates.input, rates.output, config));
+        return [ours = std::move(ours)](const float *input, float *output, int32_t) {
+            return ORVA_Resample(ours.get(), input, output, blockLength);
+        };
+    });
+}
+
+void addPlain(const std::string &name, Rates rates)
+{
+    add(name, rates, [=] {
+        return [textbook = Textbook(rates)](const float *input, float *output, int32_t) mutable {
+            return textbook.run(input, output, blockLength);
+        };
     });
 }
 
 void addLibsamplerate(const std::string &name, Rates rates, int quality)
 {
-    int error = 0;
-    const std::shared_ptr<SRC_STATE> peer(src_new(quality, 1, &error), src_delete);
-    add(name, rates, [=](const float *input, float *output, int32_t room) {
-        SRC_DATA data{};
-        data.data_in = input;
-        data.data_out = output;
-        data.input_frames = blockLength;
-        data.output_frames = room;
-        data.src_ratio = static_cast<double>(rates.output) / rates.input;
-        src_process(peer.get(), &data);
-        return static_cast<int32_t>(data.output_frames_gen);
+    add(name, rates, [=] {
+        int error = 0;
+        Libsamplerate peer(src_new(quality, 1, &error));
+        return [rates, peer = std::move(peer)](const float *input, float *output, int32_t room) {
+            SRC_DATA data{};
+            data.data_in = input;
+            data.data_out = output;
+            data.input_frames = blockLength;
+            data.output_frames = room;
+            data.src_ratio = static_cast<double>(rates.output) / rates.input;
+            src_process(peer.get(), &data);
+            return data.output_frames_gen;
+        };
     });
 }
 
 void addSoxr(const std::string &name, Rates rates)
 {
-    soxr_error_t error = nullptr;
-    const soxr_quality_spec_t quality = soxr_quality_spec(SOXR_HQ, 0);
-    const std::shared_ptr<soxr> peer(
-        soxr_create(rates.input, rates.output, 1, &error, nullptr, &quality, nullptr), soxr_delete);
-    add(name, rates, [=](const float *input, float *output, int32_t room) {
-        size_t taken = 0, written = 0;
-        soxr_process(peer.get(), input, static_cast<size_t>(blockLength), &taken, output,
-                     static_cast<size_t>(room), &written);
-        return static_cast<int32_t>(written);
+    add(name, rates, [=] {
+        soxr_error_t error = nullptr;
+        const soxr_quality_spec_t quality = soxr_quality_spec(SOXR_HQ, 0);
+        Soxr peer(soxr_create(rates.input, rates.output, 1, &error, nullptr, &quality, nullptr));
+        return [peer = std::move(peer)](const float *input, float *output, int32_t room) {
+            size_t taken = 0, written = 0;
+            soxr_process(peer.get(), input, static_cast<size_t>(blockLength), &taken, output,
+                         static_cast<size_t>(room), &written);
+            return written;
+        };
     });
 }
 
 void addSpeex(const std::string &name, Rates rates)
 {
-    int error = 0;
-    const std::shared_ptr<SpeexResamplerState> peer(
-        speex_resampler_init(1, static_cast<uint32_t>(rates.input), static_cast<uint32_t>(rates.output),
-                             SPEEX_RESAMPLER_QUALITY_MAX, &error),
-        speex_resampler_destroy);
-    add(name, rates, [=](const float *input, float *output, int32_t room) {
-        uint32_t taken = blockLength, written = static_cast<uint32_t>(room);
-        speex_resampler_process_float(peer.get(), 0, input, &taken, output, &written);
-        return static_cast<int32_t>(written);
+    add(name, rates, [=] {
+        int error = 0;
+        Speex peer(speex_resampler_init(1, static_cast<uint32_t>(rates.input),
+                                        static_cast<uint32_t>(rates.output), SPEEX_RESAMPLER_QUALITY_MAX,
+                                        &error));
+        return [peer = std::move(peer)](const float *input, float *output, int32_t room) {
+            uint32_t taken = blockLength, written = static_cast<uint32_t>(room);
+            speex_resampler_process_float(peer.get(), 0, input, &taken, output, &written);
+            return written;
+        };
     });
 }
 
@@ -158,10 +159,7 @@ const bool registered = [] {
         const std::string pair = std::to_string(rates.input) + " to " + std::to_string(rates.output);
         const std::string name = pair + ", polyphase";
         addOurs(name + "/orva", rates, "order=30");
-        add(name + "/plain", rates,
-            [textbook = Textbook(rates)](const float *input, float *output, int32_t) mutable {
-                return textbook.run(input, output, blockLength);
-            });
+        addPlain(name + "/plain", rates);
         addLibsamplerate(name + "/samplerate_fast", rates, SRC_SINC_FASTEST);
         addLibsamplerate(name + "/samplerate_medium", rates, SRC_SINC_MEDIUM_QUALITY);
         addSoxr(name + "/soxr", rates);

@@ -1,15 +1,13 @@
 // One second of speech at 44.1 kHz, in blocks of 1024 samples: ours, the definition in its plainest form, and
 // SoundTouch, whose overlap-add is of the same kind, at its own settings. Times are for a sample of output.
+#include "cases.h"
 #include "solafs/ORVAsolafs_internal.h"
 #include "solafs/plain_scaler.h"
 #include "solafs/signals.h"
 
 #include <algorithm>
-#include <benchmark/benchmark.h>
 #include <chrono>
-#include <memory>
 #include <soundtouch/SoundTouch.h>
-#include <string>
 
 namespace
 {
@@ -20,12 +18,13 @@ constexpr int32_t rate = 44100;
 constexpr size_t blockLength = 1024;
 constexpr int32_t room = 8192; // more than a block gives
 
-struct Free {
-    void operator()(ORVA_SOLAFS *solafs) const
-    {
-        KTMEM_DisposeMemDescr(solafs->memDescr); // ORVA_SolafsDestroy() would keep the memory
-    }
-};
+// ORVA_SolafsDestroy() would keep the memory.
+void freeScaler(ORVA_SOLAFS *solafs)
+{
+    KTMEM_DisposeMemDescr(solafs->memDescr);
+}
+
+using Scaler = Owned<ORVA_SOLAFS, freeScaler>;
 
 double seconds()
 {
@@ -40,7 +39,7 @@ template <class Use> void forEachBlock(const Samples &samples, Use use)
 
 int64_t stretch(const Samples &samples, float speed)
 {
-    const std::unique_ptr<ORVA_SOLAFS, Free> solafs(ORVA_SolafsCreate(20, rate, 1));
+    const Scaler solafs(ORVA_SolafsCreate(20, rate, 1));
     Samples output(room);
     int64_t frames = 0;
     forEachBlock(samples, [&](const float *block, size_t count) {
@@ -79,7 +78,7 @@ int64_t stretchBySoundTouch(const Samples &samples, float speed)
 // The time of all searches of a run: each is made once more, alone, on the record as its hop has left it.
 double searchSeconds(const Samples &samples, float speed)
 {
-    const std::unique_ptr<ORVA_SOLAFS, Free> solafs(ORVA_SolafsCreate(20, rate, 1));
+    const Scaler solafs(ORVA_SolafsCreate(20, rate, 1));
     Samples output(static_cast<size_t>(solafs->hop));
     double sum = 0.0;
     forEachBlock(samples, [&](const float *block, size_t count) {
@@ -114,26 +113,24 @@ double searchShare(const Samples &samples, float speed)
 
 using Run = int64_t (*)(const Samples &samples, float speed);
 
-void add(const std::string &name, float speed, Run run)
+void add(const std::string &name, float speed, Run run, const Counters &counters = {})
 {
-    benchmark::RegisterBenchmark(name.c_str(), [=](benchmark::State &state) {
-        const Samples samples = voice(rate);
-        int64_t frames = 0;
-        for (auto _ : state)
-            frames += run(samples, speed);
-        state.SetItemsProcessed(frames);
-        if (run == stretch) {
-            state.counters["x real time"] =
-                benchmark::Counter(static_cast<double>(frames) / rate, benchmark::Counter::kIsRate);
-            state.counters["search share"] = searchShare(samples, speed);
-        }
+    addStream(
+        name, [=] { return [=, samples = voice(rate)] { return run(samples, speed); }; }, counters);
+}
+
+void addOurs(const std::string &name, float speed)
+{
+    add(name, speed, stretch, [=](benchmark::State &state, double samples) {
+        state.counters["x real time"] = aSecond(samples / rate);
+        state.counters["search share"] = searchShare(voice(rate), speed);
     });
 }
 
 const bool registered = [] {
     for (const char *speed : {"0.7", "1.0", "1.5"}) {
         const std::string name = std::string("speed ") + speed;
-        add(name + "/orva", std::stof(speed), stretch);
+        addOurs(name + "/orva", std::stof(speed));
         add(name + "/plain", std::stof(speed), stretchPlainly);
         add(name + "/soundtouch", std::stof(speed), stretchBySoundTouch);
     }
