@@ -74,13 +74,12 @@ static bool report(const search *s, const char *path)
 
 int main(int count, char **arguments)
 {
-    search s = {.frame = 16384};
-    const option keys = {"frame", OPTION_INTEGER, &s.frame, 64, 1 << 24, "64 to 16777216"};
     const int given = count > 3 && strstr(arguments[2], ".png") == NULL ? 4 : 3;
+    search s = {.frame = 16384, .channel = given == 4 ? 1 : 2};
+    const option key = {"frame", OPTION_INTEGER, &s.frame, 64, 1 << 24, "a whole number from 64 to 16777216"};
     const bool fits = count == given || count == given + 1;
     bool done = fits || refuse("usage: delay SOUND [SECOND] PICTURE.png [frame=N]");
-    done = done && options_read(arguments[given], &keys, 1);
-    s.channel = given == 4 ? 1 : 2;
+    done = done && options_read(arguments[given], &key, 1);
     s.lags = 2 * s.frame - 1;
     KT_MEM *memory = KTMEM_CreateMemDescrEx("delay", 0, 0);
     s.x = KTMEM_NewFloatVector(memory, s.lags);
@@ -93,7 +92,8 @@ int main(int count, char **arguments)
     s.second = s.first != NULL ? sound_open(arguments[given - 2]) : NULL;
     done = s.second != NULL && sound_has_channel(s.second, s.channel) && compare(&s) &&
            report(&s, arguments[given - 1]);
-    sound_close(s.first), sound_close(s.second);
+    sound_close(s.first);
+    sound_close(s.second);
     KTMEM_DisposeMemDescr(memory);
     return done ? 0 : 1;
 }

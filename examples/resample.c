@@ -21,9 +21,9 @@
 int main(int count, char **arguments)
 {
     int32_t order;
-    const option keys[] = {{"type", OPTION_WORD, "polyphase poly zoh ", 0, 0, "polyphase, poly or zoh"},
+    const option keys[] = {{"type", OPTION_TEXT, "polyphase poly zoh", 0, 0, "polyphase, poly or zoh"},
                            {"order", OPTION_INTEGER, &order, 1, 1 << 20, "a whole number from 1 to 1048576"},
-                           {"delaycompensation", OPTION_WORD, "1 0 yes no ", 0, 0, "yes or no"}};
+                           {"delaycompensation", OPTION_TEXT, "1 0 yes no", 0, 0, "yes or no"}};
     bool done = count == 4 || count == 5 || refuse("usage: resample SOUND OUTPUT.wav RATE [CONFIGURATION]");
     char *config = count == 5 ? arguments[4] : "", *end = "";
     const long given = done ? strtol(arguments[3], &end, 10) : 0;

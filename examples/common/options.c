@@ -39,18 +39,21 @@ static bool key_known(const char *key, size_t length, const option *options, siz
     return false;
 }
 
+static void append(char *list, size_t size, const char *name)
+{
+    const size_t used = strlen(list);
+    snprintf(list + used, size - used, "%s%s", used > 0 ? ", " : "", name);
+}
+
 static bool refuse_key(const char *key, size_t length, const option *options, size_t count)
 {
     char known[256] = "";
-    for (size_t i = 0; i < count; ++i) {
-        const size_t used = strlen(known);
-        snprintf(known + used, sizeof known - used, "%s%s", i > 0 ? ", " : "", options[i].key);
-    }
+    for (size_t i = 0; i < count; ++i)
+        append(known, sizeof known, options[i].key);
     return refuse("configuration: unknown key \"%.*s\"; the keys are %s", (int) length, key, known);
 }
 
-/* The operations that look up one key pass over whatever is no pair, so the string is first read as a whole.
- */
+/* What looks up one key passes over whatever is no pair, so the string is first read as a whole. */
 static bool check_pairs(const char *config, const option *options, size_t count)
 {
     const char *text = config;
@@ -98,8 +101,7 @@ static bool same_name(const char *name, const char *text)
     return KTSTRING_CompareInsensitiveN(name, text, (int64_t) longer) == 0;
 }
 
-/* A name that is not in the library's table gives the type of "Rectangular", so the name is compared once
- * more. */
+/* A name that the library does not know gives the type of "Rectangular", so the name is compared once more. */
 static bool read_window(const char *config, const option *asked, const char *text)
 {
     const int32_t type = ORVA_GetWindowTypeFromStringConfig(config, asked->key, 0);
@@ -109,10 +111,8 @@ static bool read_window(const char *config, const option *asked, const char *tex
     }
     char names[512] = "";
     const char *name;
-    for (int32_t i = 0; (name = ORVA_GetWindowName(i)) != NULL; ++i) {
-        const size_t used = strlen(names);
-        snprintf(names + used, sizeof names - used, "%s%s", i > 0 ? ", " : "", name);
-    }
+    for (int32_t i = 0; (name = ORVA_GetWindowName(i)) != NULL; ++i)
+        append(names, sizeof names, name);
     return refuse("configuration: %s=%s is no window; the windows are %s", asked->key, text, names);
 }
 
@@ -120,9 +120,12 @@ static bool read_window(const char *config, const option *asked, const char *tex
 static bool is_one_of(const char *words, const char *text)
 {
     const size_t length = strlen(text);
-    for (const char *word = words; *word != '\0'; word += strcspn(word, " ") + 1)
-        if (strcspn(word, " ") == length && strncmp(word, text, length) == 0)
+    for (const char *word = words; *word != '\0'; word += strspn(word, " ")) {
+        const size_t ended = strcspn(word, " ");
+        if (ended == length && strncmp(word, text, length) == 0)
             return true;
+        word += ended;
+    }
     return false;
 }
 
@@ -140,18 +143,16 @@ static bool read_option(const char *config, const option *asked)
         good = read_real(config, asked);
         break;
     case OPTION_TEXT:
-        return true;
-    case OPTION_WORD:
-        good = is_one_of(asked->value, text);
+        good = asked->value == NULL || is_one_of(asked->value, text);
         break;
+    case OPTION_WINDOW:
+        return read_window(config, asked, text);
     case OPTION_VECTOR:
         good = KTSTRING_GetVectorSizeFromString(config, asked->key, NULL) != 0;
         break;
     case OPTION_MATRIX:
         good = KTSTRING_GetMatrixSizeFromString(config, asked->key, NULL, NULL) != 0;
         break;
-    case OPTION_WINDOW:
-        return read_window(config, asked, text);
     }
     return good || refuse("configuration: %s=%s is not %s", asked->key, text, asked->meaning);
 }

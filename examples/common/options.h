@@ -10,9 +10,8 @@
 typedef enum {
     OPTION_INTEGER,
     OPTION_REAL,
-    OPTION_WINDOW,
     OPTION_TEXT,
-    OPTION_WORD,
+    OPTION_WINDOW,
     OPTION_VECTOR,
     OPTION_MATRIX
 } option_kind;
@@ -22,8 +21,8 @@ typedef enum {
 typedef struct {
     const char *key;
     option_kind kind;
-    void *value;         /* int32_t for an integer and for a window's type, float for a real; for a word, the
-                            words that it may be, in one text with a blank behind each; not written */
+    void *value;         /* int32_t for an integer and for a window's type, float for a real; for a text, the
+                            words that it may be with blanks between, not written, or null for any text */
     double least, most;  /* the range of a number, both included */
     const char *meaning; /* for the message: "a whole number from 2 to 1048576" */
 } option;
