@@ -91,27 +91,25 @@ TEST(CurveExample, RefusesWithOneLineAndWritesNothing)
     std::string many = "points=[";
     for (int i = 1; i <= 257; ++i)
         many += std::to_string(i) + " 0;";
-    expectRefusals(
-        "curve",
-        {
-            {{}, usage},
-            {{"voice.wav", "old.png"}, usage},
-            {{"voice.wav", "old.png", "points=[1 2; 3 4]", "x"}, usage},
-            {{"missing.wav", "old.png", "points=[1 2; 3 4]"}, "missing.wav: No such file or directory"},
-            {{"none.wav", "old.png", "points=[1 2; 3 4]"}, "none.wav: holds no samples"},
-            {{"voice.wav", "old.gif", "points=[1 2; 3 4]"},
-             "old.gif: the name of this file must end in .png"},
-            {{"voice.wav", "old.png", ""}, give},
-            {{"voice.wav", "old.png", "points=[1 2]"}, give},
-            {{"voice.wav", "old.png", "points=[1 2 3; 4 5 6]"}, give},
-            {{"voice.wav", "old.png", many + "]"}, give},
-            {{"voice.wav", "old.png", "points=[1 2; 3]"},
-             "configuration: points=[1 2; 3] is not a matrix such as [100 3; 1000 0; 5000 -2]"},
-            {{"voice.wav", "old.png", "points=[1 2; 1 3]"}, rising},
-            {{"voice.wav", "old.png", "points=[0 2; 1 3]"}, near},
-            {{"voice.wav", "old.png", "points=[-2 2; -1 3]"}, near},
-            {{"voice.wav", "old.png", "points=[1000 2; 1000.000001 3]"}, near},
-            {{"voice.wav", "old.png", "point=[1 2; 3 4]"},
-             "configuration: unknown key \"point\"; the keys are points"},
-        });
+    const std::vector<Refusal> cases = {
+        {{}, usage},
+        {{"voice.wav", "old.png"}, usage},
+        {{"voice.wav", "old.png", "points=[1 2; 3 4]", "x"}, usage},
+        {{"missing.wav", "old.png", "points=[1 2; 3 4]"}, "missing.wav: No such file or directory"},
+        {{"none.wav", "old.png", "points=[1 2; 3 4]"}, "none.wav: holds no samples"},
+        {{"voice.wav", "old.gif", "points=[1 2; 3 4]"}, "old.gif: the name of this file must end in .png"},
+        {{"voice.wav", "old.png", ""}, give},
+        {{"voice.wav", "old.png", "points=[1 2]"}, give},
+        {{"voice.wav", "old.png", "points=[1 2 3; 4 5 6]"}, give},
+        {{"voice.wav", "old.png", many + "]"}, give},
+        {{"voice.wav", "old.png", "points=[1 2; 3]"},
+         "configuration: points=[1 2; 3] is not a matrix such as [100 3; 1000 0; 5000 -2]"},
+        {{"voice.wav", "old.png", "points=[1 2; 1 3]"}, rising},
+        {{"voice.wav", "old.png", "points=[0 2; 1 3]"}, near},
+        {{"voice.wav", "old.png", "points=[-2 2; -1 3]"}, near},
+        {{"voice.wav", "old.png", "points=[1000 2; 1000.000001 3]"}, near},
+        {{"voice.wav", "old.png", "point=[1 2; 3 4]"},
+         "configuration: unknown key \"point\"; the keys are points"},
+    };
+    expectRefusals("curve", cases);
 }

@@ -1,6 +1,7 @@
 // The delay example and the maker of its input.
 #include "picture.h"
 #include "program.h"
+#include "refusals.h"
 #include "sounds.h"
 #include "support/random.h"
 #include "support/recording.h"
@@ -47,31 +48,20 @@ TEST(DelayExample, TwoFilesHaveTheirFirstChannelsCompared)
 
 TEST(DelayExample, RefusesInOneLineAndWritesNothing)
 {
-    const support::Folder folder;
-    writeSound(folder / "mono.wav", sine(440, 0.5, 20000));
-    writeSound(folder / "silent.wav", std::vector<float>(40000, 0.0f), {.channels = 2});
-    support::writeFile(folder / "text.wav", "no sound");
-    struct {
-        std::vector<std::string> arguments;
-        const char *message;
-    } const cases[] = {
-        {{}, "usage: delay SOUND [SECOND] PICTURE.png [frame=N]\n"},
-        {{"mono.wav"}, "usage: delay SOUND [SECOND] PICTURE.png [frame=N]\n"},
-        {{"missing.wav", "out.png"}, nullptr},
-        {{"text.wav", "out.png"}, nullptr},
-        {{"mono.wav", "out.png"}, "mono.wav: has 1 channel, so there is no channel 2\n"},
-        {{"silent.wav", "out.png"}, "silent.wav: no frame in which both sounds are heard\n"},
-        {{"mono.wav", "out.png", "frame=63"}, nullptr},
-        {{"mono.wav", "out.png", "frames=64"}, nullptr},
+    const auto prepare = [](const support::Folder &folder) {
+        writeSound(folder / "silent.wav", std::vector<float>(40000, 0.0f), {.channels = 2});
     };
-    for (const auto &[arguments, message] : cases) {
-        const auto outcome = runExample("delay", arguments, folder);
-        EXPECT_EQ(outcome.status, 1);
-        EXPECT_EQ(outcome.out, "");
-        EXPECT_EQ(std::count(outcome.err.begin(), outcome.err.end(), '\n'), 1) << outcome.err;
-        if (message != nullptr) {
-            EXPECT_EQ(outcome.err, message);
-        }
-    }
-    EXPECT_EQ(folder.entries(), (std::vector<std::string>{"mono.wav", "silent.wav", "text.wav"}));
+    const std::string usage = "usage: delay SOUND [SECOND] PICTURE.png [frame=N]";
+    const std::vector<Refusal> cases = {
+        {{}, usage},
+        {{"voice.wav"}, usage},
+        {{"missing.wav", "old.png"}, "missing.wav: No such file or directory"},
+        {{"text.wav", "old.png"}, "text.wav: " + noSound()},
+        {{"voice.wav", "old.png"}, "voice.wav: has 1 channel, so there is no channel 2"},
+        {{"silent.wav", "old.png"}, "silent.wav: no frame in which both sounds are heard"},
+        {{"voice.wav", "old.png", "frame=63"},
+         "configuration: frame=63 is not a whole number from 64 to 16777216"},
+        {{"voice.wav", "old.png", "frames=64"}, "configuration: unknown key \"frames\"; the keys are frame"},
+    };
+    expectRefusals("delay", cases, prepare);
 }

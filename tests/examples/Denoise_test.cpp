@@ -206,27 +206,25 @@ TEST(DenoiseExample, RefusesWithOneLineAndWritesNothing)
 {
     const std::string usage = "usage: denoise [--rate HZ] SOUND OUTPUT.wav PICTURE.png [policy=N]";
     const std::string rate = "rate: not 8000, 16000 or 32000";
-    expectRefusals(
-        "denoise",
-        {
-            {{}, usage},
-            {{"voice.wav", "old.wav"}, usage},
-            {{"--rate", "8000"}, usage},
-            {{"--rate", "8000", "voice.wav", "old.wav"}, usage},
-            {{"voice.wav", "old.wav", "old.png", "policy=1", "x"}, usage},
-            {{"--rate", "48000", "voice.wav", "old.wav", "old.png"}, rate},
-            {{"--rate", "high", "voice.wav", "old.wav", "old.png"}, rate},
-            {{"missing.wav", "old.wav", "old.png"}, "missing.wav: No such file or directory"},
-            {{"--rate", "32000", "missing.wav", "old.wav", "old.png"},
-             "missing.wav: No such file or directory"},
-            {{"none.wav", "old.wav", "old.png"}, "none.wav: holds no samples"},
-            {{"voice.wav", "new.mp3", "new.png"}, "new.mp3: the name of this file must end in .wav"},
-            {{"voice.wav", "folder.wav", "new.png"}, "folder.wav: is not an ordinary file"},
-            {{"voice.wav", "old.wav", "new.jpg"}, "new.jpg: the name of this file must end in .png"},
-            {{"voice.wav", "old.wav", "nowhere/new.png"}, "nowhere/new.png: No such file or directory"},
-            {{"voice.wav", "old.wav", "old.png", "policy=4"},
-             "configuration: policy=4 is not a whole number from 0 to 3"},
-            {{"voice.wav", "old.wav", "old.png", "degree=1"},
-             "configuration: unknown key \"degree\"; the keys are policy"},
-        });
+    const std::vector<Refusal> cases = {
+        {{}, usage},
+        {{"voice.wav", "old.wav"}, usage},
+        {{"--rate", "8000"}, usage},
+        {{"--rate", "8000", "voice.wav", "old.wav"}, usage},
+        {{"voice.wav", "old.wav", "old.png", "policy=1", "x"}, usage},
+        {{"--rate", "48000", "voice.wav", "old.wav", "old.png"}, rate},
+        {{"--rate", "high", "voice.wav", "old.wav", "old.png"}, rate},
+        {{"missing.wav", "old.wav", "old.png"}, "missing.wav: No such file or directory"},
+        {{"--rate", "32000", "missing.wav", "old.wav", "old.png"}, "missing.wav: No such file or directory"},
+        {{"none.wav", "old.wav", "old.png"}, "none.wav: holds no samples"},
+        {{"voice.wav", "new.mp3", "new.png"}, "new.mp3: the name of this file must end in .wav"},
+        {{"voice.wav", "folder.wav", "new.png"}, "folder.wav: is not an ordinary file"},
+        {{"voice.wav", "old.wav", "new.jpg"}, "new.jpg: the name of this file must end in .png"},
+        {{"voice.wav", "old.wav", "nowhere/new.png"}, "nowhere/new.png: No such file or directory"},
+        {{"voice.wav", "old.wav", "old.png", "policy=4"},
+         "configuration: policy=4 is not a whole number from 0 to 3"},
+        {{"voice.wav", "old.wav", "old.png", "degree=1"},
+         "configuration: unknown key \"degree\"; the keys are policy"},
+    };
+    expectRefusals("denoise", cases);
 }

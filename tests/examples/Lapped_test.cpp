@@ -117,25 +117,24 @@ TEST(LappedExample, WorksOnSilence)
 TEST(LappedExample, RefusesWithOneLineAndWritesNothing)
 {
     const std::string usage = "usage: lapped SOUND OUTPUT.wav PICTURE.png [\"block=N; gate=DB\"]";
-    expectRefusals(
-        "lapped",
-        {
-            {{}, usage},
-            {{"voice.wav", "old.wav"}, usage},
-            {{"voice.wav", "old.wav", "old.png", "block=512", "x"}, usage},
-            {{"missing.wav", "old.wav", "old.png"}, "missing.wav: No such file or directory"},
-            {{"none.wav", "old.wav", "old.png"}, "none.wav: holds no samples"},
-            {{"voice.wav", "new.mp3", "new.png"}, "new.mp3: the name of this file must end in .wav"},
-            {{"voice.wav", "folder.wav", "new.png"}, "folder.wav: is not an ordinary file"},
-            {{"voice.wav", "old.wav", "new.jpg"}, "new.jpg: the name of this file must end in .png"},
-            {{"voice.wav", "old.wav", "nowhere/new.png"}, "nowhere/new.png: No such file or directory"},
-            {{"voice.wav", "old.wav", "old.png", "block=0"},
-             "configuration: block=0 is not a whole number from 1 to 65536"},
-            {{"voice.wav", "old.wav", "old.png", "block=65537"},
-             "configuration: block=65537 is not a whole number from 1 to 65536"},
-            {{"voice.wav", "old.wav", "old.png", "gate=soft"},
-             "configuration: gate=soft is not a number from -300 to 300"},
-            {{"voice.wav", "old.wav", "old.png", "hop=1"},
-             "configuration: unknown key \"hop\"; the keys are block, gate"},
-        });
+    const std::vector<Refusal> cases = {
+        {{}, usage},
+        {{"voice.wav", "old.wav"}, usage},
+        {{"voice.wav", "old.wav", "old.png", "block=512", "x"}, usage},
+        {{"missing.wav", "old.wav", "old.png"}, "missing.wav: No such file or directory"},
+        {{"none.wav", "old.wav", "old.png"}, "none.wav: holds no samples"},
+        {{"voice.wav", "new.mp3", "new.png"}, "new.mp3: the name of this file must end in .wav"},
+        {{"voice.wav", "folder.wav", "new.png"}, "folder.wav: is not an ordinary file"},
+        {{"voice.wav", "old.wav", "new.jpg"}, "new.jpg: the name of this file must end in .png"},
+        {{"voice.wav", "old.wav", "nowhere/new.png"}, "nowhere/new.png: No such file or directory"},
+        {{"voice.wav", "old.wav", "old.png", "block=0"},
+         "configuration: block=0 is not a whole number from 1 to 65536"},
+        {{"voice.wav", "old.wav", "old.png", "block=65537"},
+         "configuration: block=65537 is not a whole number from 1 to 65536"},
+        {{"voice.wav", "old.wav", "old.png", "gate=soft"},
+         "configuration: gate=soft is not a number from -300 to 300"},
+        {{"voice.wav", "old.wav", "old.png", "hop=1"},
+         "configuration: unknown key \"hop\"; the keys are block, gate"},
+    };
+    expectRefusals("lapped", cases);
 }

@@ -102,20 +102,18 @@ TEST(MeasuresExample, TakesTheChannelSizeAndHopAskedFor)
 TEST(MeasuresExample, RefusesWithOneLineAndWritesNothing)
 {
     const std::string usage = "usage: measures SOUND PICTURE.png [CONFIGURATION]";
-    expectRefusals(
-        "measures",
-        {
-            {{}, usage},
-            {{"voice.wav", "old.png", "size=4", "x"}, usage},
-            {{"missing.wav", "old.png"}, "missing.wav: No such file or directory"},
-            {{"none.wav", "old.png"}, "none.wav: holds no samples"},
-            {{"voice.wav", "old.jpg"}, "old.jpg: the name of this file must end in .png"},
-            {{"voice.wav", "nowhere/new.png"}, "nowhere/new.png: No such file or directory"},
-            {{"voice.wav", "old.png", "channel=2"}, "voice.wav: has 1 channel, so there is no channel 2"},
-            {{"voice.wav", "old.png", "size=2"},
-             "configuration: size=2 is not a whole number from 3 to 1048576"},
-            {{"voice.wav", "old.png", "hop=0"}, "configuration: hop=0 is not a whole number of 1 or more"},
-            {{"voice.wav", "old.png", "mels=9"},
-             "configuration: unknown key \"mels\"; the keys are size, hop, channel"},
-        });
+    const std::vector<Refusal> cases = {
+        {{}, usage},
+        {{"voice.wav", "old.png", "size=4", "x"}, usage},
+        {{"missing.wav", "old.png"}, "missing.wav: No such file or directory"},
+        {{"none.wav", "old.png"}, "none.wav: holds no samples"},
+        {{"voice.wav", "old.jpg"}, "old.jpg: the name of this file must end in .png"},
+        {{"voice.wav", "nowhere/new.png"}, "nowhere/new.png: No such file or directory"},
+        {{"voice.wav", "old.png", "channel=2"}, "voice.wav: has 1 channel, so there is no channel 2"},
+        {{"voice.wav", "old.png", "size=2"}, "configuration: size=2 is not a whole number from 3 to 1048576"},
+        {{"voice.wav", "old.png", "hop=0"}, "configuration: hop=0 is not a whole number of 1 or more"},
+        {{"voice.wav", "old.png", "mels=9"},
+         "configuration: unknown key \"mels\"; the keys are size, hop, channel"},
+    };
+    expectRefusals("measures", cases);
 }

@@ -1,5 +1,6 @@
 // What the resample example writes, and what it refuses.
 #include "program.h"
+#include "refusals.h"
 #include "sounds.h"
 #include "support/bits.h"
 #include "support/recording.h"
@@ -128,23 +129,17 @@ TEST(ResampleExample, LongFilesRunInConstantMemory)
 
 TEST(ResampleExample, RefusesInOneLineAndWritesNothing)
 {
-    const support::Folder folder;
-    writeSound(folder / "in.wav", {0.5f, 0.25f, 0.125f}, {.rate = 44100});
-    support::writeFile(folder / "old.wav", "an older sound");
-    const auto before = folder.entries();
-    const std::string usage = "usage: resample SOUND OUTPUT.wav RATE [CONFIGURATION]\n";
-    const auto noRate = [](const std::string &text) {
-        return "rate: " + text + " is not from 1 to 1000000\n";
+    const auto prepare = [](const support::Folder &folder) {
+        writeSound(folder / "in.wav", {0.5f, 0.25f, 0.125f}, {.rate = 44100});
     };
-    const struct {
-        std::vector<std::string> arguments;
-        std::string message;
-    } cases[] = {
+    const std::string usage = "usage: resample SOUND OUTPUT.wav RATE [CONFIGURATION]";
+    const auto noRate = [](const std::string &text) { return "rate: " + text + " is not from 1 to 1000000"; };
+    const std::vector<Refusal> cases = {
         {{}, usage},
         {{"in.wav", "old.wav"}, usage},
         {{"in.wav", "old.wav", "8000", "order=1", "more"}, usage},
-        {{"missing.wav", "old.wav", "8000"}, "missing.wav: No such file or directory\n"},
-        {{"in.wav", "new.mp3", "8000"}, "new.mp3: the name of this file must end in .wav\n"},
+        {{"missing.wav", "old.wav", "8000"}, "missing.wav: No such file or directory"},
+        {{"in.wav", "new.mp3", "8000"}, "new.mp3: the name of this file must end in .wav"},
         {{"in.wav", "old.wav", "0"}, noRate("0")},
         {{"in.wav", "old.wav", "-8000"}, noRate("-8000")},
         {{"in.wav", "old.wav", "1000001"}, noRate("1000001")},
@@ -153,30 +148,22 @@ TEST(ResampleExample, RefusesInOneLineAndWritesNothing)
         {{"in.wav", "old.wav", "8000Hz"}, noRate("8000Hz")},
         {{"in.wav", "old.wav", ""}, noRate("")},
         {{"in.wav", "old.wav", "8000", "order=0"},
-         "configuration: order=0 is not a whole number from 1 to 1048576\n"},
+         "configuration: order=0 is not a whole number from 1 to 1048576"},
         {{"in.wav", "old.wav", "8000", "type=linear"},
-         "configuration: type=linear is not polyphase, poly or zoh\n"},
+         "configuration: type=linear is not polyphase, poly or zoh"},
         {{"in.wav", "old.wav", "8000", "type=\"poly zoh\""},
-         "configuration: type=poly zoh is not polyphase, poly or zoh\n"},
-        {{"in.wav", "old.wav", "8000", "type=pol"},
-         "configuration: type=pol is not polyphase, poly or zoh\n"},
+         "configuration: type=poly zoh is not polyphase, poly or zoh"},
+        {{"in.wav", "old.wav", "8000", "type=pol"}, "configuration: type=pol is not polyphase, poly or zoh"},
         {{"in.wav", "old.wav", "8000", "delaycompensation=2"},
-         "configuration: delaycompensation=2 is not yes or no\n"},
+         "configuration: delaycompensation=2 is not yes or no"},
         {{"in.wav", "old.wav", "8000", "taps=7"},
-         "configuration: unknown key \"taps\"; the keys are type, order, delaycompensation\n"},
-        {{"in.wav", "old.wav", "8000", std::string(257, ' ')}, "configuration: longer than 256 bytes\n"},
+         "configuration: unknown key \"taps\"; the keys are type, order, delaycompensation"},
+        {{"in.wav", "old.wav", "8000", std::string(257, ' ')}, "configuration: longer than 256 bytes"},
         {{"in.wav", "old.wav", "44100", "type=zoh"},
-         "ORVA_ZOHResampleInit: Unsuported sample rate convertion: 44100 to 44100\n"},
-        {{"in.wav", "old.wav", "999999", "order=1048576"}, "ORVA_ResampleInit: Parametros invalidos\n"},
+         "ORVA_ZOHResampleInit: Unsuported sample rate convertion: 44100 to 44100"},
+        {{"in.wav", "old.wav", "999999", "order=1048576"}, "ORVA_ResampleInit: Parametros invalidos"},
     };
-    for (const auto &[arguments, message] : cases) {
-        const auto outcome = runExample("resample", arguments, folder);
-        EXPECT_EQ(outcome.status, 1) << message;
-        EXPECT_EQ(outcome.out, "");
-        EXPECT_EQ(outcome.err, message);
-        EXPECT_EQ(folder.entries(), before) << message;
-        EXPECT_EQ(support::readFile(folder / "old.wav"), "an older sound");
-    }
+    expectRefusals("resample", cases, prepare);
 }
 
 TEST(ResampleExample, NotesDamagedInputAndGoesOn)
