@@ -179,10 +179,8 @@ TEST(FilterExample, ADiskThatIsFullLeavesNothing)
 {
     const support::Folder folder;
     writeSound(folder / "in.wav", std::vector<float>(100000, 0.5F));
-    // No file may grow beyond 8 blocks; without the signal, a write that would then fails as on a full disk.
-    const std::string command = "trap '' XFSZ; ulimit -f 8; exec '" + programPath("filter") +
-                                "' in.wav out.wav p.png 'biquads=[0 0 1 0 0]'";
-    const support::Outcome outcome = support::run({"/bin/sh", "-c", command}, folder);
+    const support::Outcome outcome =
+        runExampleOnFullDisk("filter", {"in.wav", "out.wav", "p.png", "biquads=[0 0 1 0 0]"}, folder);
     EXPECT_EQ(outcome.status, 1);
     EXPECT_EQ(outcome.out, "");
     EXPECT_EQ(std::count(outcome.err.begin(), outcome.err.end(), '\n'), 1) << outcome.err;

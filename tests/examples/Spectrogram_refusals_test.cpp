@@ -97,10 +97,8 @@ TEST(SpectrogramRefusals, DiskThatIsFullLeavesTheOldPicture)
 {
     const support::Folder folder;
     support::writeFile(folder / "p.png", "an older picture");
-    // No file may grow beyond 8 blocks; without the signal, a write that would then fails as on a full disk.
-    const std::string command = "trap '' XFSZ; ulimit -f 8; exec '" + programPath("spectrogram") + "' '" +
-                                support::recordingPath() + "' p.png";
-    const support::Outcome outcome = support::run({"/bin/sh", "-c", command}, folder);
+    const support::Outcome outcome =
+        runExampleOnFullDisk("spectrogram", {support::recordingPath(), "p.png"}, folder);
     EXPECT_EQ(outcome.status, 1);
     EXPECT_EQ(outcome.err, "p.png: error while writing to output stream\n");
     EXPECT_EQ(folder.entries(), std::vector<std::string>{"p.png"});

@@ -28,3 +28,14 @@ inline long peakOfExample(const std::string &name, const std::vector<std::string
 {
     return support::peakOf(exampleCommand(name, arguments), folder);
 }
+
+// Where no file may grow beyond 8 blocks; without the signal, a write that would then fails as on a full disk.
+inline support::Outcome runExampleOnFullDisk(const std::string &name,
+                                             const std::vector<std::string> &arguments,
+                                             const support::Folder &folder)
+{
+    std::vector<std::string> words{"/bin/sh", "-c", "trap '' XFSZ; ulimit -f 8; exec \"$@\"", "sh"};
+    for (const std::string &word : exampleCommand(name, arguments))
+        words.push_back(word);
+    return support::run(words, folder);
+}
