@@ -2,9 +2,9 @@
 /** @file
  *  Cross-correlation of two real vectors at all lags, through the FFT.
  *
- *  With L the larger of the two lengths, the result has 2L - 1 values in order of lag, from -(L - 1) to L -
- * 1, also where the lengths differ: index j holds lag j - (L - 1), and lag 0 is at index L - 1. The value at
- * lag t is
+ *  With L the larger of the two lengths, the result has 2L - 1 values in order of lag, from -(L - 1) to
+ *  L - 1, also where the lengths differ: index j holds lag j - (L - 1), and lag 0 is at index L - 1. The value
+ *  at lag t is
  *
  *      r(t) = sum over n of x[n + t] y[n]        x and y zero outside their lengths
  *
@@ -17,8 +17,8 @@
  *      ORVA_XcorrProcDestroy(xcorr);
  *
  *  A processor belongs to one thread at a time; different ones run in parallel. The transform length is 2L as
- * it stands: lengths with small prime factors run fastest. Values pass through FFTW, which chooses its code
- * by processor and wisdom, so their last bits may differ from machine to machine.
+ *  it stands: lengths with small prime factors run fastest. Values pass through FFTW, which chooses its code
+ *  by processor and wisdom, so their last bits may differ from machine to machine.
  */
 #ifndef ORVA_ORVAXCORR_H
 #define ORVA_ORVAXCORR_H
@@ -31,15 +31,16 @@ typedef struct ORVA_XCORR ORVA_XCORR;
 /** Makes a processor.
  *
  *  @param lengthX  samples of the first vector. 0 counts as silence; where both are 0 the processor executes
- * nothing.
+ *                  nothing.
  *  @param lengthY  samples of the second vector, likewise.
  *  @return         the processor, owned by the caller until ORVA_XcorrProcDestroy(); null for a negative
- * length, for one above 1073741823, and when memory for the record is out, without a message. When memory for
- * the spectra is out, the error "ORVAXcorrProcCreate: Erro na alocacao dos vetores!\n" is logged and a
- * processor is returned with which both execute calls give -1.
+ *                  length, for one above 1073741823, and when memory for the record is out, without a message.
+ *                  When memory for its buffers is out, a processor with which both execute calls give -1;
+ *                  where it is the spectra that lack it, the error
+ *                  "ORVAXcorrProcCreate: Erro na alocacao dos vetores!\n" is logged as well.
  *
  *  Threads: any, between ORVA_InitializeFFT() and ORVA_FinalizeFFT().   Real time: no (allocates, plans under
- * a lock).
+ *  a lock).
  */
 ORVA_API ORVA_XCORR *ORVA_XcorrProcCreate(int32_t lengthX, int32_t lengthY);
 
@@ -53,27 +54,29 @@ ORVA_API ORVA_XCORR *ORVA_XcorrProcCreate(int32_t lengthX, int32_t lengthY);
 ORVA_API int32_t ORVA_XcorrVectorLength(const ORVA_XCORR *xcorr);
 
 /** Plain cross-correlation, divided by the longer length: r(t) / L. For x equal to y, lag 0 holds the mean
- * square.
+ *  square.
  *
  *  @param xcorr   a processor.
  *  @param x       the first vector, `lengthX` floats, any alignment; may be null if that is 0.
  *  @param y       the second vector, `lengthY` floats, any alignment; may be null if that is 0.
  *  @param output  out: 2L - 1 floats, any alignment; may overlap the inputs, which are otherwise left as they
- * are.
+ *                 are.
  *  @return        2L - 1; -1 where there is nothing to execute (a null processor, one of two lengths of 0,
- * one left without memory), and `output` is then untouched.
+ *                 one left without memory), and `output` is then untouched.
  *
- *  Threads: one at a time for a processor.   Real time: yes (our code: no heap, lock, log or system call;
- * FFTW allocates during execution for some lengths, as ORVAfft.h tells).
+ *  Threads: one at a time for a processor.   Real time: yes where FFTW takes nothing from the heap for a
+ *  transform of 2L samples, as for L a power of two, see ::ORVA_FFT (no lock, log or system call).
  */
 ORVA_API int32_t ORVA_XcorrProcExecute(ORVA_XCORR *xcorr, const float *x, const float *y, float *output);
 
 /** Cross-correlation with the phase transform (PHAT): every bin of the cross-spectrum is brought to the same
- * magnitude, so that only its phase counts. A pure delay of a broad-band signal gives a sharp peak, of 1.0 if
- * the shift is circular, and the levels of x and y do not matter. Values lie within -1 .. 1.
+ *  magnitude, so that only its phase counts. A pure delay of a broad-band signal gives a sharp peak, of 1.0 if
+ *  the shift is circular, and the levels of x and y do not matter. Values lie within -1 .. 1, but for rounding.
  *
  *  Bins of magnitude zero stay zero. There is no other guard: a bin that holds nothing but rounding noise
- * counts as much as any other, so signals of narrow bands want a band-pass or the plain form.
+ *  counts as much as any other, so signals of narrow bands want a band-pass or the plain form. The squared
+ *  magnitude of a bin is a float: below 3e-23 a bin of the cross-spectrum stays as it is, above 1.8e19 it
+ *  becomes zero.
  *
  *  @param xcorr   a processor.
  *  @param x       the first vector, as for ORVA_XcorrProcExecute().
@@ -83,7 +86,7 @@ ORVA_API int32_t ORVA_XcorrProcExecute(ORVA_XCORR *xcorr, const float *x, const 
  *
  *  Threads: one at a time for a processor.   Real time: yes (as ORVA_XcorrProcExecute()).
  *  Source: C. H. Knapp, G. C. Carter, "The generalized correlation method for estimation of time delay", IEEE
- * Trans. ASSP 24 (1976).
+ *  Trans. ASSP 24 (1976).
  */
 ORVA_API int32_t ORVA_XcorrPhatProcess(ORVA_XCORR *xcorr, const float *x, const float *y, float *output);
 
@@ -92,33 +95,34 @@ ORVA_API int32_t ORVA_XcorrPhatProcess(ORVA_XCORR *xcorr, const float *x, const 
  *  @param xcorr  the processor, gone after the call; null does nothing.
  *  @return       true, always.
  *
- *  Threads: any, between ORVA_InitializeFFT() and ORVA_FinalizeFFT(), while no other uses the processor. Real
- * time: no (frees memory, takes a lock).
+ *  Threads: any, between ORVA_InitializeFFT() and ORVA_FinalizeFFT(), while no other uses the processor.
+ *  Real time: no (frees memory, takes a lock).
  */
 ORVA_API bool ORVA_XcorrProcDestroy(ORVA_XCORR *xcorr);
 
 /** How alike two vectors are, allowing for a shift: the largest absolute correlation over all lags, divided
- * by the square root of the product of the two vectors' powers. Equal vectors give 1.0, and so do a vector
- * and its negation.
+ *  by the square root of the product of the two vectors' powers. Equal vectors give 1.0, and so do a vector
+ *  and its negation.
  *
- *  For equal lengths the coefficient lies within 0 .. 1. For unequal ones it comes out multiplied by the
- * square root of the product of the lengths, divided by the longer: a vector of 4 against the same four
- * samples and four zeros gives 0.7071.
+ *  For equal lengths the coefficient lies within 0 .. 1, but for rounding. For unequal ones it comes out
+ *  multiplied by the square root of the product of the lengths, divided by the longer: a vector of 4 against
+ *  the same four samples and four zeros gives 0.7071.
  *
  *  @param x        the first vector, `lengthX` floats, any alignment.
  *  @param lengthX  samples.
  *  @param y        the second vector, `lengthY` floats, any alignment.
  *  @param lengthY  samples.
  *  @param lag      out: the lag of the peak, the first of equal ones, positive where x is the delayed one; or
- * null.
- *  @return         the coefficient; not-a-number where a length is 0 or both the peak and a power are zero,
- * and the lag is then written all the same. -1.0, with the lag untouched: for a null `x` with the error
- *                  "ORVA_XcorrCoef: Invalid vector x\n", else for a null `y` with "ORVA_XcorrCoef: Invalid
- * vector y\n"; without a message for a negative length, one above 1073741823, and when memory is out.
+ *                  null.
+ *  @return         the coefficient; not-a-number where a length is 0 or a vector is silent, and the lag is
+ *                  then written all the same. -1.0, with the lag untouched: for a null `x` with the error
+ *                  "ORVA_XcorrCoef: Invalid vector x\n", else for a null `y` with
+ *                  "ORVA_XcorrCoef: Invalid vector y\n"; without a message for a negative length, one above
+ *                  1073741823, and when memory is out.
  *
  *  Meant for occasional use: each call makes a processor and destroys it.
  *  Threads: any, between ORVA_InitializeFFT() and ORVA_FinalizeFFT().   Real time: no (allocates, plans under
- * a lock).
+ *  a lock).
  */
 ORVA_API double ORVA_XcorrCoef(const float *x, int32_t lengthX, const float *y, int32_t lengthY,
                                int32_t *lag);
