@@ -23,7 +23,7 @@
  *
  *  Lengths. n samples in make ceil(n L / M) samples of output due. The polyphase filter delays by D samples
  *  of output, which ORVA_ResampleFlushBufferSize() tells of a new converter. With delay compensation, the
- *  default, the first D samples due are dropped, and a whole flush gives D more behind the last: ceil(n L /
+ *  default, the first D samples due are dropped, and a whole flush gives D more after the last: ceil(n L /
  *  M) in all, or D if that is more. Without it nothing is dropped. To end the output exactly with the
  *  input, flush with a maxCount of ceil(n L / M) less what has been written, if that is above 0. The hold
  *  drops nothing and has no flush.
@@ -35,10 +35,11 @@
  *  and more near the end of its passband; its phase is not linear.
  *
  *  Quality. "Nyquist" is half the lower rate. The polyphase passband reaches to 0.95 - 3 / order of it, its
- *  cut-off at 0.95 is 6 dB down, and from 0.95 + 3 / order on it blocks. At order 30 it is flat within 0.02
+ *  cut-off at 0.95 is 6 dB down, and from 0.95 + 3 / order on it blocks. At order 30 it is flat within 0.03
  *  dB; images of what lies below 0.9 Nyquist and aliases of what lies above 1.05 are down by 75 dB for long
- *  ratios, as of 44100 to 48000, and by 55 dB where L and M are both small; twice the order gives about 12
- *  dB more. The hold's gain is not normalised: it lies between 0 and -1 dB in the passband, with -1 dB at
+ *  ratios, as of 44100 to 48000, and by less where L and M are both small: 55 dB at a ratio of 3, 51 dB at 2.
+ *  Twice the order gives 7 to 14 dB more. The hold's gain is not normalised: it lies between 0 and -1 dB in
+ *  the passband, with -1 dB at
  *  zero frequency where the filter's order is even, and going up falls further by the held signal's own
  *  sin(x) / x, -3.1 dB at 0.9. Its aliases, and for integer ratios its images, are down by 60 dB; for other
  *  ratios samples are repeated or dropped unevenly, and what that makes of a tone stays: 44100 to 48000, 28
@@ -78,11 +79,11 @@ typedef struct ORVA_RESAMPLER ORVA_RESAMPLER;
  *      h[i] = h[N - i] = L sin(c t) / (pi t) (0.42 - 0.5 cos(2 pi i / (N + 1)) + 0.08 cos(4 pi i / (N + 1)))
  *
  *  and h[N / 2] = 0.95 min(1, L / M) without the window. The window is Blackman's, with a period of N + 1
- *  and not of N: it peaks half a tap behind the centre, where the two halves meet in a kink, which is what
+ *  and not of N: it peaks half a tap after the centre, where the two halves meet in a kink, which is what
  *  limits the attenuation where L and M are small. That is meant, as is the centre tap's own rule, with L /
  *  M rounded to float. The gain at zero frequency is not normalised: it is off by up to -4.6 dB at an order
- *  of 1, -1 at 2, -0.3 at 3 and -0.03 at 10. For equal rates the stream is low-pass filtered, not copied,
- *  and less at the cut-off: by 0.4 dB at an order of 1, 5.9 at 30.
+ *  of 1, -1.1 at 2, -0.44 at 3 and -0.04 at 10. For equal rates the stream is low-pass filtered, not copied;
+ *  its cut-off is less than 6 dB down, 0.4 dB at an order of 1, 5.9 at 30.
  *
  *  The hold's table: 48000/44100, 44100/32000, 22050/16000, 11025/8000, 32000/22050, 16000/11025,
  *  48000/32000, 96000/48000, 32000/16000, 16000/8000, 44100/22050, 22050/11025, 96000/44100, 48000/22050,
