@@ -115,7 +115,7 @@ ORVA_API int32_t ORVA_ResetFilter(_ORVA_FILTER *filter);
  *
  *  Biquads, equal section counts: `destination` goes on exactly where `source` stands. Unequal counts match
  *  sections by number from the first. A destination with more sections has stretches cleared: for every slot
- *  t of four and every channel c in turn, behind the copy, as many doubles as it has more sections, from
+ *  t of four and every channel c in turn, after the copy, as many doubles as it has more sections, from
  *  double nd t nc + nc c + ns on (nd and ns the section counts of destination and source, nc the channels).
  *  That is where the missing sections stand only if nc = nd; otherwise memories just copied may be cleared,
  *  or memories of missing sections kept. Clearing stops at the end of the memory. A source without sections
@@ -125,7 +125,7 @@ ORVA_API int32_t ORVA_ResetFilter(_ORVA_FILTER *filter);
  *  its own order as position, wherever the source's was. That rotates the history: with equal orders,
  *  `destination` goes on as `source` would only if `source` has run one frame more than a multiple of
  *  order + 1. In a destination of higher order, the rows from 4 (source order + 1) on are cleared, up to the
- * end of the ring, and those between keep what they held.
+ *  end of the ring, and those between keep what they held.
  *
  *  @param destination  takes the history; null is refused. May be `source`.
  *  @param source       left as it is; null is refused.
@@ -163,7 +163,7 @@ ORVA_API int32_t ORVA_DestroyFilter(_ORVA_FILTER *filter);
 
 /** Makes a direct-form filter from a transfer function. All coefficients are divided by a(0) in double and
  *  then rounded to float. Nothing else is tested or changed: with a(0) zero they are infinite or
- * not-a-number, and stability is the host's concern.
+ *  not-a-number, and stability is the host's concern.
  *
  *  @param numChannels  channels in a frame, 0 to 2147483647. A filter of 0 channels is of no use (see
  *                      ORVA_Filter()).
@@ -206,7 +206,7 @@ ORVA_API _ORVA_FILTER *ORVA_CreateFilterFromBiquads(int32_t numChannels, uint32_
  *      biquads                      records, one row a section, five columns a1, a2, b0, b1, b2
  *      numerator                    b(0), b(1), ...; counts only beside a denominator
  *      denominator                  a(0), a(1), ...
- *      nc              1            channels, cut to an integer
+ *      nc              1            channels, cut to an integer; 0 is of no use (see ORVA_Filter())
  *      num_channels    nc           channels, cut to an integer; goes before nc
  *
  *      type            lowpass      lowpass lp | highpass hp | bandpass bp | bandreject br bandstop bs
@@ -264,7 +264,9 @@ ORVA_API _ORVA_FILTER *ORVA_CreateFilterFromBiquads(int32_t numChannels, uint32_
  *  The order of a design is the larger of `order` and of what Ap, As and the ratio of stopband to passband
  *  edge call for. The ratio is taken of the frequencies as they are given, without prewarping: the passband
  *  edges get Ap, the stopband edge is only as exact as that. A low-pass or high-pass has more than As there,
- *  a band type may have less at one of the two, as above. Stop edges lie outside the passband: above fpass of
+ *  a band type may have less at one of the two, as above. With a stop edge, invchebyshev is designed from
+ *  there: its passband edges get less than Ap, and the less the higher the order ("approximation=ci; Ap=1;
+ *  As=60; fpass=0.3; fstop=0.6": 0.17 dB at 0.3). Stop edges lie outside the passband: above fpass of
  *  a low-pass, below that of a high-pass, around a band-pass, inside a band-reject; of two, the one nearer to
  *  its passband edge counts. What each approximation needs beside its passband edges:
  *
@@ -290,8 +292,8 @@ ORVA_API _ORVA_FILTER *ORVA_CreateFilterFromBiquads(int32_t numChannels, uint32_
  *  have ripples of up to 2e-5 too much or too little. Order 1 is best left to another approximation.
  *
  *  An edge at or above half the sampling rate, with fs given, is not refused: a cut-off f between 1 and 2, as
- *  a part of half the rate, gives the filter of 2 - f, and exactly 1 a degenerate one. An fs below 1 and not
- *  below 0 is cut to 0 and makes all edges infinite, and coefficients not-a-number. A negative gain gives
+ *  a part of half the rate, gives the filter of 2 - f, and exactly 1 a degenerate one. An fs between -1 and 1
+ *  is cut to 0 and makes all edges infinite, and coefficients not-a-number. A negative gain gives
  *  not-a-number where there are two sections or more.
  *
  *  @param format  printf-style text, followed by what it asks for; formatted in the C locale. Null is refused
