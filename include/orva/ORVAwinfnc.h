@@ -19,14 +19,17 @@
  *      10    Flat-Top            N - 1  1 - 1.93 cos p + 1.29 cos 2p - 0.388 cos 3p + 0.028 cos 4p
  *
  *  Shapes 3 and 5 to 10 are computed up to the middle and mirrored; Hanning-Periodic is not mirrored, so
- *  its last sample is not zero. Meant as they are:
+ *  its last sample is not zero. A sum of cosines with D = N - 1 reaches its peak, 1 but for Flat-Top, at odd
+ *  lengths, where a sample stands in the middle; even ones come close to it. Meant as they are:
  *
  *  - Triangular overshoots at odd lengths: N = 5 gives 0, 1, 2, 1, 0. N = 1 gives -0, N = 2 two values that
  *    are not a number, N = 3 the same with an infinity between them.
  *  - Half-Triangular of N = 1 is not a number.
- *  - Blackman divides by N and is mirrored all the same, so an even length never reaches 1.
+ *  - Blackman divides by N and is mirrored all the same, so that it stays below 1 at odd lengths, too: by
+ *    0.41 (pi / N)^2 there, and by four times that at even ones.
  *  - Blackman-Nuttall and Nuttal carry the coefficients shown, and Nuttal is written with one l.
  *  - Flat-Top peaks at 4.636.
+ *  - A sum of cosines of N = 1 or 2 has its end value alone: Hanning and Hanning-Periodic begin with 0.
  *  - Where the terms cancel at the ends, a rounding residue stays: -1.4e-17 for Blackman, -2.4e-17 for
  *    Blackman-Nuttall, 8.7e-17 for Flat-Top.
  *
