@@ -26,9 +26,10 @@
  *  its own search.
  *
  *  Lengths. A frame is F = frameMs * sampleRate / 1000 samples, cut to a multiple of 8; a hop is F / 2. The
- *  record holds one second of input, of which the last 3.5 F samples wait for what follows them. So it delays
- *  nothing, but keeps a tail back, and there is no flush: push 3.5 F samples of silence behind the end of a
- *  stream to bring it out. At a constant speed, N samples pushed in give the smallest number of hops h for
+ *  record holds one second of input, of which the last 3.5 F samples wait for what follows them. Nothing is
+ *  put in front of the output, but it begins when more than 3.5 F samples are in: with live input that is a
+ *  latency of 70 ms for frames of 20 ms. There is no flush: push 3.5 F samples of silence after the end of a
+ *  stream to bring out the tail. At a constant speed, N samples pushed in give the smallest number of hops h for
  *  which h * F / 2 * speed, computed in float and truncated, is not below N - 3.5 F.
  *
  *  Frames of up to 220 ms work; about 20 ms suits speech. Longer ones do not fit into the second that is
