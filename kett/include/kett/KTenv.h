@@ -19,12 +19,13 @@ KT_API bool KTENV_SetEnvValue(const char *name, const char *value);
 
 /** The value of a variable: a published one, else what `getenv` gives.
  *
- *  @param name  the variable's name; null finds nothing.
+ *  @param name  the variable's name; null or an empty one finds nothing.
  *  @return      the value, or null when the variable is not set. Never freed by the caller: a published text
  *               stays valid until libkett is unloaded, one from the C environment as long as that leaves it
  *               alone.
  *
- *  Threads: any, at any time.   Real time: no (takes a lock).
+ *  Threads: any, at any time, but not while another changes the C environment (`setenv`, `putenv`), as with
+ *  `getenv`.   Real time: no (takes a lock).
  */
 KT_API const char *KTENV_GetEnvValue(const char *name);
 

@@ -14,9 +14,9 @@
  *
  *  A stream cut into blocks anywhere gives the same bits as one long block.
  *
- *  One polynomial of high order is ill-conditioned where poles crowd, as in narrow filters. On noise, the
- *  error of elliptic low-passes for resampling, the narrower the higher their order, is up to 1e-11 of the
- *  peak at orders 6 to 8, 1e-9 at order 9 and 1e-4 at order 10, which end at 0.037 of the rate or above.
+ *  One polynomial of high order is ill-conditioned where poles crowd, as in narrow filters. The error of the
+ *  elliptic low-passes that liborva resamples with, on noise: up to 1e-11 of the peak at orders 6 to 8, 1e-9
+ *  at order 9, and 1e-4 at order 10, whose narrowest passband ends at 0.037 of the rate.
  *
  *  @param denominator       a: `coefficientCount` doubles, the first equal to 1.0 and not read.
  *  @param numerator         b: `coefficientCount` doubles.

@@ -4,9 +4,10 @@
  *
  *  A file opened with "w" is written beside its target under a unique temporary name; KTIO_CloseFile()
  *  flushes it to the disk and puts it in the target's place in one step. A crash, a full disk or a second
- *  process thus leaves the old content or the new one, never a mixture. The new file keeps the old one's
- *  permissions, and a symbolic link is followed, also one that leads to a file not there yet. Only regular
- *  files are opened; nothing here waits for a pipe or a device.
+ *  process thus leaves the old content or the new one, never a mixture; a process killed in between may leave
+ *  the temporary file, ".kett-*.tmp", behind. The new file keeps the old one's permissions, and a symbolic
+ *  link is followed, also one that leads to a file not there yet. Only regular files are opened; nothing here
+ *  waits for a pipe or a device.
  *
  *      KT_FILE *file = KTIO_Open("/var/lib/host/store", "w");
  *      KTIO_WriteData(file, text, length);
@@ -55,7 +56,7 @@ KT_API int64_t KTIO_FileSize(KT_FILE *file);
 /** Reads on from where the last read ended.
  *
  *  @param file    a file opened with "r"; null reads nothing.
- *  @param buffer  out: `size` bytes; those behind the end of the file stay as they were. Null reads nothing.
+ *  @param buffer  out: `size` bytes; those past the end of the file stay as they were. Null reads nothing.
  *  @param size    bytes to read.
  *  @return        bytes read, fewer than `size` at the end of the file or on an error; 0 from a file opened
  *                 with "w".

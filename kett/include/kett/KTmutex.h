@@ -30,7 +30,7 @@ KT_API void MutexLock(KT_MUTEX *mutex);
  *
  *  @param mutex  a mutex that the calling thread holds; null does nothing.
  *
- *  Real time: no (may wake a thread).
+ *  Threads: the one that holds it.   Real time: no (may wake a thread).
  */
 KT_API void MutexUnlock(KT_MUTEX *mutex);
 
@@ -38,7 +38,7 @@ KT_API void MutexUnlock(KT_MUTEX *mutex);
  *
  *  @param mutex  the mutex, gone after the call; null does nothing.
  *
- *  Real time: no (frees memory).
+ *  Threads: any, while no other uses it.   Real time: no (frees memory).
  */
 KT_API void MutexDestroy(KT_MUTEX *mutex);
 

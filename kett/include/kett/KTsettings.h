@@ -1,6 +1,6 @@
 /* SPDX-License-Identifier: GPL-2.0-or-later */
 /** @file
- *  Settings: named values that live in memory as long as the process.
+ *  Settings: named values that live in memory as long as libkett is loaded.
  *
  *  A setting is asked for by one literal text, the key, an equals sign and a default, bracketed or bare:
  *
@@ -52,8 +52,8 @@ KT_API int64_t KTSETTINGS_GetIntEx(KT_SETTINGS *settings, const char *keyWithDef
  *
  *  @param settings  null, the global store.
  *  @param format    printf-style "key=value", followed by what it asks for.
- *  @return          true, or false when the text holds no key and value or memory is out; nothing has then
- *                   changed.
+ *  @return          true, or false when `format` is null or refused by printf, the text holds no key and
+ *                   value, or memory is out; nothing has then changed.
  */
 KT_API bool KTSETTINGS_SetDefaultEx(KT_SETTINGS *settings, const char *format, ...) KTSETTINGS_FORMAT;
 
@@ -61,8 +61,8 @@ KT_API bool KTSETTINGS_SetDefaultEx(KT_SETTINGS *settings, const char *format, .
  *
  *  @param settings  null, the global store.
  *  @param format    printf-style "key=value", followed by what it asks for.
- *  @return          true, or false when the text holds no key and value or memory is out; nothing has then
- *                   changed.
+ *  @return          true, or false when `format` is null or refused by printf, the text holds no key and
+ *                   value, or memory is out; nothing has then changed.
  */
 KT_API bool KTSETTINGS_SetEx(KT_SETTINGS *settings, const char *format, ...) KTSETTINGS_FORMAT;
 

@@ -13,7 +13,7 @@
  *
  *  @param milliseconds  0 or less returns at once.
  *
- *  Real time: no (system call).
+ *  Threads: any.   Real time: no (waits).
  */
 KT_API void KTUTILS_sleep_msec(int32_t milliseconds);
 
