@@ -71,10 +71,10 @@ ORVA_API bool ORVA_CreatePreEmphAdjust(float *output, int32_t length, double coe
  *  385.3 dB for infinite power; scaled power below 1.18e-38 counts as that. Bin M goes by the double
  *  logarithm of the C library, so a small step between it and its neighbour is meant.
  *
- *  @param length      N, samples of the transform.
- *  @param power       4 * ceil(M / 4) floats and M + 1 at least, aligned to 16 bytes; the values behind bin M
+ *  @param length      N, samples of the transform. At 1, M is 0, and the one bin is divided by zero.
+ *  @param power       4 * ceil(M / 4) floats and M + 1 at least, aligned to 16 bytes; the values past bin M
  *                     are read but of no consequence. What ORVA_FFTProcExecutePSDEx() asks for is enough.
- *  @param output      out: room and alignment as `power`, which it may be; behind bin M it holds values
+ *  @param output      out: room and alignment as `power`, which it may be; past bin M it holds values
  *                     without meaning.
  *  @param adjustment  a magnitude gain for each bin, room and alignment as `power`; null is 1 everywhere.
  *  @param norm        divides the power through its square root; 1.0 for none, g to the fourth for a window

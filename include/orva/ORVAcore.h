@@ -3,7 +3,7 @@
  *  The life cycle of the library.
  *
  *  The library counts its uses. Loading it counts as one use and brings it up; unloading takes that use away and, when it
- *  was the last, takes the library down, which writes the wisdom store. A host therefore needs neither of these calls. It
+ *  was the last, takes the library down, which may write the wisdom store. A host therefore needs neither of these calls. It
  *  may make them in pairs, from one thread at a time:
  *
  *      ORVA_Initialize();                        // one use more: the library was up already
@@ -13,11 +13,11 @@
  *      ORVA_Finalize();                          // back to the use that loading has counted
  *
  *  An ORVA_Finalize() too many takes the library down while it stays loaded; unloading then does nothing more. Brought up
- *  again after that, the FFT engine goes on as ORVA_InitializeFFT() tells: a preparation of plans ends behind its first
+ *  again after that, the FFT engine goes on as ORVA_InitializeFFT() tells: a preparation of plans ends after its first
  *  transform length.
  *
- *  None of this reports a failure, and no failure keeps the library from being loaded. Windows, interpolation and measures
- *  work whatever the count says.
+ *  None of this reports a failure, and no failure keeps the library from being loaded. All but transforms, correlation and
+ *  the lapped transform works whatever the count says.
  */
 #ifndef ORVA_ORVACORE_H
 #define ORVA_ORVACORE_H

@@ -17,7 +17,7 @@
  *      }
  *
  *  Delay: one block. Output block b holds input block b - 1, so the first belongs to the silence before the stream, and one
- *  block of zeros behind the last brings out the end. The stream comes back exactly, up to rounding, when 4 divides M. For
+ *  block of zeros after the last brings out the end. The stream comes back exactly, up to rounding, when 4 divides M. For
  *  other M it does not: the inverse sets its last bin from a sum of which the sign and the part are those of an M that 4
  *  divides, so an error at the highest frequencies remains. Take an M that 4 divides.
  *
@@ -72,7 +72,7 @@ ORVA_API int32_t ORVA_FMCLTProcDestroy(ORVA_FMCLT *fmclt);
  */
 ORVA_API void ORVA_FMCLTFreqWindow(float *window, int32_t blockLength);
 
-/** One block forward. With u the `history` and behind it the `current` block, n = 0 .. 2M - 1:
+/** One block forward. With u the `history` followed by the `current` block, n = 0 .. 2M - 1:
  *
  *      real[k] = - sqrt(2 / M) sum of u[n] sin((n + 1/2) pi / 2M) cos((n + (M + 1) / 2) (k + 1/2) pi / M)
  *      imag[k] =   sqrt(2 / M) sum of u[n] sin((n + 1/2) pi / 2M) sin((n + (M + 1) / 2) (k + 1/2) pi / M)

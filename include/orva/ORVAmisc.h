@@ -3,7 +3,7 @@
  *  Measures of one frame of samples, and a fixed high-pass filter against a constant offset.
  *
  *  A frame is an array of floats, any alignment; lengths count samples. No pointer is checked, nothing is
- * kept between calls, and none of the three needs ORVA_Initialize().
+ *  kept between calls, and none of the three needs ORVA_Initialize().
  *
  *      ORVA_RemoveDC(frame, frame, 480);                      // in place
  *      float level = ORVA_CalcEnergy(frame, 480);             // dB
@@ -17,12 +17,12 @@
 /** The variance of a frame in decibels, 10 log10(v / 0.32768) with v the mean square less the squared mean.
  *
  *  The floor is 0.0 and no large negative number: a constant or silent frame gives the same 0.0 as a frame
- * whose variance is 0.32768, and quiet frames lie below both.
+ *  whose variance is 0.32768, and quiet frames lie below both.
  *
  *  @param input   `length` samples.
  *  @param length  samples; 0 or less reads nothing.
  *  @return        decibels; 0.0 where the variance is not above zero, for a length of 0 or less, and for a
- * frame that holds not-a-number.
+ *                 frame that holds not-a-number or an infinity.
  *
  *  Precision: sums in float, in index order; the logarithm in double.
  *  Threads: any, at any time.   Real time: yes (no heap, lock, log or system call; O(length)).
@@ -30,15 +30,15 @@
 ORVA_API float ORVA_CalcEnergy(const float *input, int32_t length);
 
 /** The number of sign changes between neighbouring samples, divided by the length (not by the length less
- * one, so that the rate never quite reaches 1).
+ *  one, so that the rate never quite reaches 1).
  *
  *  A change counts when the float product of the two samples is below zero: a sample of exactly zero takes
- * part in none, and neither do two so small that their product is zero.
+ *  part in none, and neither do two so small that their product is zero.
  *
  *  @param input   `length` samples.
  *  @param length  samples.
  *  @return        crossings per sample; 0.0 for one sample, not-a-number for a length of 0, -0.0 for a
- * negative one; the last two read nothing.
+ *                 negative one; the last two read nothing.
  *
  *  Threads: any, at any time.   Real time: yes (no heap, lock, log or system call; O(length)).
  */
@@ -47,12 +47,12 @@ ORVA_API float ORVA_CalcZeroCrossRate(const float *input, int32_t length);
 /** Runs a fixed high-pass filter of second order over a buffer:
  *
  *      y[n] = a1 y[n-1] + a2 y[n-2] + b0 x[n] + b1 x[n-1] + b0 x[n-2]
- *      a1 = 1.9059464931488037   a2 = -0.9114024043083191   b0 = 0.9272743463516235   b1 =
- * -1.8544940948486328
+ *      a1 = 1.9059464931488037   a2 = -0.9114024043083191
+ *      b0 = 0.9272743463516235   b1 = -1.8544940948486328
  *
  *  Each call starts from silence: two calls on the halves of a buffer differ from one on the whole. The gain
- * is -3 dB at about 0.011 of the sampling rate. At zero frequency it is 0.010007 and not 0, because the
- * coefficients are single-precision numbers, so an offset is reduced to about one hundredth.
+ *  is -3 dB at about 0.011 of the sampling rate. At zero frequency it is 0.010007 and not 0, because the
+ *  coefficients are single-precision numbers, so an offset is reduced to about one hundredth.
  *
  *  @param input   `length` samples.
  *  @param output  out: `length` samples; may be `input` itself, but must not overlap it otherwise.

@@ -12,13 +12,14 @@
  *          ORVA_DoNoiseSup(suppressor, input, output);
  *      ORVA_DestroyNoiseSup(suppressor);
  *
- *  Delay: at 8000 and 16000 Hz the output lags by 0.6 frames, 48 and 96 samples; a frame of silence behind the end of a
+ *  Delay: at 8000 and 16000 Hz the output lags by 0.6 frames, 48 and 96 samples; a frame of silence after the end of a
  *  stream brings out the rest of it.
  *
  *  What comes out:
  *   - 8000 and 16000 Hz: the suppressor's output. Frames go to its processing step only, never to its analysis step, on
  *     which its noise estimate rests, so it takes next to nothing away: the level of ten seconds of white noise at -26 dB,
- *     and of a recorded voice, changed by 0.01 dB at most, at either rate and every degree.
+ *     and of a recorded voice, changed by 0.01 dB at most, at either rate and every degree. It is cut toward zero to
+ *     16 bits and limited; what lies below -32678, and not -32768, becomes -32768.
  *   - 32000 Hz: silence. The cleaned bands are written to the block that the split used, while the merge reads another that
  *     nothing is ever written to. Convert the stream to 16000 Hz instead.
  */
