@@ -107,6 +107,14 @@ void directBySteps(int32_t length, const Samples &u, const Samples &window, Samp
     }
 }
 
+// Direct of the second of two blocks of noise, the first of which is the past.
+void directOfBoth(Stream &stream, const Samples &u)
+{
+    const auto M = std::ssize(u) / 2;
+    stream.history.assign(u.begin(), u.begin() + M);
+    stream.direct(processor(static_cast<int32_t>(M)), u.data() + M);
+}
+
 // Sends samples through direct and inverse in blocks of M, a block of zeros behind them; gives what comes out, less the
 // block of the silence before the stream.
 Samples thereAndBack(int32_t M, Samples samples)
@@ -165,11 +173,9 @@ TEST(FmcltDirect, EqualsItsClosedFormsForEveryBlockLength)
 {
     Random random;
     for (const int32_t M : blockLengths) {
-        const auto fmclt = processor(M);
         Stream stream(M);
         const auto u = random.noise(2 * static_cast<size_t>(M));
-        stream.history.assign(u.begin(), u.begin() + M);
-        stream.direct(fmclt, u.data() + M);
+        directOfBoth(stream, u);
         for (size_t k = 0; k < static_cast<size_t>(M); ++k) {
             ASSERT_NEAR(stream.real[k], closedForm(u, k, -1, cosine), 2e-6) << k << " of " << M;
             ASSERT_NEAR(stream.imag[k], closedForm(u, k, 1, sine), 2e-6) << k << " of " << M;
@@ -182,11 +188,9 @@ TEST(FmcltDirect, EqualsItsStepsBitForBit)
 {
     Random random;
     for (const int32_t M : blockLengths) {
-        const auto fmclt = processor(M);
         Stream stream(M);
         const auto u = random.noise(2 * static_cast<size_t>(M));
-        stream.history.assign(u.begin(), u.begin() + M);
-        stream.direct(fmclt, u.data() + M);
+        directOfBoth(stream, u);
         Samples real(stream.real), imag(real);
         directBySteps(M, u, stream.window, real, imag);
         ASSERT_TRUE(sameBits(stream.real, real)) << M;

@@ -90,18 +90,8 @@ TEST(HoldStream, InfinitiesAndNotANumberPassAsThroughThePlainLoop)
 
 TEST(HoldStream, MayBeConvertedInPlace)
 {
-    support::Random random;
-    for (const Rates rates : {Rates{44100, 48000}, {48000, 44100}, {8000, 96000}, {96000, 8000}}) {
-        const auto apart = newResampler(rates, "type=zoh"), inPlace = newResampler(rates, "type=zoh");
-        for (int block = 0; block < 5; ++block) {
-            Floats samples = random.noise(100);
-            const Floats expected = convert(apart.get(), samples, 1300);
-            samples.resize(1300);
-            samples.resize(
-                static_cast<size_t>(ORVA_Resample(inPlace.get(), samples.data(), samples.data(), 100)));
-            EXPECT_TRUE(sameBits(samples, expected)) << rates;
-        }
-    }
+    for (const Rates rates : {Rates{44100, 48000}, {48000, 44100}, {8000, 96000}, {96000, 8000}})
+        EXPECT_TRUE(sameInPlace(rates, "type=zoh")) << rates;
 }
 
 TEST(HoldStream, OrderDelayCompensationAndTheSettingAreNotLookedAt)

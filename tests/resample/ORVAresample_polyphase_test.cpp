@@ -181,18 +181,8 @@ TEST(PolyphaseStream, NotANumberIsGoneAfterAsManySamplesAsAPhaseIsLong)
 
 TEST(PolyphaseStream, MayBeConvertedInPlace)
 {
-    support::Random random;
-    for (const Rates rates : {Rates{44100, 48000}, {48000, 44100}, {1, 5}, {5, 1}, {1, 1}}) {
-        const auto apart = newResampler(rates, "order=2"), inPlace = newResampler(rates, "order=2");
-        for (int block = 0; block < 5; ++block) {
-            Floats samples = random.noise(100);
-            const Floats expected = convert(apart.get(), samples, 501);
-            samples.resize(501);
-            samples.resize(
-                static_cast<size_t>(ORVA_Resample(inPlace.get(), samples.data(), samples.data(), 100)));
-            EXPECT_TRUE(sameBits(samples, expected)) << rates;
-        }
-    }
+    for (const Rates rates : {Rates{44100, 48000}, {48000, 44100}, {1, 5}, {5, 1}, {1, 1}})
+        EXPECT_TRUE(sameInPlace(rates, "order=2")) << rates;
 }
 
 TEST(PolyphaseLength, FollowsTheFormulaOfTheHeader)

@@ -1,6 +1,9 @@
 // Both converters in their plainest form: every sample kept, every sum a loop, nothing done at once.
 #pragma once
 
+#include "support/bits.h"
+#include "support/random.h"
+
 #include <orva/ORVAresample.h>
 
 #include <algorithm>
@@ -59,6 +62,24 @@ inline Floats convert(ORVA_RESAMPLER *resampler, std::span<const float> input, s
         EXPECT_EQ(output[i], unwritten) << "behind the result, at " << i << " of " << count;
     output.resize(std::min(count, output.size()));
     return output;
+}
+
+// Whether blocks that are converted in place give the bits of those that are not.
+inline bool sameInPlace(Rates rates, const std::string &config)
+{
+    support::Random random;
+    const auto apart = newResampler(rates, config), inPlace = newResampler(rates, config);
+    for (int block = 0; block < 5; ++block) {
+        Floats samples = random.noise(100);
+        const auto room = static_cast<size_t>(lengthAfter(100, rates)) + 1;
+        const Floats expected = convert(apart.get(), samples, room);
+        samples.resize(std::max<size_t>(room, 100));
+        samples.resize(
+            static_cast<size_t>(ORVA_Resample(inPlace.get(), samples.data(), samples.data(), 100)));
+        if (!support::sameBits(samples, expected))
+            return false;
+    }
+    return true;
 }
 
 // Blocks of these lengths, over and over.
