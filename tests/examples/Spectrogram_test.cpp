@@ -2,7 +2,6 @@
 #include "picture.h"
 #include "program.h"
 #include "sounds.h"
-#include "support/random.h"
 #include "support/recording.h"
 
 extern "C" {
@@ -255,10 +254,7 @@ TEST(Spectrogram, FileWhoseHeadDoesNotTellItsLengthIsCounted)
 TEST(Spectrogram, FileThatEndsEarlyIsShownWithANote)
 {
     const support::Folder folder;
-    support::Random random;
-    writeSound(folder / "a.flac", random.noise(100000), {.format = SF_FORMAT_FLAC | SF_FORMAT_PCM_16});
-    const std::string bytes = support::readFile(folder / "a.flac");
-    support::writeFile(folder / "a.flac", bytes.substr(0, bytes.size() / 2));
+    writeHalfSound(folder / "a.flac");
     const support::Outcome outcome = runExample("spectrogram", {"a.flac", "p.png"}, folder);
     EXPECT_EQ(outcome.status, 0);
     const std::string line = onlyLine(outcome.err);

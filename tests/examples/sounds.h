@@ -1,7 +1,10 @@
 // Sound files made for a test.
 #pragma once
 
+#include "support/random.h"
+
 #include <cmath>
+#include <filesystem>
 #include <numbers>
 #include <sndfile.h>
 #include <stdexcept>
@@ -31,22 +34,6 @@ inline std::string writeSound(const std::string &path, const std::vector<float> 
     return path;
 }
 
-// Seconds at 8000 Hz, one byte a sample, all the same: for tests of memory, so no more than a second at once, since a
-// process begins with its parent's peak.
-inline void writeLongSound(const std::string &path, int seconds)
-{
-    SF_INFO info{};
-    info.samplerate = 8000;
-    info.channels = 1;
-    info.format = SF_FORMAT_WAV | SF_FORMAT_PCM_U8;
-    SNDFILE *file = sf_open(path.c_str(), SFM_WRITE, &info);
-    const std::vector<float> second(8000, 0.25f);
-    for (int i = 0; i < seconds; ++i)
-        if (sf_write_float(file, second.data(), 8000) != 8000)
-            throw std::runtime_error(path + ": not written");
-    sf_close(file);
-}
-
 inline std::vector<float> sine(double hertz, double amplitude, size_t length, double rate = 48000)
 {
     std::vector<float> samples(length);
@@ -54,4 +41,12 @@ inline std::vector<float> sine(double hertz, double amplitude, size_t length, do
         samples[i] = static_cast<float>(
             amplitude * std::sin(2 * std::numbers::pi * hertz * static_cast<double>(i) / rate));
     return samples;
+}
+
+// A sound of 100000 frames, cut off in the middle.
+inline void writeHalfSound(const std::string &path)
+{
+    support::Random random;
+    writeSound(path, random.noise(100000), {.format = SF_FORMAT_FLAC | SF_FORMAT_PCM_16});
+    std::filesystem::resize_file(path, std::filesystem::file_size(path) / 2);
 }
