@@ -102,10 +102,13 @@ static int32_t correlate(ORVA_XCORR *xcorr, const float *x, const float *y, floa
     std::fill_n(xcorr->spectrumY, xcorr->bins, ORVA_COMPLEX{});
     std::copy_n(x, xcorr->lengthX, xcorr->bufferX);
     std::copy_n(y, xcorr->lengthY, xcorr->bufferY);
-    ORVA_FFTProcExecute(xcorr->fft, xcorr->bufferX, xcorr->spectrumX);
-    ORVA_FFTProcExecute(xcorr->fft, xcorr->bufferY, xcorr->spectrumY);
+    // A transform for which FFTW had no memory gives 0.
+    if (ORVA_FFTProcExecute(xcorr->fft, xcorr->bufferX, xcorr->spectrumX) == 0 ||
+        ORVA_FFTProcExecute(xcorr->fft, xcorr->bufferY, xcorr->spectrumY) == 0)
+        return -1;
     combine(*xcorr);
-    ORVA_IFFTProcExecuteEx(xcorr->ifft, xcorr->spectrumX, xcorr->bufferX, false);
+    if (ORVA_IFFTProcExecuteEx(xcorr->ifft, xcorr->spectrumX, xcorr->bufferX, false) == 0)
+        return -1;
     // The circular result holds lags 0 .. L-1, the empty lag of the zero padding, and lags -(L-1) .. -1.
     float *zeroLag = std::copy_n(xcorr->bufferX + longer + 1, longer - 1, output);
     std::copy_n(xcorr->bufferX, longer, zeroLag);
