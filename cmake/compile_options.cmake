@@ -30,7 +30,7 @@ target_compile_options(orva_library_options INTERFACE
     $<$<COMPILE_LANGUAGE:CXX>:-fvisibility-inlines-hidden -fno-exceptions -fno-rtti>
     $<$<CXX_COMPILER_ID:GNU>:-fno-gnu-unique>)            # a unique symbol would keep dlclose from unloading
 target_link_options(orva_library_options INTERFACE
-    -Wl,-z,now)                                           # no symbol is looked up later, under the loader's lock, on a thread of ours
+    -Wl,-z,now)                                           # or a thread of ours would look up under the loader's lock
 if(NOT ORVA_SANITIZE)
     target_link_options(orva_library_options INTERFACE -Wl,-z,defs)    # the sanitizers' own names come with the program
 endif()

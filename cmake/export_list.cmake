@@ -1,8 +1,8 @@
 # export_only(<target> <list> <node>)
 #
-# Makes the library <target> show the names in the file <list> and nothing else: a shared library exports them under the
-# version node <node>. The list holds one name a line; blank lines and lines that start with '#' or '[' (a family) are for
-# the reader.
+# Makes the library <target> show the names in the file <list> and nothing else: a shared library exports them under
+# the version node <node>. The list holds one name a line; blank lines and lines that start with '#' or '[' (a family)
+# are for the reader.
 function(export_only target list node)
     file(STRINGS ${list} names REGEX "^[A-Za-z_]")
     set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS ${list})
@@ -22,9 +22,9 @@ endfunction()
 
 # one_object_archives()
 #
-# Static libraries of the current folder hold one object each, in which all their parts are linked together. So any use of
-# the library brings the module entry with it, and names that are shared between the parts only are local to that object,
-# where they cannot meet a name of the host. Each such library takes its names by export_only().
+# Static libraries of the current folder hold one object each, in which all their parts are linked together. So any use
+# of the library brings the module entry with it, and names that are shared between the parts only are local to that
+# object, where they cannot meet a name of the host. Each such library takes its names by export_only().
 macro(one_object_archives)
     set(CMAKE_CXX_CREATE_STATIC_LIBRARY
         "<CMAKE_LINKER> -r --force-group-allocation -o <TARGET>.o <OBJECTS>"

@@ -1,7 +1,7 @@
 # Fuzz targets: programs that hand arbitrary bytes to an operation that meets hostile input.
 option(ORVA_FUZZ "Build the fuzz targets with libFuzzer, which needs clang" OFF)
 
-set(ORVA_FUZZ_TARGETS ${CMAKE_BINARY_DIR}/fuzz_targets)   # one line each: name, corpus, and its dictionary if it has one
+set(ORVA_FUZZ_TARGETS ${CMAKE_BINARY_DIR}/fuzz_targets)   # one line each: name, corpus, dictionary if it has one
 if(ORVA_FUZZ)
     file(WRITE ${ORVA_FUZZ_TARGETS} "")
     add_custom_target(fuzz)                               # all of them, and only what they need
@@ -10,8 +10,9 @@ endif()
 
 # orva_fuzz(<name> FAMILY <family> SOURCES <files> CORPUS <folder> [DICTIONARY <file>] [LIBRARIES <targets>])
 #
-# The SOURCES define LLVMFuzzerTestOneInput. In the preset 'fuzz' they are linked with libFuzzer to the program <name>, which
-# script/fuzz runs; in the others they make a test that runs each file of the corpus and, for two seconds, mutations of them.
+# The SOURCES define LLVMFuzzerTestOneInput. In the preset 'fuzz' they are linked with libFuzzer to the program <name>,
+# which script/fuzz runs; in the others they make a test that runs each file of the corpus and, for two seconds, mutations
+# of them.
 function(orva_fuzz name)
     cmake_parse_arguments(ARG "" "FAMILY;CORPUS;DICTIONARY" "SOURCES;LIBRARIES" ${ARGN})
     cmake_path(ABSOLUTE_PATH ARG_CORPUS)

@@ -2,23 +2,11 @@
 #   liborva3       both shared libraries
 #   liborva-dev    headers, link names, CMake package, pkg-config files, static libraries
 #   liborva-doc    the HTML reference
-set(ORVA_STATIC_BUILD "" CACHE PATH "Build with static libraries that goes into the packages; makes this build ready to be packed")
+set(ORVA_STATIC_BUILD "" CACHE PATH
+    "Build with static libraries that goes into the packages; makes this build ready to be packed")
 if(NOT ORVA_STATIC_BUILD)
     return()
 endif()
-
-set(CPACK_GENERATOR DEB)
-set(CPACK_PACKAGE_NAME lib${PROJECT_NAME})
-set(CPACK_PACKAGING_INSTALL_PREFIX ${CMAKE_INSTALL_PREFIX})
-set(CPACK_STRIP_FILES ON)
-set(CPACK_INSTALL_DEFAULT_DIRECTORY_PERMISSIONS
-    OWNER_READ OWNER_WRITE OWNER_EXECUTE GROUP_READ GROUP_EXECUTE WORLD_READ WORLD_EXECUTE)
-set(CPACK_COMPONENTS_ALL runtime development archives documentation)
-set(CPACK_INSTALL_CMAKE_PROJECTS
-    ${PROJECT_BINARY_DIR} ${PROJECT_NAME} runtime /
-    ${PROJECT_BINARY_DIR} ${PROJECT_NAME} development /
-    ${ORVA_STATIC_BUILD} ${PROJECT_NAME} archives /
-    ${PROJECT_BINARY_DIR} ${PROJECT_NAME} documentation /)
 
 # Each package tells its licence and what is new.
 set(maintainer "liborva maintainers <maintainers@liborva.invalid>")
@@ -32,6 +20,8 @@ file(REMOVE_RECURSE ${debian})
 configure_file(cmake/debian/changelog.in ${debian}/changelog.Debian @ONLY)
 configure_file(CHANGELOG.md ${debian}/changelog COPYONLY)
 execute_process(COMMAND gzip -9n changelog changelog.Debian WORKING_DIRECTORY ${debian} COMMAND_ERROR_IS_FATAL ANY)
+
+# orva_package(<group> <package> <components>): the components stand in the Debian package of that name.
 function(orva_package group package)
     cpack_add_component_group(${group})
     foreach(component ${ARGN})
@@ -50,6 +40,8 @@ set(CPACK_PACKAGING_INSTALL_PREFIX ${CMAKE_INSTALL_PREFIX})
 set(CPACK_STRIP_FILES ON)
 set(CPACK_INSTALL_DEFAULT_DIRECTORY_PERMISSIONS
     OWNER_READ OWNER_WRITE OWNER_EXECUTE GROUP_READ GROUP_EXECUTE WORLD_READ WORLD_EXECUTE)
+
+# What each of the two builds gives.
 set(CPACK_COMPONENTS_SHARED runtime development documentation)
 set(CPACK_COMPONENTS_STATIC archives)
 set(CPACK_INSTALL_CMAKE_PROJECTS

@@ -12,8 +12,8 @@ if(ORVA_SANITIZE MATCHES undefined)
 endif()
 
 # What 'interposer' and 'strace' name works by standing between a program and the C library, where a sanitizer stands
-# already; 'lint' looks at sources and at code compiled for the purpose, to which a sanitizer adds nothing; 'package' looks
-# at what is shipped, in which there is none.
+# already; 'lint' looks at sources and at code compiled for the purpose, to which a sanitizer adds nothing; 'package'
+# looks at what is shipped, in which there is none.
 set(ORVA_LABELS_WITHOUT_SANITIZER interposer strace lint package)
 set(ORVA_LEFT_OUT_TESTS ${CMAKE_BINARY_DIR}/left_out_tests)    # one line a test that this build leaves out
 file(WRITE ${ORVA_LEFT_OUT_TESTS} "")
@@ -21,9 +21,9 @@ file(WRITE ${ORVA_LEFT_OUT_TESTS} "")
 # orva_test(<name> FAMILY <family> SOURCES <files> [LIBRARIES <targets>] [LABELS <labels>] [ENVIRONMENT <NAME=value>]
 #           [FIXTURES <fixtures>] [WITHOUT_KETT])
 #
-# Builds the test program <name> and registers its tests under the label <family> and the further LABELS. Tests labelled
-# 'interposer', 'strace', 'lint' or 'package' exist only in builds without a sanitizer; 'interposer' links the interposer in front of
-# the LIBRARIES. Every test program links libkett, unless it is told not to.
+# Builds the test program <name> and registers its tests under the label <family> and the further LABELS. Tests
+# labelled 'interposer', 'strace', 'lint' or 'package' exist only in builds without a sanitizer; 'interposer' links the
+# interposer in front of the LIBRARIES. Every test program links libkett, unless it is told not to.
 function(orva_test name)
     cmake_parse_arguments(ARG "WITHOUT_KETT" "FAMILY" "SOURCES;LIBRARIES;LABELS;ENVIRONMENT;FIXTURES" ${ARGN})
     if(ORVA_SANITIZE)
