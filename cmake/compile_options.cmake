@@ -9,12 +9,14 @@ set(CMAKE_C_STANDARD 99)
 set(CMAKE_C_STANDARD_REQUIRED ON)
 set(CMAKE_C_EXTENSIONS OFF)
 
+set(CMAKE_COMPILE_WARNING_AS_ERROR ON)    # cmake --compile-no-warning-as-error, for compilers that warn of more
+
 set(ORVA_SANITIZE "" CACHE STRING "Sanitizers to build with, separated by commas: address,undefined or thread")
 option(ORVA_COVERAGE "Count which lines of the two libraries run" OFF)
 
 add_library(orva_compile_options INTERFACE)
 target_compile_options(orva_compile_options INTERFACE
-    -Wall -Wextra -Wconversion -Wshadow -Werror
+    -Wall -Wextra -Wconversion -Wshadow
     -ffp-contract=off)                                    # a fused multiply-add rounds once where the results round twice
 if(ORVA_SANITIZE)
     target_compile_options(orva_compile_options INTERFACE
