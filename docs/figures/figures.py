@@ -16,8 +16,7 @@ script/figures builds the library and runs it. Equal versions of matplotlib draw
 """
 import ctypes
 import wave
-from ctypes import (c_bool, c_char_p, c_double, c_float, c_int16, c_int32, c_int64,  # for the scripts
-                    c_uint32, c_void_p)
+from ctypes import c_bool, c_char_p, c_double, c_float, c_int32, c_int64, c_uint32, c_void_p  # for the scripts
 from io import BytesIO
 from pathlib import Path
 
@@ -37,12 +36,10 @@ _kett = ctypes.CDLL(BUILD / "kett/libkett.so", mode=ctypes.RTLD_GLOBAL)
 _orva = ctypes.CDLL(BUILD / "src/liborva.so")
 
 FLOATS = numpy.ctypeslib.ndpointer(numpy.float32, flags="C,A")
-DOUBLES = numpy.ctypeslib.ndpointer(numpy.float64, flags="C,A")
-COMPLEX = numpy.ctypeslib.ndpointer(numpy.complex64, flags="C,A")
 
 
 def function(name, result, *arguments):
-    """A function of liborva or libkett; of one with further arguments, as of printf, the leading ones are declared."""
+    """A function of liborva or libkett; of one that takes more arguments, as printf does, the leading ones are given."""
     found = getattr(_kett if name.startswith("KT") else _orva, name)
     found.restype = result
     found.argtypes = arguments

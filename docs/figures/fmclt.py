@@ -1,5 +1,5 @@
 """The lapped coefficients of the voice, and what error reconstruction leaves for each block length."""
-from figures import (BLUE, FLOATS, ORANGE, axes, c_int32, c_void_p, function, numpy, recording, save, zeros)
+from figures import BLUE, FLOATS, ORANGE, axes, c_int32, c_void_p, function, numpy, recording, save, zeros
 
 create = function("ORVA_FMCLTProcCreate", c_void_p, c_int32)
 destroy = function("ORVA_FMCLTProcDestroy", c_int32, c_void_p)

@@ -1,11 +1,11 @@
 """One table of points, drawn as lines, as a natural spline and as one with given slopes, and beyond its ends."""
-from figures import (BLUE, FLOATS, GREEN, GREY, ORANGE, axes, c_float, c_int32, function, numpy, save, zeros)
+from figures import BLUE, FLOATS, GREEN, GREY, ORANGE, axes, c_float, c_int32, function, numpy, save, zeros
 
 estimate = function("ORVASPLINE_Estimate", None, FLOATS, FLOATS, c_int32, c_float, c_float, FLOATS)
 spline = function("ORVASPLINE_Interpolate", c_float, FLOATS, FLOATS, FLOATS, c_int32, c_float)
 linear = function("ORVAINTERPOLATE_Linear", c_float, FLOATS, FLOATS, c_int32, c_float)
 
-NATURAL = 1e30
+NATURAL = 1e30                          # as a slope
 points = ((0, 0), (1, 2), (2, 2.5), (4, 1), (5, 3), (6, 3))
 x, y, y2 = (zeros(len(points)) for _ in range(3))
 x[:], y[:] = zip(*points)

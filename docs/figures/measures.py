@@ -1,5 +1,6 @@
 """Energy and zero crossings of the voice, the two scales beside each other, and the gain of the high-pass filter."""
-from figures import (BLUE, FLOATS, GREY, ORANGE, axes, c_double, c_float, c_int32, function, numpy, recording, save, zeros)
+from figures import (BLUE, FLOATS, GREY, ORANGE, axes, c_double, c_float, c_int32, function, numpy, recording, save,
+                     zeros)
 
 energy = function("ORVA_CalcEnergy", c_float, FLOATS, c_int32)
 crossings = function("ORVA_CalcZeroCrossRate", c_float, FLOATS, c_int32)
@@ -35,7 +36,7 @@ gain = 20 * numpy.log10(numpy.abs(numpy.fft.rfft(answer.astype(float))))
 places = numpy.arange(len(gain)) / len(impulse)
 plots[1, 1].semilogx(places[1:], gain[1:])
 plots[1, 1].axhline(gain[0], color=GREY, linestyle="--", linewidth=1)
-plots[1, 1].text(1.2e-2, gain[0] + 1, "at 0 Hz: %.1f dB" % gain[0], color="#505050")
+plots[1, 1].text(1.2e-2, gain[0] + 1, f"at 0 Hz: {gain[0]:.1f} dB", color="#505050")
 plots[1, 1].set(title="Gain of ORVA_RemoveDC", xlabel="Frequency (of the sampling rate)", ylabel="Gain (dB)",
                 xlim=(1e-4, 0.5), ylim=(-45, 5))
 save(figure, "measures")

@@ -1,11 +1,10 @@
 """What the resampler does to sines: a table in Markdown, for docs/resample.md, and two figures.
 
-Every number is measured on the library's output: sines go in at the input rate, and of what comes out, transients apart,
-the best sine of the same frequency is taken as signal and the rest as error. One line of the table is one converter at
-one pair of rates; "Nyquist" means half the lower of the two rates.
+Every number is measured on the library's output: sines go in at the input rate, and of what comes out, transients
+apart, the best sine of the same frequency is taken as signal and the rest as error. One line of the table is one
+converter at one pair of rates; "Nyquist" means half the lower of the two rates.
 """
-from figures import (BLUE, FLOATS, GREEN, ORANGE, RED, axes, c_char_p, c_int32, c_void_p, function, numpy, save,
-                     zeros)
+from figures import BLUE, FLOATS, GREEN, ORANGE, RED, axes, c_char_p, c_int32, c_void_p, function, numpy, save, zeros
 
 init = function("ORVA_ResampleInit", c_void_p, c_int32, c_int32, c_char_p)
 resample = function("ORVA_Resample", c_int32, c_void_p, FLOATS, FLOATS, c_int32)
@@ -72,13 +71,14 @@ def alias(config, rates, frequency):
 def measure(config, rates):
     """One line of the table."""
     nyquist = min(rates) / 2
-    order = int(config[6:]) if config.startswith("order") else None
+    order = int(config.removeprefix("order=")) if config.startswith("order=") else None
     edge = 0.95 - 3 / order if order else 0.95      # where the transition of the window begins
     passband = [gain(config, rates, f * nyquist) for f in numpy.linspace(0.01, edge, 60)]
     ripple = max(passband) - min(passband)
     images = [image(config, rates, f * nyquist) for f in numpy.linspace(0.02, 0.9, 45)]
     highest = rates[0] / 2 / nyquist
-    aliases = [alias(config, rates, f * nyquist) for f in numpy.linspace(1.05, highest - 0.01, 60)] if highest > 1 else []
+    beyond = numpy.linspace(1.05, highest - 0.01, 60) if highest > 1 else ()
+    aliases = [alias(config, rates, f * nyquist) for f in beyond]
     return (f"{edge * nyquist:.0f}", f"{ripple:.3f}" if order else f"{ripple:.1f}",
             f"{gain(config, rates, 0.9 * nyquist):.2f}".replace("-0.00", "0.00"), f"{-max(images):.0f}",
             f"{-max(aliases):.0f}" if aliases else "none", f"{snr(config, rates, 1000):.0f}",

@@ -17,6 +17,7 @@ for name in ("Rectangular", "Hanning", "Blackman-Harris", "Flat-Top"):
     plots[0].plot(window)
     plots[1].plot(bins, 20 * numpy.log10(numpy.maximum(spectrum, 1e-9)), label=name)
 plots[0].set(title="Four windows of 64 samples", xlabel="Sample")
-plots[1].set(title="and what each lets through", xlabel="Distance in bins", ylabel="Level (dB)", xlim=(0, 16), ylim=(-130, 5))
+plots[1].set(title="and what each lets through", xlabel="Distance in bins", ylabel="Level (dB)", xlim=(0, 16),
+             ylim=(-130, 5))
 plots[1].legend(loc="upper right")
 save(figure, "window")
