@@ -18,14 +18,18 @@ set(ORVA_LABELS_WITHOUT_SANITIZER interposer strace lint package)
 set(ORVA_LEFT_OUT_TESTS ${CMAKE_BINARY_DIR}/left_out_tests)    # one line a test that this build leaves out
 file(WRITE ${ORVA_LEFT_OUT_TESTS} "")
 
-# orva_test(<name> FAMILY <family> SOURCES <files> [LIBRARIES <targets>] [LABELS <labels>] [ENVIRONMENT <NAME=value>]
+# orva_test(<name> FAMILY <family> [SOURCES <files>] [LIBRARIES <targets>] [LABELS <labels>] [ENVIRONMENT <NAME=value>]
 #           [FIXTURES <fixtures>] [WITHOUT_KETT])
 #
-# Builds the test program <name> and registers its tests under the label <family> and the further LABELS. Tests
-# labelled 'interposer', 'strace', 'lint' or 'package' exist only in builds without a sanitizer; 'interposer' links the
-# interposer in front of the LIBRARIES. Every test program links libkett, unless it is told not to.
+# Builds the test program <name> of the SOURCES, <name>.cpp by default, and registers its tests under the label <family>
+# and the further LABELS. Tests labelled 'interposer', 'strace', 'lint' or 'package' exist only in builds without a
+# sanitizer; 'interposer' links the interposer in front of the LIBRARIES. Every test program links libkett, unless it is
+# told not to.
 function(orva_test name)
     cmake_parse_arguments(ARG "WITHOUT_KETT" "FAMILY" "SOURCES;LIBRARIES;LABELS;ENVIRONMENT;FIXTURES" ${ARGN})
+    if(NOT ARG_SOURCES)
+        set(ARG_SOURCES ${name}.cpp)
+    endif()
     if(ORVA_SANITIZE)
         foreach(label ${ARG_LABELS})
             if(label IN_LIST ORVA_LABELS_WITHOUT_SANITIZER)
