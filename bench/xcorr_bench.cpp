@@ -49,12 +49,13 @@ void addLength(const std::string &form, Execute execute, size_t L)
         };
     });
     addCase(name + "/bare", L, [=] { return transforms(L); });
-    if (execute == ORVA_XcorrProcExecute && L <= 4096)
+    if (execute == ORVA_XcorrProcExecute && L <= 4096) {
         addCase(name + "/plain", L, [=] {
             return [x = noise(L), y = noise(L), r = std::vector<float>(2 * L)]() mutable {
                 plainCorrelation(x, y, r);
             };
         });
+    }
 }
 
 const bool registered = [] {

@@ -55,8 +55,8 @@ static bool report(const search *s, const char *path)
     int32_t best = 0;
     for (int32_t i = 1; i < s->lags; ++i)
         best = s->found[i] > s->found[best] ? i : best;
-    const double ms = 1000.0 / s->first->info.samplerate, reach = s->frame / 16;
-    const int32_t zero = s->frame - 1, lag = best - zero;
+    const double ms = 1000.0 / s->first->info.samplerate;
+    const int32_t zero = s->frame - 1, lag = best - zero, reach = s->frame / 16;
     char subtitle[128];
     snprintf(subtitle, sizeof subtitle, "lag %d samples, %.3f ms", lag, lag * ms);
     plot *picture = plot_create(sound_name(s->second->path), subtitle, 1, 300, false);

@@ -17,7 +17,6 @@
 #include <math.h>
 #include <orva/orva.h>
 #include <stdio.h>
-#include <stdlib.h>
 #include <string.h>
 
 enum { mostChannels = 1024, range = 100 };
@@ -77,7 +76,7 @@ int main(int count, char **arguments)
     int32_t policy = 2;
     const option keys = {"policy", OPTION_INTEGER, &policy, 0, 3, "a whole number from 0 to 3"};
     const bool asked = count > 2 && strcmp(arguments[1], "--rate") == 0;
-    int rate = asked ? atoi(arguments[2]) : 16000;
+    int rate = asked ? options_number(arguments[2], 32000) : 16000;
     arguments += asked ? 2 : 0, count -= asked ? 2 : 0;
     const bool ready =
         (count == 4 || count == 5 ||

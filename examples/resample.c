@@ -15,19 +15,16 @@
 #include "common/sound.h"
 
 #include <stdio.h>
-#include <stdlib.h>
 #include <string.h>
 
 int main(int count, char **arguments)
 {
-    int32_t order;
     const option keys[] = {{"type", OPTION_TEXT, "polyphase poly zoh", 0, 0, "polyphase, poly or zoh"},
-                           {"order", OPTION_INTEGER, &order, 1, 1 << 20, "a whole number from 1 to 1048576"},
+                           {"order", OPTION_INTEGER, NULL, 1, 1 << 20, "a whole number from 1 to 1048576"},
                            {"delaycompensation", OPTION_TEXT, "1 0 yes no", 0, 0, "yes or no"}};
     bool done = count == 4 || count == 5 || refuse("usage: resample SOUND OUTPUT.wav RATE [CONFIGURATION]");
-    char *config = count == 5 ? arguments[4] : "", *end = "";
-    const long given = done ? strtol(arguments[3], &end, 10) : 0;
-    const int rate = given >= 1 && given <= 1000000 && *end == '\0' ? (int) given : 0;
+    const char *config = count == 5 ? arguments[4] : "";
+    const int rate = done ? options_number(arguments[3], 1000000) : 0;
     done = done && (rate > 0 || refuse("rate: %s is not from 1 to 1000000", arguments[3])) &&
            (strlen(config) <= 256 || refuse("configuration: longer than 256 bytes")) &&
            options_read(config, keys, sizeof keys / sizeof *keys);

@@ -105,13 +105,14 @@ static int decade_ticks(const axis *scale, int digits, int stride, double ticks[
     static const double factors[] = {1.0, 2.0, 5.0};
     const int last = (int) ceil(log10(scale->last));
     int count = 0;
-    for (int decade = (int) floor(log10(scale->first)); decade <= last; decade += stride)
+    for (int decade = (int) floor(log10(scale->first)); decade <= last; decade += stride) {
         for (int i = 0; i < digits; ++i) {
             const double value = factors[i] * pow(10.0, decade);
             const double place = axis_place(scale, value);
             if (place > -1e-6 && place < 1.0 + 1e-6 && count < AXIS_TICKS)
                 ticks[count++] = value;
         }
+    }
     return count;
 }
 
@@ -152,11 +153,12 @@ int axis_ticks(const axis *scale, int most, double ticks[AXIS_TICKS])
 static void clock_text(double value, bool hours, char *text, size_t size)
 {
     const long long seconds = llround(value);
-    if (hours)
+    if (hours) {
         snprintf(text, size, "%lld:%02d:%02d", seconds / 3600, (int) (seconds / 60 % 60),
                  (int) (seconds % 60));
-    else
+    } else {
         snprintf(text, size, "%lld:%02d", seconds / 60, (int) (seconds % 60));
+    }
 }
 
 void axis_text(const axis *scale, const double *ticks, int count, int tick, char *text, size_t size)

@@ -5,6 +5,7 @@
 #include <kett/KTstring.h>
 #include <orva/ORVAwinfnc.h>
 #include <stdio.h>
+#include <stdlib.h>
 #include <string.h>
 
 static const char blanks[] = " \t\n\v\f\r";
@@ -167,4 +168,11 @@ bool options_read(const char *config, const option *options, size_t count)
         if (!read_option(config, &options[i]))
             return false;
     return true;
+}
+
+int32_t options_number(const char *argument, int32_t most)
+{
+    char *end;
+    const long number = strtol(argument, &end, 10);
+    return *end == '\0' && number >= 1 && number <= most ? (int32_t) number : 0;
 }

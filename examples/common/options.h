@@ -31,4 +31,7 @@ typedef struct {
    in the table, text that is no key=value pair, and a value that is not what its key asks for. */
 bool options_read(const char *config, const option *options, size_t count);
 
+/* The whole number from 1 to `most` that an argument is, or 0 where it is none. */
+int32_t options_number(const char *argument, int32_t most);
+
 #endif

@@ -10,7 +10,7 @@
 // names the document and its line.
 inline std::string sourceOf(const Block &block)
 {
-    const std::string text =
+    std::string text =
         "#line " + std::to_string(block.line + 1) + " \"" + block.document + "\"\n" + block.text;
     if (!block.isFragment())
         return text;

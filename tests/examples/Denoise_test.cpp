@@ -208,6 +208,7 @@ TEST(DenoiseExample, RefusesWithOneLineAndWritesNothing)
         {{"--rate", "8000", "voice.wav", "old.wav"}, usage},
         {{"voice.wav", "old.wav", "old.png", "policy=1", "x"}, usage},
         {{"--rate", "48000", "voice.wav", "old.wav", "old.png"}, rate},
+        {{"--rate", "16000Hz", "voice.wav", "old.wav", "old.png"}, rate},
         {{"--rate", "high", "voice.wav", "old.wav", "old.png"}, rate},
         {{"missing.wav", "old.wav", "old.png"}, "missing.wav: No such file or directory"},
         {{"--rate", "32000", "missing.wav", "old.wav", "old.png"}, "missing.wav: No such file or directory"},

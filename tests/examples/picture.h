@@ -61,10 +61,11 @@ inline size_t colorsIn(const Picture &picture, int left, int top, int width, int
 inline double heightOf(const Picture &picture, uint32_t color, int x, int top, int height)
 {
     double sum = 0, count = 0;
-    for (int y = top; y < top + height; ++y)
+    for (int y = top; y < top + height; ++y) {
         if (distance(picture.at(x, y), color) < 60) {
             sum += y + 0.5;
             ++count;
         }
+    }
     return 1 - (sum / count - top) / height;
 }

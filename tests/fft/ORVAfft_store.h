@@ -74,7 +74,7 @@ inline std::string wisdomOf(const std::vector<int> &lengths)
     fftwf_forget_wisdom();
     for (const int length : lengths)
         learn(length);
-    const std::string text = wisdom();
+    std::string text = wisdom();
     fftwf_forget_wisdom();
     return text;
 }

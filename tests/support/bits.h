@@ -34,12 +34,14 @@ testing::AssertionResult sameBits(std::span<const Real> actual, std::span<const 
 {
     if (actual.size() != expected.size())
         return testing::AssertionFailure() << actual.size() << " values instead of " << expected.size();
-    for (size_t i = 0; i < actual.size(); ++i)
-        if (!sameBits(actual[i], expected[i]))
+    for (size_t i = 0; i < actual.size(); ++i) {
+        if (!sameBits(actual[i], expected[i])) {
             return testing::AssertionFailure()
                    << std::setprecision(17) << "at " << i << " of " << actual.size() << ": " << actual[i]
                    << " instead of " << expected[i] << " (0x" << std::hex << bitsOf(actual[i]) << ", 0x"
                    << bitsOf(expected[i]) << ")";
+        }
+    }
     return testing::AssertionSuccess();
 }
 
