@@ -13,8 +13,15 @@ endif()
 
 # What 'interposer' and 'strace' name works by standing between a program and the C library, where a sanitizer stands
 # already; 'lint' looks at sources and at code compiled for the purpose, to which a sanitizer adds nothing; 'package'
-# looks at what is shipped, in which there is none.
-set(ORVA_LABELS_WITHOUT_SANITIZER interposer strace lint package)
+# looks at what is shipped, in which there is none. 'superuser' needs a second user, whom only a superuser can become.
+set(ORVA_LEFT_OUT_LABELS "")
+if(ORVA_SANITIZE)
+    list(APPEND ORVA_LEFT_OUT_LABELS interposer strace lint package)
+endif()
+execute_process(COMMAND id -u OUTPUT_VARIABLE user OUTPUT_STRIP_TRAILING_WHITESPACE COMMAND_ERROR_IS_FATAL ANY)
+if(NOT user EQUAL 0)
+    list(APPEND ORVA_LEFT_OUT_LABELS superuser)
+endif()
 set(ORVA_LEFT_OUT_TESTS ${CMAKE_BINARY_DIR}/left_out_tests)    # one line a test that this build leaves out
 file(WRITE ${ORVA_LEFT_OUT_TESTS} "")
 
@@ -23,26 +30,24 @@ file(WRITE ${ORVA_LEFT_OUT_TESTS} "")
 #
 # Builds the test program <name> of the SOURCES, <name>.cpp by default, and registers its tests under the label <family>
 # and the further LABELS. Tests labelled 'interposer', 'strace', 'lint' or 'package' exist only in builds without a
-# sanitizer; 'interposer' links the interposer in front of the LIBRARIES. Every test program links libkett, unless it is
-# told not to.
+# sanitizer, those labelled 'superuser' only where a superuser builds; 'interposer' links the interposer in front of the
+# LIBRARIES. Every test program links libkett, unless it is told not to.
 function(orva_test name)
     cmake_parse_arguments(ARG "WITHOUT_KETT" "FAMILY" "SOURCES;LIBRARIES;LABELS;ENVIRONMENT;FIXTURES" ${ARGN})
     if(NOT ARG_SOURCES)
         set(ARG_SOURCES ${name}.cpp)
     endif()
-    if(ORVA_SANITIZE)
-        foreach(label ${ARG_LABELS})
-            if(label IN_LIST ORVA_LABELS_WITHOUT_SANITIZER)
-                foreach(source ${ARG_SOURCES})
-                    file(STRINGS ${source} tests REGEX "^TEST(_F)?\\(")
-                    foreach(test ${tests})
-                        file(APPEND ${ORVA_LEFT_OUT_TESTS} "${test}\n")
-                    endforeach()
+    foreach(label ${ARG_LABELS})
+        if(label IN_LIST ORVA_LEFT_OUT_LABELS)
+            foreach(source ${ARG_SOURCES})
+                file(STRINGS ${source} tests REGEX "^TEST(_F)?\\(")
+                foreach(test ${tests})
+                    file(APPEND ${ORVA_LEFT_OUT_TESTS} "${test}\n")
                 endforeach()
-                return()
-            endif()
-        endforeach()
-    endif()
+            endforeach()
+            return()
+        endif()
+    endforeach()
     if(interposer IN_LIST ARG_LABELS)
         list(PREPEND ARG_LIBRARIES orva_interposer)
     endif()

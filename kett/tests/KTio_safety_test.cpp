@@ -1,11 +1,11 @@
 // What becomes of the target when writing it goes wrong, is not allowed, or is done by several at once.
 #include <kett/KTio.h>
 
+#include "KTio_users.h"
 #include "support/folder.h"
 
 #include <atomic>
 #include <csignal>
-#include <grp.h>
 #include <gtest/gtest.h>
 #include <string>
 #include <sys/resource.h>
@@ -22,46 +22,6 @@ using support::Folder;
 using support::readFile;
 using support::writeFile;
 using Names = std::vector<std::string>;
-
-constexpr uid_t nobody = 65534;
-
-// As long as it lives, the rights are those of an ordinary user; a superuser may write everywhere.
-class OrdinaryUser
-{
-public:
-    OrdinaryUser() : before(geteuid())
-    {
-        if (before == 0) {
-            EXPECT_EQ(seteuid(nobody), 0);
-        }
-    }
-
-    ~OrdinaryUser()
-    {
-        EXPECT_EQ(seteuid(before), 0);
-    }
-
-    OrdinaryUser(const OrdinaryUser &) = delete;
-    OrdinaryUser &operator=(const OrdinaryUser &) = delete;
-
-private:
-    const uid_t before;
-};
-
-// A folder and a file that the ordinary user owns.
-void giveAway(const std::string &path)
-{
-    if (geteuid() == 0) {
-        ASSERT_EQ(chown(path.c_str(), nobody, static_cast<gid_t>(-1)), 0);
-    }
-}
-
-bool replace(const std::string &path, const std::string &content)
-{
-    KT_FILE *const file = KTIO_Open(path.c_str(), "w");
-    return file != nullptr && KTIO_WriteData(file, content.data(), content.size()) == content.size() &&
-           KTIO_CloseFile(file);
-}
 
 } // namespace
 
@@ -102,34 +62,6 @@ TEST(IoRights, AClosedFolderFailsAtTheOpen)
     chmod(folder.path.c_str(), 0700);
     EXPECT_EQ(readFile(folder / "file"), "new");
     EXPECT_EQ(folder.entries(), Names{"file"});
-}
-
-// In a folder like /tmp everybody may write a file of mode 666, but only its owner may put another in its
-// place.
-TEST(IoRights, AStickyFolderFailsAtTheOpen)
-{
-    if (geteuid() != 0)
-        GTEST_SKIP() << "needs a second user, so it runs as the superuser only";
-    const Folder folder;
-    chmod(folder.path.c_str(), 01777);
-    writeFile(folder / "theirs", "old");
-    chmod((folder / "theirs").c_str(), 0666);
-    writeFile(folder / "ours", "old");
-    giveAway(folder / "ours");
-    {
-        const OrdinaryUser user;
-        EXPECT_EQ(KTIO_Open((folder / "theirs").c_str(), "w"), nullptr);
-        EXPECT_TRUE(replace(folder / "ours", "new"));
-        EXPECT_TRUE(replace(folder / "fresh", "new"));
-    }
-    EXPECT_TRUE(replace(folder / "theirs", "new"));
-    EXPECT_TRUE(replace(folder / "ours", "newer"));
-    EXPECT_EQ(folder.entries(), (Names{"fresh", "ours", "theirs"}));
-    giveAway(folder.path);
-    EXPECT_TRUE(replace(folder / "ours", "newest")) << "neither file nor folder is the superuser's";
-    struct stat status;
-    ASSERT_EQ(stat((folder / "ours").c_str(), &status), 0);
-    EXPECT_EQ(status.st_uid, nobody) << "a superuser's replacement stays its owner's";
 }
 
 TEST(IoFailure, AShortWriteLeavesTheTarget)
