@@ -1,10 +1,10 @@
-"""The spectrogram of the recorded voice, drawn by the example."""
+"""The spectrogram of the recorded voice, drawn by the program."""
 import subprocess
 import tempfile
 
 from figures import BUILD, RECORDING, save_picture
 
 with tempfile.NamedTemporaryFile(suffix=".png") as picture:
-    subprocess.run([BUILD / "examples/spectrogram", RECORDING, picture.name,
+    subprocess.run([BUILD / "programs/spectrogram", RECORDING, picture.name,
                     "window=Hanning; size=1024; hop=128; range=80"], check=True, stdout=subprocess.DEVNULL)
     save_picture(picture.name, "spectrogram")

@@ -1,0 +1,11 @@
+/* From a level to a colour whose lightness rises with it, so that a picture reads the same in grey. */
+#ifndef PROGRAMS_COLORMAP_H
+#define PROGRAMS_COLORMAP_H
+
+#include <stdint.h>
+
+/* The colour of a level from 0, black, to 1, pale yellow, as 0x00RRGGBB. A level outside counts as the nearer
+   end, one that is not a number as 0. */
+uint32_t colormap_color(double level);
+
+#endif

@@ -1,0 +1,140 @@
+// The lapped program: the sound behind the gate, the error that it tells, its picture, and what it refuses.
+#include "picture.h"
+#include "program.h"
+#include "refusals.h"
+#include "sounds.h"
+#include "support/random.h"
+#include "support/recording.h"
+
+extern "C" {
+#include "common/colormap.h"
+}
+
+#include <gtest/gtest.h>
+
+namespace
+{
+
+struct Lapped {
+    SF_INFO info;
+    std::vector<float> samples;
+    double passed; // percent
+    double error;  // dB
+};
+
+Lapped lapped(const std::string &input, const std::string &config, const support::Folder &folder)
+{
+    const auto outcome = runProgram("lapped", {input, "out.wav", "out.png", config}, folder);
+    EXPECT_EQ(outcome.status, 0) << outcome.err;
+    EXPECT_EQ(outcome.err, "");
+    Lapped result{};
+    const char *line = outcome.out.c_str();
+    EXPECT_EQ(std::sscanf(line + outcome.out.find("gate: "),
+                          "gate: %lf %% of the coefficients; error without it: %lf", &result.passed,
+                          &result.error),
+              2)
+        << line;
+    result.samples = support::readSamples(folder / "out.wav", result.info);
+    return result;
+}
+
+// Amplitude of a sine in samples, its phase whatever it is.
+double amplitude(const std::vector<float> &samples, double hertz, double rate = 48000)
+{
+    double re = 0, im = 0;
+    for (size_t i = 0; i < samples.size(); ++i) {
+        const double angle = 2 * std::numbers::pi * hertz * static_cast<double>(i) / rate;
+        re += static_cast<double>(samples[i]) * std::cos(angle);
+        im += static_cast<double>(samples[i]) * std::sin(angle);
+    }
+    return 2 * std::hypot(re, im) / static_cast<double>(samples.size());
+}
+
+} // namespace
+
+TEST(LappedProgram, AnOpenGateGivesEverySampleOfEveryChannelBackAtItsPlace)
+{
+    support::Random random;
+    for (const size_t frames : {1, 511, 512, 513, 5000})
+        for (const int channels : {1, 3}) {
+            const support::Folder folder;
+            const auto samples = random.noise(frames * static_cast<size_t>(channels));
+            writeSound(folder / "in.wav", samples, {.rate = 44100, .channels = channels});
+            const Lapped result = lapped("in.wav", "gate=-300", folder);
+            EXPECT_EQ(result.info.channels, channels);
+            EXPECT_EQ(result.info.samplerate, 44100);
+            ASSERT_EQ(result.samples.size(), samples.size());
+            for (size_t i = 0; i < samples.size(); ++i)
+                ASSERT_NEAR(result.samples[i], samples[i], 2e-6) << i << " of " << frames;
+        }
+}
+
+TEST(LappedProgram, TellsTheErrorOfTheTransformWhereFourDividesTheBlockAndWhereNot)
+{
+    const support::Folder folder;
+    support::Random random;
+    writeSound(folder / "noise.wav", random.noise(12000));
+    for (const int block : {4, 12, 512, 1000, 65536})
+        EXPECT_LT(lapped("noise.wav", "block=" + std::to_string(block), folder).error, -130) << block;
+    for (const int block : {1, 2, 3, 510})
+        EXPECT_GT(lapped("noise.wav", "block=" + std::to_string(block), folder).error, -60) << block;
+}
+
+TEST(LappedProgram, TheGateTakesAwayWhatIsFaintAndLeavesTheRest)
+{
+    const support::Folder folder;
+    auto samples = sine(3000, 0.25, 48000);        // -12 dB
+    const auto faint = sine(12000, 0.0005, 48000); // -66 dB
+    for (size_t i = 0; i < samples.size(); ++i)
+        samples[i] += faint[i];
+    writeSound(folder / "in.wav", samples);
+    const Lapped closed = lapped("in.wav", "block=512; gate=-60", folder);
+    const Picture picture = readPicture(folder / "out.png");
+    EXPECT_NEAR(amplitude(closed.samples, 3000), 0.25, 0.001);
+    EXPECT_LT(amplitude(closed.samples, 12000), 0.00002);
+    EXPECT_NEAR(amplitude(lapped("in.wav", "block=512; gate=-72", folder).samples, 12000), 0.0005, 0.00002);
+    EXPECT_EQ(lapped("in.wav", "block=512; gate=-6", folder).passed, 0);
+
+    // Two panels of 804 by 230 points; 12 kHz is half their height, and -66 dB 0.34 of the colour scale.
+    constexpr int x = 84 + 402, before = 72 + 115, behind = 72 + 230 + 66 + 115;
+    EXPECT_EQ(picture.height, 72 + 2 * (230 + 66));
+    EXPECT_LE(distance(picture.at(x, before), colormap_color(0.34)), 12);
+    EXPECT_EQ(picture.at(x, behind), colormap_color(0));
+    for (const int top : {72, 72 + 230 + 66}) // 3 kHz
+        EXPECT_LE(distance(picture.at(x, top + 230 - 29), colormap_color(0.88)), 12);
+}
+
+TEST(LappedProgram, WorksOnSilence)
+{
+    const support::Folder folder;
+    writeSound(folder / "silent.wav", std::vector<float>(1000, 0.0f));
+    const Lapped result = lapped("silent.wav", "block=64", folder);
+    EXPECT_EQ(result.samples, std::vector<float>(1000, 0.0f));
+    EXPECT_EQ(result.passed, 0);
+    EXPECT_EQ(result.error, -HUGE_VAL);
+}
+
+TEST(LappedProgram, RefusesWithOneLineAndWritesNothing)
+{
+    const std::string usage = "usage: lapped SOUND OUTPUT.wav PICTURE.png [\"block=N; gate=DB\"]";
+    const std::vector<Refusal> cases = {
+        {{}, usage},
+        {{"voice.wav", "old.wav"}, usage},
+        {{"voice.wav", "old.wav", "old.png", "block=512", "x"}, usage},
+        {{"missing.wav", "old.wav", "old.png"}, "missing.wav: No such file or directory"},
+        {{"none.wav", "old.wav", "old.png"}, "none.wav: holds no samples"},
+        {{"voice.wav", "new.mp3", "new.png"}, "new.mp3: the name of this file must end in .wav"},
+        {{"voice.wav", "folder.wav", "new.png"}, "folder.wav: is not an ordinary file"},
+        {{"voice.wav", "old.wav", "new.jpg"}, "new.jpg: the name of this file must end in .png"},
+        {{"voice.wav", "old.wav", "nowhere/new.png"}, "nowhere/new.png: No such file or directory"},
+        {{"voice.wav", "old.wav", "old.png", "block=0"},
+         "configuration: block=0 is not a whole number from 1 to 65536"},
+        {{"voice.wav", "old.wav", "old.png", "block=65537"},
+         "configuration: block=65537 is not a whole number from 1 to 65536"},
+        {{"voice.wav", "old.wav", "old.png", "gate=soft"},
+         "configuration: gate=soft is not a number from -300 to 300"},
+        {{"voice.wav", "old.wav", "old.png", "hop=1"},
+         "configuration: unknown key \"hop\"; the keys are block, gate"},
+    };
+    expectRefusals("lapped", cases);
+}
