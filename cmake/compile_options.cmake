@@ -11,6 +11,33 @@ set(CMAKE_C_EXTENSIONS OFF)
 
 set(CMAKE_COMPILE_WARNING_AS_ERROR ON)    # cmake --compile-no-warning-as-error, for compilers that warn of more
 
+# The bits of every result are promised, whatever flags a build adds; a flag that lets the compiler change them is refused
+# here, and what can be overridden is overridden below. In a subproject, the options of the folders above count as well.
+get_directory_property(orva_inherited_options COMPILE_OPTIONS)
+string(JOIN " " orva_given_flags ${CMAKE_C_FLAGS} ${CMAKE_CXX_FLAGS} ${orva_inherited_options})
+string(TOUPPER "${CMAKE_BUILD_TYPE}" orva_build_type)
+string(APPEND orva_given_flags " ${CMAKE_C_FLAGS_${orva_build_type}} ${CMAKE_CXX_FLAGS_${orva_build_type}}")
+foreach(flag
+    -Ofast
+    -ffast-math
+    -funsafe-math-optimizations
+    -fassociative-math
+    -freciprocal-math
+    -ffinite-math-only
+    -fno-signed-zeros
+    -fsingle-precision-constant
+    -fcx-limited-range
+    -fcx-fortran-rules
+    -ffp-model=fast
+    -mfpmath=387
+    -mfpmath=both
+    -mdaz-ftz
+)
+    if(" ${orva_given_flags} " MATCHES " ${flag} ")
+        message(FATAL_ERROR "The flag ${flag} changes the bits of results, which liborva promises: build it without.")
+    endif()
+endforeach()
+
 set(ORVA_SANITIZE "" CACHE STRING "Sanitizers to build with, separated by commas: address,undefined or thread")
 option(ORVA_COVERAGE "Count which lines of the two libraries run" OFF)
 
@@ -28,6 +55,7 @@ endif()
 add_library(orva_library_options INTERFACE)
 target_link_libraries(orva_library_options INTERFACE orva_compile_options)
 target_compile_options(orva_library_options INTERFACE
+    -fno-tree-vectorize -fno-tree-slp-vectorize           # GCC's vectoriser fuses complex products in spite of the above
     -fvisibility=hidden
     $<$<COMPILE_LANGUAGE:CXX>:-fvisibility-inlines-hidden -fno-exceptions -fno-rtti>
     $<$<CXX_COMPILER_ID:GNU>:-fno-gnu-unique>)            # a unique symbol would keep dlclose from unloading

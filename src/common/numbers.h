@@ -1,0 +1,21 @@
+// Numbers that several families share.
+#pragma once
+
+#include <cstdint>
+
+namespace orva
+{
+
+inline constexpr double pi = 3.141592653589793;
+inline constexpr double twoPi = 6.283185307179586;
+
+// The bins of a real transform of `length` samples, zero frequency and the top one included.
+constexpr int32_t spectrumBins(int32_t length)
+{
+    return length / 2 + 1;
+}
+
+// The least complex values of a work array: powers are computed in groups of four.
+inline constexpr int32_t leastWorkLength = 4;
+
+} // namespace orva
