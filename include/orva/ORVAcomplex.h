@@ -5,13 +5,13 @@
  *  Spectra are laid out as told at ::ORVA_FFT: bins 0 to M, M = floor(N / 2), for a transform of N samples.
  *
  *  Decibels are relative to the transform: with a norm of 1, 0 dB is a power of M * M, which a sine of height
- *  1 in the middle of a bin has without a window. A window with the mean g (ORVA_GetWindowNormFactor()) takes
- *  its amplitude down by g and its power by g * g; since the norm divides the power through its own square
- *  root, the norm that brings that sine back to 0 dB is g to the fourth.
+ *  1 in the middle of a bin has without a window. A window of mean g (ORVA_GetWindowNormFactor()) multiplies
+ *  the amplitude of that sine by g and its power by g * g. Power is divided by the square root of the norm,
+ *  so a norm of g to the fourth brings the sine back to 0 dB.
  *
  *      double g = ORVA_GetWindowNormFactor(window, 1024);
  *      float adjustment[516], power[516], decibels[516];            // all aligned to 16 bytes
- *      ORVA_CreatePreEmphAdjust(adjustment, 1024, 0.97);            // for a look through a pre-emphasis
+ *      ORVA_CreatePreEmphAdjust(adjustment, 1024, 0.97);            // decibels as after a pre-emphasis
  *
  *      ORVA_FFTProcExecutePSDEx(fft, frame, power, work);
  *      ORVA_PSDtoDB(1024, power, decibels, adjustment, g * g * g * g, 120.0);    // -120 dB and above
@@ -24,8 +24,8 @@
 /** Allocates a vector for the complex data of a processor, aligned as transforms need it.
  *
  *  @param fft  a processor of either direction, of length N.
- *  @return     N complex values, which is more than the bins need, and room for four at least, so that it
- *              serves as work array at every length. Not initialised; to be given to
+ *  @return     room for N complex values, which is more than the bins need, and for four at least, so that it
+ *              serves as work array at every length. Not initialised; to be freed by
  *              ORVA_DestroyComplexVector(). Null when `fft` is null, N is zero or below, or memory is out.
  *
  *  Threads: any.   Real time: no (allocates).
@@ -48,32 +48,33 @@ ORVA_API bool ORVA_DestroyComplexVector(ORVA_COMPLEX *vector);
  *  in double, rounded to float at the store.
  *
  *  @param output       out: M + 1 floats, any alignment; null writes nothing.
- *  @param length       N. At N of -1, 0 and 1, where M is 0, one value is written, which is not a number;
- *                      below, none is.
+ *  @param length       N. For N of -1, 0 and 1, M is 0: one value is written, not-a-number. For N below -1,
+ *                      nothing is written.
  *  @param coefficient  a; 0 gives 1 everywhere.
  *  @return             true.
  *
- *  Room: a vector that goes on to ORVA_PSDtoDB() is aligned and has the room told there, which is more than
- *  is filled here.
+ *  Room: ORVA_PSDtoDB() asks more of its `adjustment` than this call of its `output`: alignment to 16 bytes,
+ *  and room for up to two floats past bin M.
  *
- *  Threads: any.   Real time: yes (no heap, lock, log or system call), though a cosine and a root a bin are
- *  better spent ahead of the stream.
+ *  Threads: any.   Real time: yes (no heap, lock, log or system call); each bin takes a cosine and a root, so
+ *  call it before the stream starts.
  */
 ORVA_API bool ORVA_CreatePreEmphAdjust(float *output, int32_t length, double coefficient);
 
-/** Converts the power of each bin to decibels, held to a floor from below.
+/** Converts the power of each bin to decibels, with a floor.
  *
  *      output[i] = max(10 log10(power[i] / (M M) * adjustment[i]^2 / sqrt(norm)), -range),  i = 0 .. M
  *
  *  A bin whose scaled power is not above zero gives -range; so does one that is not a number.
  *
- *  Bins 0 to M - 1 go four at a time, in float, by a fast logarithm: within 7e-5 dB of the exact value, and
- *  385.3 dB for infinite power; scaled power below 1.18e-38 counts as that. Bin M goes by the double
- *  logarithm of the C library, so a small step between it and its neighbour is meant.
+ *  Bins 0 to M - 1 are computed in float, four at a time, by a fast logarithm: within 7e-5 dB of the exact
+ *  value, and 385.3 dB for infinite power; scaled power between 0 and 1.18e-38 counts as 1.18e-38. Bin M is
+ *  computed by the double logarithm of the C library. The small step between it and its neighbour is
+ *  deliberate.
  *
  *  @param length      N, samples of the transform. At 1, M is 0, and the one bin is divided by zero.
  *  @param power       4 * ceil(M / 4) floats and M + 1 at least, aligned to 16 bytes; the values past bin M
- *                     are read but of no consequence. What ORVA_FFTProcExecutePSDEx() asks for is enough.
+ *                     are read, but change nothing. What ORVA_FFTProcExecutePSDEx() asks for is enough.
  *  @param output      out: room and alignment as `power`, which it may be; past bin M it holds values
  *                     without meaning.
  *  @param adjustment  a magnitude gain for each bin, room and alignment as `power`; null is 1 everywhere.
@@ -85,7 +86,7 @@ ORVA_API bool ORVA_CreatePreEmphAdjust(float *output, int32_t length, double coe
  *
  *  Precision of the logarithm, compared with the double one over all normal floats: ln(x) is within 3.9e-6,
  *  and within 8.2e-8 of its own size (0.83 units in the last place). It gives the same bits on every machine
- *  and at every place of a vector.
+ *  and at every position in a vector.
  *
  *  Threads: any.   Real time: yes (no heap, lock, log or system call).
  *  Source: S. L. Moshier, Cephes Mathematical Library, logf.

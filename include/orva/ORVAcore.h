@@ -6,18 +6,19 @@
  *  was the last, takes the library down, which may write the wisdom store. A host therefore needs neither of these calls. It
  *  may make them in pairs, from one thread at a time:
  *
- *      ORVA_Initialize();                        // one use more: the library was up already
+ *      ORVA_Initialize();                        // a second use: loading has counted the first
  *      ORVA_FFT *fft = ORVA_FFTProcCreate(1024);
  *      ...
  *      ORVA_FFTProcDestroy(fft);
- *      ORVA_Finalize();                          // back to the use that loading has counted
+ *      ORVA_Finalize();                          // back to the first use
  *
- *  An ORVA_Finalize() too many takes the library down while it stays loaded; unloading then does nothing more. Brought up
- *  again after that, the FFT engine goes on as ORVA_InitializeFFT() tells: a preparation of plans ends after its first
+ *  If ORVA_Finalize() is called once more often than ORVA_Initialize(), it takes the library down while it stays loaded, and
+ *  unloading then does nothing more. A later ORVA_Initialize() brings the library up again, with the limits that
+ *  ORVA_InitializeFFT() describes: the wisdom store is not read again, and a preparation of plans ends after its first
  *  transform length.
  *
- *  None of this reports a failure, and no failure keeps the library from being loaded. All but transforms, correlation and
- *  the lapped transform works whatever the count says.
+ *  None of this reports a failure, and no failure prevents the library from being loaded. Only transforms, correlation and
+ *  the lapped transform need the library to be up; everything else works whatever the count is.
  */
 #ifndef ORVA_ORVACORE_H
 #define ORVA_ORVACORE_H
@@ -31,11 +32,11 @@
  */
 ORVA_API void ORVA_Initialize(void);
 
-/** Takes one use away; the last takes the library down: the FFT engine first (ORVA_FinalizeFFT()), then libkett. A call
- *  without a use to take away only moves the count below zero; the next ORVA_Initialize() brings the library up again,
- *  and the count is one, however far below zero it was.
+/** Takes one use away; the last takes the library down: the FFT engine first (ORVA_FinalizeFFT()), then libkett. When no
+ *  use is left, the call only lowers the count below zero; the next ORVA_Initialize() brings the library up again and sets
+ *  the count to one, however far below zero it was.
  *
- *  May wait for a preparation of plans that is under way, until it has ended the transform length that it is at. So may
+ *  A preparation of plans that is under way first finishes its current transform length, and the call waits for that. So do
  *  the end of the process and the unloading of the library.
  *
  *  Threads: one at a time, ORVA_Initialize() included.   Real time: no (waits, may write the wisdom store).

@@ -5,43 +5,43 @@
  *
  *  FFTW's planner serves one thread at a time, so the engine keeps one lock around every use that this
  *  library makes of it. Transforms are executed without any lock. A host that also plans with FFTW itself
- *  does so while no other thread is in a create or destroy call of this library, prepares plans or stops the
- *  engine.
+ *  must not do so while another thread is in a create or destroy call of this library, prepares plans or
+ *  stops the engine.
  *
  *  What FFTW has learned about planning, its wisdom, is kept between runs in one file, the store:
  *  "ruko.optimization" in the folder that the environment value KT_DATA_PATH names. It holds the text of
  *  fftwf_export_wisdom_to_string() and nothing else. It is read once in a process, as soon as the folder is
  *  known: at the start of the engine, at the creation of a processor or in a preparation. It is written at
  *  the end of a preparation and when the engine stops, if it differs from FFTW's wisdom in length or in any
- *  byte. Settings, asked anew at each use:
+ *  byte. Settings, read again at each use:
  *
  *      orva.fftw.use_wisdom=[1]          off: the store is neither read nor written
  *      orva.fftw.prepare_plans=[0]       on: ORVA_OptimizeFFT() prepares plans
  *      orva.fftw.max_plan_len=[4096]     the longest transform that it prepares
  *
  *  Nothing about the store is reported. One that is damaged in form, comes from another build of FFTW, or has
- *  more than 2^31 - 2 bytes is passed over and replaced by the next save. A path of more than 511 characters
- *  is cut. A save puts the new store in the old one's place in one step, so that a crash or a full disk
- *  leaves the one or the other; a process killed in the middle may leave a file ".kett-*.tmp" beside it,
- *  which nobody reads and anybody may delete.
+ *  more than 2^31 - 2 bytes is ignored and replaced by the next save. A path of more than 511 characters is
+ *  cut. A save puts the new store in the old one's place in one step, so that a crash or a full disk leaves
+ *  either the old store or the new one; a process killed during a save may leave a file ".kett-*.tmp" beside
+ *  it, which nothing reads and which may be deleted.
  *
  *  Loading the library starts the engine and unloading stops it, so a host need not call it at all. One that
  *  wants the store filled while it starts up:
  *
  *      KTENV_SetEnvValue("KT_DATA_PATH", "/var/lib/host");
  *      KTSETTINGS_SetEx(NULL, "orva.fftw.prepare_plans=%d", 1);
- *      ORVA_OptimizeFFT(false);                              // returns at once; the plans come beside
+ *      ORVA_OptimizeFFT(false);                              // returns at once; a thread prepares the plans
  *
  *      ORVA_FFT *fft = ORVA_FFTProcCreate(1024);
  *      int32_t bins = ORVA_FFTProcExecute(fft, input, spectrum);   // 513
  *      ORVA_FFTProcDestroy(fft);
  *
- *  FFTW belongs to the whole process: the engine never makes it forget, and keeps it loaded when this library
- *  is unloaded, with what its planner has allocated.
+ *  FFTW belongs to the whole process: the engine never clears FFTW's wisdom, and when this library is
+ *  unloaded, FFTW stays loaded with everything that its planner has allocated.
  *
- *  Not promised: equal bits between two machines or two wisdoms, since FFTW picks its code by both; nor that
- *  a store is left alone where nothing was learned, since FFTW writes the lines of its wisdom in no fixed
- *  order.
+ *  Not promised: equal bits between two machines or two wisdoms, since FFTW chooses its code by both; nor
+ *  that a store stays unwritten when FFTW has learned nothing, since FFTW writes the lines of its wisdom in
+ *  no fixed order.
  */
 #ifndef ORVA_ORVAFFT_H
 #define ORVA_ORVAFFT_H
@@ -53,33 +53,33 @@
  *
  *  @return true.
  *
- *  Called by the start of the library. After ORVA_FinalizeFFT() it starts the engine again, with two things
- *  left as they were: the store is not read a second time, and a preparation ends after the first length
- *  that it looks at.
+ *  The start of the library calls it. After ORVA_FinalizeFFT() it starts the engine again, with two limits:
+ *  the store is not read a second time, and a preparation ends after the first length that it looks at.
  *
  *  Threads: one, while no other call of the library is under way.   Real time: no (allocates, locks, reads a
  *  file).
  */
 ORVA_API bool ORVA_InitializeFFT(void);
 
-/** Stops the engine: waits for a preparation that is under way, writes the store if it was read before, or
- *  was looked for and missing, and differs from FFTW's wisdom, and destroys the planner's lock.
+/** Stops the engine. It waits for a preparation that is under way, saves the wisdom, and destroys the
+ *  planner's lock. The save writes the store if the store differs from FFTW's wisdom, and only if the engine
+ *  has read it, or looked for it and found none.
  *
- *  A preparation ends after the transform length that it is at, and saves the store; one that still waits
- *  for its folder waits on, 300 ms at most. A store that cannot be written stays as it is.
+ *  A preparation ends after its current transform length, and saves the wisdom; one that is still waiting for
+ *  its folder goes on waiting, for 300 ms at most. A store that cannot be written stays as it is.
  *
  *  In a child of fork() that was made while a preparation was at work, nothing is waited for, written or
- *  destroyed: the preparation stays with the parent, and may have been caught inside the planner.
+ *  destroyed: the preparation belongs to the parent, and the fork may have caught it inside the planner.
  *
  *  @return true.
  *
- *  Called by the end of the library. From then on to the next ORVA_InitializeFFT() nothing may be called that
- *  takes the lock: no second ORVA_FinalizeFFT(), no ORVA_OptimizeFFT(), and of no handle on transforms its
- *  create or destroy call. All of them would use the destroyed lock. Processors that are still alive stay so,
- *  and may execute.
+ *  The end of the library calls it. Until the next ORVA_InitializeFFT(), nothing may be called that takes the
+ *  lock, which is gone: not ORVA_FinalizeFFT() again, not ORVA_OptimizeFFT(), not ORVA_XcorrCoef(), and no
+ *  call that creates or destroys a processor for transforms, correlation or the lapped transform. Processors
+ *  that are still alive stay valid, and may execute.
  *
- *  Where the engine was never started, which is to say before the library's own start, this call and all
- *  others go on without a lock.
+ *  Where the engine was never started, that is before the library's own start, this call and all others run
+ *  without a lock.
  *
  *  Threads: one, while no other call of the library is under way.   Real time: no (waits, locks, may write a
  *  file).
@@ -94,15 +94,15 @@ ORVA_API bool ORVA_FinalizeFFT(void);
  *  The thread first sleeps for 50 ms, and up to five times more while KT_DATA_PATH is not set; if it never
  *  is, it ends with the warning "__InitializeFFTWPlans: KT_DATA_PATH not set!".
  *
- *  @param wait  true: return when the preparation has ended, be it one that an earlier call has started; the
- *               next call then starts a new one. False: return at once. Only a call that waits collects a
- *               preparation, so after one that did not wait, further ones that do not wait start nothing,
- *               however long ago it has ended.
+ *  @param wait  true: return when the preparation has ended, whether this call or an earlier one started it;
+ *               the next call then starts a new one. False: return at once. After a call that did not wait,
+ *               further calls that do not wait start nothing, even when the preparation has long ended: a
+ *               call that waits has to come between them.
  *  @return      true, also when the thread could not be started; a later call then tries again.
  *
- *  To be called while the engine runs, and not while another thread stops it. Before the very first start it
- *  works without a lock, and only while no other thread is in a call of the library; that start forgets the
- *  preparation. After ORVA_FinalizeFFT() it must not be called.
+ *  Call it while the engine runs, and not while another thread stops it. Before the very first start of the
+ *  engine it works without a lock, so no other thread may then be in a call of the library; that start loses
+ *  track of the preparation. After ORVA_FinalizeFFT() it must not be called.
  *
  *  Threads: any, several may wait.   Real time: no (locks, starts a thread, may wait).
  */
@@ -113,25 +113,26 @@ ORVA_API bool ORVA_OptimizeFFT(bool wait);
 /** A transform of one length N in one direction: forward (real to complex) or inverse (complex to real).
  *
  *  Real data is N floats. Complex data is bins 0 to floor(N / 2), each a real and an imaginary part; bin 0 is
- *  the constant term, and for even N the last bin is the one at half the sampling rate. The upper half of the
- *  spectrum is the mirror of it and is never stored. So floor(N / 2) + 1 complex values are meaningful, while
- *  ORVA_CreateComplexVector() gives room for N.
+ *  the constant term, and for even N the last bin is the one at half the sampling rate. The bins above are
+ *  the complex conjugates of these in reverse order, and are never stored. So floor(N / 2) + 1 complex values
+ *  are meaningful, while ORVA_CreateComplexVector() gives room for N.
  *
  *      X[k] = sum over n of x[n] exp(-2 pi i k n / N)                           forward, not scaled
- *      x[n] = sum over all N bins of X[k] exp(2 pi i k n / N), over N if asked  inverse
+ *      x[n] = sum over all N bins of X[k] exp(2 pi i k n / N)                   inverse, divided by N if asked
  *
  *  Every array of floats or complex values must be aligned to 16 bytes, as fftwf_malloc(),
- *  ORVA_CreateComplexVector() and KTMEM_NewAligned() align. That is not checked, nor is the direction of the
- *  handle: a call with an array or a handle of the wrong kind may do anything FFTW does with it.
+ *  ORVA_CreateComplexVector() and KTMEM_NewAligned() align. Neither the alignment nor the direction of the
+ *  handle is checked: what FFTW does with wrong ones is undefined.
  *
- *  A processor holds no buffers, and an execution only reads it: one may serve several threads, each with
- *  arrays of its own. It is created and destroyed while the engine runs.
+ *  A processor holds no buffers, and an execution only reads it: one processor may serve several threads,
+ *  each with arrays of its own. It is created and destroyed while the engine runs.
  *
- *  Executions take no lock, and this library allocates nothing in them but the work array told below. FFTW
- *  itself takes a block from the heap at some lengths, in every execution. Measured with FFTW 3.3.10 and an
- *  empty wisdom: at odd lengths, apart from 1 to 15 and 25, and at most even lengths with a prime factor of
- *  37 or more (74, 82, 94 ...); at no other even length up to 4200, nor at powers of two up to 4194304. It
- *  may choose otherwise on another processor or with a wisdom store. A real-time thread uses powers of two.
+ *  Executions take no lock, and this library allocates nothing in them, except for the work array of
+ *  ORVA_FFTProcExecutePSDEx() where the caller gives none. FFTW itself takes a block from the heap at some
+ *  lengths, in every execution. Measured with FFTW 3.3.10 and an empty wisdom: at odd lengths, except 1 to 15
+ *  and 25, and at most even lengths with a prime factor of 37 or more (74, 82, 94 ...); at no other even
+ *  length up to 4200, nor at powers of two up to 4194304. FFTW may choose otherwise on another processor or
+ *  with a wisdom store. A real-time thread uses powers of two.
  *
  *      ORVA_FFT *fft = ORVA_FFTProcCreate(1024);
  *      ORVA_COMPLEX *work = ORVA_CreateComplexVector(fft);
@@ -148,8 +149,8 @@ typedef struct ORVA_FFT ORVA_FFT;
 /** Makes a forward processor.
  *
  *  @param length  N, real samples; every length that FFTW accepts, fastest with small prime factors.
- *  @return        the processor, to be given to ORVA_FFTProcDestroy(); null when memory is out. At a length
- *                 that FFTW refuses, zero and below among them, a processor that executes nothing.
+ *  @return        the processor, to be destroyed by ORVA_FFTProcDestroy(); null when memory is out. For a
+ *                 length that FFTW refuses, such as zero and below, a processor that executes nothing.
  *
  *  Threads: any, while the engine runs.   Real time: no (allocates, locks, plans, may read the wisdom store).
  */
@@ -158,7 +159,7 @@ ORVA_API ORVA_FFT *ORVA_FFTProcCreate(int32_t length);
 /** Makes an inverse processor.
  *
  *  @param length  N, real samples, as for ORVA_FFTProcCreate().
- *  @return        as that of ORVA_FFTProcCreate().
+ *  @return        as for ORVA_FFTProcCreate().
  *
  *  Threads: any, while the engine runs.   Real time: no (allocates, locks, plans, may read the wisdom store).
  */
@@ -167,7 +168,7 @@ ORVA_API ORVA_FFT *ORVA_IFFTProcCreate(int32_t length);
 /** Transforms real samples to their spectrum, without scaling.
  *
  *  When `input` and `output` are the same address, it reports the terminal error "ORVA_FFTProcExecute: Input
- *  and output vectors must be different!" and transforms all the same, to values without meaning.
+ *  and output vectors must be different!" and then transforms, to values without meaning.
  *
  *  @param fft     a processor of ORVA_FFTProcCreate().
  *  @param input   N floats, aligned; stays as it is.
@@ -183,10 +184,10 @@ ORVA_API int32_t ORVA_FFTProcExecute(const ORVA_FFT *fft, const float *input, OR
 /** Transforms a spectrum back to real samples.
  *
  *  When `input` and `output` are the same address, it reports the terminal error "ORVA_IFFTProcExecute: Input
- *  and output vectors must be different!" and transforms all the same, to values without meaning.
+ *  and output vectors must be different!" and then transforms, to values without meaning.
  *
  *  @param fft        a processor of ORVA_IFFTProcCreate().
- *  @param input      floor(N / 2) + 1 complex values, aligned; spoiled by the call.
+ *  @param input      floor(N / 2) + 1 complex values, aligned; the call overwrites them.
  *  @param output     out: N floats, aligned; must not overlap `input`.
  *  @param normalise  true: multiply each sample by 1 / N, both in float, so that forward and inverse in a row
  *                    give the samples back; false: they give N times the samples.
@@ -200,8 +201,8 @@ ORVA_API int32_t ORVA_IFFTProcExecuteEx(const ORVA_FFT *fft, ORVA_COMPLEX *input
 
 /** Transforms real samples to the power of each bin, re * re + im * im in float, without scaling.
  *
- *  Powers are computed in whole groups of four: floor(N / 8) + 1 groups, up to three values more than there
- *  are bins. What they hold there has no meaning.
+ *  Powers are computed in whole groups of four, floor(N / 8) + 1 groups, so up to three values are written
+ *  past the last bin. These have no meaning.
  *
  *  @param fft    a processor of ORVA_FFTProcCreate().
  *  @param input  N floats, aligned; stays as it is.
@@ -209,7 +210,7 @@ ORVA_API int32_t ORVA_IFFTProcExecuteEx(const ORVA_FFT *fft, ORVA_COMPLEX *input
  *  @param work   out: N complex values and four at least, aligned; holds the spectrum after the call. Null:
  *                the call allocates and frees a work array of its own.
  *  @return       floor(N / 2) + 1, the number of bins; 0, nothing written, when `fft`, `input` or `power` is
- *                null, FFTW has refused the length or the work array cannot be had.
+ *                null, FFTW has refused the length or there is no memory for the work array.
  *
  *  The three arrays must not overlap each other.
  *

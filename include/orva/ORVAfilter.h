@@ -9,8 +9,8 @@
  *
  *        H(z) = (b(0) + b(1) z^-1 + b(2) z^-2 + ...) / (a(0) + a(1) z^-1 + a(2) z^-2 + ...)
  *
- *    It is divided through by a(0) when the filter is made and then runs in single precision throughout. An
- *    order above four or so calls for biquads instead.
+ *    All coefficients are divided by a(0) when the filter is made, and the filter then runs in single
+ *    precision throughout. For orders above about four, use biquads instead.
  *
  *  - Biquads, a cascade of second-order sections, section 0 the first to act on the signal:
  *
@@ -31,8 +31,8 @@
  *          ORVA_Filter(filter, block, block, floats);                    // in place
  *      ORVA_DestroyFilter(filter);
  *
- *  One channel of an interleaved buffer: give a filter made for one channel the channel's number as offset
- *  and the number of channels as stride. The other channels of the output are left alone:
+ *  One channel of an interleaved buffer: give a filter made for one channel the channel's number, counted
+ *  from 0, as offset and the number of channels as stride. The other channels of the output are left alone:
  *
  *      ORVA_FilterEx(mono, block, block, floats, 1, 6);                  // the second channel of six
  *
@@ -77,18 +77,18 @@ ORVA_API int32_t ORVA_Filter(_ORVA_FILTER *filter, const float *input, float *ou
  *      w[n] = (x[n] - a1 w[n-1]) - a2 w[n-2]
  *      y[n] = (b0 w[n] + b1 w[n-1]) + b2 w[n-2]
  *
- *  Where frames overlap each other (`stride` below the channels) or the buffers overlap in part, the result
- *  is that of frame after frame. Within a frame the direct form first reads each channel in turn, writing 0
- *  to the output behind it, and writes the results when all are read; the biquad form reads and finishes one
- *  channel after the other.
+ *  Where frames overlap each other (`stride` below the channels) or the buffers overlap in part, frames are
+ *  computed strictly one after the other. Within a frame the direct form first goes through the channels,
+ *  reading the input of each and then writing 0 to its output, and writes the results after the last channel
+ *  is read; the biquad form reads and finishes one channel after the other.
  *
  *  @param filter      the filter; null is refused.
- *  @param input       floats; null is refused. Read up to `numSamples`.
+ *  @param input       `numSamples` floats; null is refused.
  *  @param output      out: floats; null is refused. May be `input`, and may overlap it in part.
- *  @param numSamples  floats in each buffer, up to 2147483647 plus the channels: a frame runs as long as its
- *                     start is not above `numSamples` less the channels, as signed 32-bit numbers. With more,
- *                     nothing runs.
- *  @param offset      floats before the first frame. A frame start of 2147483648 or more ends the run.
+ *  @param numSamples  floats in each buffer, up to 2147483647 plus the channels. A frame is filtered if its
+ *                     start is not above `numSamples` less the channels, compared as signed 32-bit numbers;
+ *                     with a larger `numSamples` none is.
+ *  @param offset      floats before the first frame. A frame start of 2147483648 or more ends the call.
  *  @param stride      floats from one frame's start to the next. With 0 the call does not return, unless no
  *                     frame fits at `offset`.
  *  @return            1, also when no frame fits; 0 for a null argument, and then nothing has changed.
@@ -100,7 +100,7 @@ ORVA_API int32_t ORVA_Filter(_ORVA_FILTER *filter, const float *input, float *ou
 ORVA_API int32_t ORVA_FilterEx(_ORVA_FILTER *filter, const float *input, float *output, uint32_t numSamples,
                                uint32_t offset, uint32_t stride);
 
-/** Clears the memories: the filter goes on as if it had only been given silence.
+/** Clears the memories: the filter goes on as if its input so far had been silence.
  *
  *  @param filter  the filter; null is refused.
  *  @return        1; 0 for null.
@@ -113,23 +113,25 @@ ORVA_API int32_t ORVA_ResetFilter(_ORVA_FILTER *filter);
  *  from numbers are of one kind, which they share with low-pass designs; high-pass, band-pass and band-reject
  *  designs are kinds of their own. Coefficients are not copied.
  *
- *  Biquads, equal section counts: `destination` goes on exactly where `source` stands. Unequal counts match
- *  sections by number from the first. A destination with more sections has stretches cleared: for every slot
- *  t of four and every channel c in turn, after the copy, as many doubles as it has more sections, from
- *  double nd t nc + nc c + ns on (nd and ns the section counts of destination and source, nc the channels).
- *  That is where the missing sections stand only if nc = nd; otherwise memories just copied may be cleared,
- *  or memories of missing sections kept. Clearing stops at the end of the memory. A source without sections
- *  clears everything.
+ *  Biquads, equal section counts: `destination` goes on exactly where `source` stands.
  *
- *  Direct form: rows of the ring are copied as they are, as many as both have, and the destination then takes
- *  its own order as position, wherever the source's was. That rotates the history: with equal orders,
+ *  Biquads, unequal section counts: sections are matched by number, from the first. With nd sections in the
+ *  destination, ns in the source and nc channels, nd above ns: for each of the four slots t of the memory and
+ *  each channel c in turn, after that channel is copied, nd - ns doubles from double nd t nc + nc c + ns on
+ *  are cleared, up to the end of the memory. Only if nc = nd are these the memories of the sections that the
+ *  source lacks; otherwise the call may clear memories that it has just copied, and may leave memories of
+ *  those sections as they were. A source without sections clears everything.
+ *
+ *  Direct form: the rows of the ring that both filters have are copied, and the destination's position then
+ *  becomes its own order, whatever the source's position is. That rotates the history: with equal orders,
  *  `destination` goes on as `source` would only if `source` has run one frame more than a multiple of
- *  order + 1. In a destination of higher order, the rows from 4 (source order + 1) on are cleared, up to the
- *  end of the ring, and those between keep what they held.
+ *  order + 1. In a destination of higher order, the rows from 4 (source order + 1) to the end of the ring are
+ *  cleared, and the rows between the copied and the cleared ones keep what they held.
  *
  *  @param destination  takes the history; null is refused. May be `source`.
  *  @param source       left as it is; null is refused.
- *  @return             1; 0 for a null argument or unlike filters, and then `destination` is unchanged.
+ *  @return             1; 0 for a null argument or for filters that differ in structure, channels or kind, and
+ *                      then `destination` is unchanged.
  *
  *  Threads: one at a time for each of the two.   Real time: yes (no heap, lock, log or system call;
  *  O(memory)).
@@ -151,8 +153,8 @@ ORVA_API int32_t ORVA_CopyFilterMemories(_ORVA_FILTER *destination, const _ORVA_
 ORVA_API int32_t ORVA_UpdateFilterBiquads(_ORVA_FILTER *filter, uint32_t numBiquads, const double *coefs);
 
 /** Destroys a filter. A damaged handle, one without a state or with an unknown structure, is reported in the
- *  log with "ORVA_DestroyFilter: Filter state is NULL!" or "ORVA_DestroyFilter: Invalid filter type!" and
- *  freed alone.
+ *  log with "ORVA_DestroyFilter: Filter state is NULL!" or "ORVA_DestroyFilter: Invalid filter type!"; then
+ *  only the handle itself is freed.
  *
  *  @param filter  gone after the call; null is refused.
  *  @return        1; 0 for null.
@@ -162,8 +164,8 @@ ORVA_API int32_t ORVA_UpdateFilterBiquads(_ORVA_FILTER *filter, uint32_t numBiqu
 ORVA_API int32_t ORVA_DestroyFilter(_ORVA_FILTER *filter);
 
 /** Makes a direct-form filter from a transfer function. All coefficients are divided by a(0) in double and
- *  then rounded to float. Nothing else is tested or changed: with a(0) zero they are infinite or
- *  not-a-number, and stability is the host's concern.
+ *  then rounded to float. Nothing else is tested or changed: if a(0) is zero they are infinite or
+ *  not-a-number, and whether the filter is stable is the host's concern.
  *
  *  @param numChannels  channels in a frame, 0 to 2147483647. A filter of 0 channels is of no use (see
  *                      ORVA_Filter()).
@@ -207,7 +209,7 @@ ORVA_API _ORVA_FILTER *ORVA_CreateFilterFromBiquads(int32_t numChannels, uint32_
  *      numerator                    b(0), b(1), ...; counts only beside a denominator
  *      denominator                  a(0), a(1), ...
  *      nc              1            channels, cut to an integer; 0 is of no use (see ORVA_Filter())
- *      num_channels    nc           channels, cut to an integer; goes before nc
+ *      num_channels    nc           channels, cut to an integer; used instead of nc where both are given
  *
  *      type            lowpass      lowpass lp | highpass hp | bandpass bp | bandreject br bandstop bs
  *      approximation   butterworth  butterworth butter bt | chebyshev chebyshev1 cheby cheby1 cb |
@@ -226,11 +228,11 @@ ORVA_API _ORVA_FILTER *ORVA_CreateFilterFromBiquads(int32_t numChannels, uint32_
  *                                   it, 1.0 is half the sampling rate
  *      gain            1            linear factor on a designed filter; no effect on given numbers
  *
- *  Precedence: biquads of five columns, else numerator with denominator, else a design. The long form of the
- *  last approximation is written with its three l; "elliptic" is no word. A word counts up to its 63rd
- *  character.
+ *  Precedence: biquads of five columns, else numerator with denominator, else a design. The long word for the
+ *  last approximation is written with three l, as above; "elliptic" is refused. Of a word, the first 63
+ *  characters count.
  *
- *  Examples, and what they do to a frequency, in the unit of their edges:
+ *  Examples, each with its attenuation at some frequencies, which are in the unit of its edges:
  *
  *      "order=4; fpass=0.25"
  *           3.00 dB at 0.25, 30.61 dB at 0.5
@@ -261,43 +263,50 @@ ORVA_API _ORVA_FILTER *ORVA_CreateFilterFromBiquads(int32_t numChannels, uint32_
  *      "numerator=[0.5 0.5]; denominator=1"
  *           0.00 dB at 0, 3.01 dB at 0.5
  *
- *  The order of a design is the larger of `order` and of what Ap, As and the ratio of stopband to passband
- *  edge call for. The ratio is taken of the frequencies as they are given, without prewarping: the passband
- *  edges get Ap, the stopband edge is only as exact as that. A low-pass or high-pass has more than As there,
- *  a band type may have less at one of the two, as above. With a stop edge, invchebyshev is designed from
- *  there: its passband edges get less than Ap, and the less the higher the order ("approximation=ci; Ap=1;
- *  As=60; fpass=0.3; fstop=0.6": 0.17 dB at 0.3). Stop edges lie outside the passband: above fpass of
- *  a low-pass, below that of a high-pass, around a band-pass, inside a band-reject; of two, the one nearer to
- *  its passband edge counts. What each approximation needs beside its passband edges:
+ *  The order of a design is the larger of `order` and the order that Ap, As and the ratio of the stopband edge
+ *  to the passband edge call for. The ratio is that of the frequencies as given, without prewarping. So the
+ *  attenuation is Ap at the passband edges, but not exactly As at a stopband edge: a low-pass or high-pass has
+ *  more there, a band type may have less at one of the two, as in the cauer example above. With a stop edge,
+ *  invchebyshev is designed from that edge: at its passband edges it has less than Ap, and the less the higher
+ *  the order ("approximation=ci; Ap=1; As=60; fpass=0.3; fstop=0.6": 0.17 dB at 0.3). Stop edges lie outside
+ *  the passband: above fpass of a low-pass, below that of a high-pass, around the passband of a band-pass,
+ *  between the passbands of a band-reject; of two, the one nearer to its passband edge counts. What each
+ *  approximation needs beside its passband edges:
  *
  *      butterworth, chebyshev   order, or As with a stop edge
  *      invchebyshev             order with As, or As with a stop edge, or order with a stop edge
  *      ellip                    As with a stop edge, with or without order
  *
- *  The stopband of invchebyshev, from an order and a stop edge without As, follows a formula that suits no
- *  practical case: at an Ap up to 3.01 dB coefficients are mostly not-a-number. Give As.
+ *  Without As, the stopband of invchebyshev follows from the order and the stop edge by a formula that suits
+ *  no practical case: for an Ap of up to 3.01 dB, coefficients are mostly not-a-number. Give As.
  *
- *  The stopband attenuation of ellip comes from the order and the edges. Its poles stand as they would for a
- *  stopband of endless attenuation, so at low orders the ripple of the passband misses Ap. In an odd order
- *  the attenuation at the edges is too small; in an even one it is exact there, and the ripple does not come
- *  down to 0 dB. By how much, in dB, for stop edges at 1.2, 1.5 and 2 times the passband edge and an Ap of 1,
- *  which counts in the first two columns only:
+ *  The stopband attenuation of ellip follows from the order, the edges and Ap; As only helps to find the
+ *  order. The poles are placed as for a stopband of infinite attenuation, so that at low orders the ripple of
+ *  the passband misses Ap: in an odd order the attenuation at the edges is too small; in an even one it is
+ *  exact there, but the ripple does not come down to 0 dB. By how much, in dB, for stop edges at so many
+ *  times the passband edge and an Ap of 1 (which matters in the first two columns only):
  *
  *      order   1       2       3        4        5        6
  *      1.2     0.92    0.18    1.4e-2   1.0e-3   7.5e-5   5.5e-6
  *      1.5     0.87    0.046   1.7e-3   6.3e-5   2.3e-6   8.4e-8
  *      2.0     0.53    0.011   2.0e-4   3.6e-6   6.5e-8   1.2e-9
  *
- *  From order 7 on it is below 1e-6, but for odd multiples of 3, in which a series ends early: at 1.2 these
+ *  From order 7 on it is below 1e-6, except in odd multiples of 3, where a series ends early: at 1.2 these
  *  have ripples of up to 2e-5 too much or too little. Order 1 is best left to another approximation.
  *
- *  An edge at or above half the sampling rate, with fs given, is not refused: a cut-off f between 1 and 2, as
- *  a part of half the rate, gives the filter of 2 - f, and exactly 1 a degenerate one. An fs between -1 and 1
- *  is cut to 0 and makes all edges infinite, and coefficients not-a-number. A negative gain gives
+ *  Keep stop edges of ellip at 1.01 times the passband edge or more. Below that, the series of the design are
+ *  too short at every order, and the filter departs from the true elliptic one. At 1.001 the passband of
+ *  order 8 and of order 10 is off by 0.006 dB and that of order 12 by 0.12 dB. At 1.00014 it is off by
+ *  0.05 dB at order 10, 1.7 dB at order 12 and more than 60 dB at orders 3 and 9, and the gain may rise above
+ *  0 dB; the zeros move as well, so that close to them attenuations in the stopband differ by 48 dB and more.
+ *
+ *  An edge at or above half the sampling rate is not refused where fs is given. Taking half the rate as 1, a
+ *  cut-off f between 1 and 2 gives the filter of 2 - f, and exactly 1 a degenerate one. An fs between -1
+ *  and 1 is cut to 0, which makes all edges infinite and the coefficients not-a-number. A negative gain gives
  *  not-a-number where there are two sections or more.
  *
- *  @param format  printf-style text, followed by what it asks for; formatted in the C locale. Null is refused
- *                 in silence.
+ *  @param format  printf-style text, followed by the arguments that it formats; formatted in the C locale.
+ *                 Null is refused without a message.
  *  @return        the filter, its memories zero, to be destroyed with ORVA_DestroyFilter(); its kind is that
  *                 of `type`. Null, with the first of these messages that applies:
  *                  - "ORVA_CreateFilter: If you want to specify frequencies in Hz, you must specify a
@@ -309,11 +318,11 @@ ORVA_API _ORVA_FILTER *ORVA_CreateFilterFromBiquads(int32_t numChannels, uint32_
  *                  - "ORVA_CreateFilter: Invalid approximation (%s)";
  *                  - "ORVA_CreateFilter: Type II Chebyshev filters require fstop or As";
  *                  - "_MakeFilterFromRoots: Unpaired imaginary root", and the like for real poles and real
- *                    zeros: roots that do not pair, as of an edge that is infinite;
+ *                    zeros: roots that do not pair, for example because an edge is infinite;
  *                  - that of ORVA_CreateFilterFromBiquads() for more than 65536 rows.
  *                 Null without a message for edges of 0 or out of order, an Ap of 0 or less, an order that
- *                 neither key gives or that is above 1048576, and what the constructors above refuse in
- *                 silence.
+ *                 neither `order` nor As with a stop edge gives or that is above 1048576, and what the
+ *                 constructors above refuse without a message.
  *
  *  Threads: any, at any time.   Real time: no (allocates).
  *  Source: A. Antoniou, "Digital Filters: Analysis, Design, and Applications"; A. G. Constantinides,

@@ -17,19 +17,19 @@
  *      }
  *
  *  Delay: one block. Output block b holds input block b - 1, so the first belongs to the silence before the stream, and one
- *  block of zeros after the last brings out the end. The stream comes back exactly, up to rounding, when 4 divides M. For
- *  other M it does not: the inverse sets its last bin from a sum of which the sign and the part are those of an M that 4
- *  divides, so an error at the highest frequencies remains. Take an M that 4 divides.
+ *  block of zeros after the last brings out the end. If 4 divides M, the stream comes back exactly, up to rounding. For any
+ *  other M an error remains at the highest frequencies, since the inverse computes its last bin as is right only when 4
+ *  divides M. Choose an M that 4 divides.
  *
  *  A processor keeps no state of a stream, so that one can serve several channels in turn; it belongs to one thread at a
- *  time. Null arrays are not looked for. Values pass through FFTW, which chooses its code by processor and wisdom, so their
+ *  time. Arrays are not checked for null. Values pass through FFTW, which chooses its code by processor and wisdom, so their
  *  last bits may differ from machine to machine.
  *
  *  Audio threads: the three transforms make no heap call, lock, log or system call of their own, but FFTW allocates while
- *  it executes some of these plans, so that none is promised. Measured without a heap call, with FFTW 3.3.10 as Debian
- *  builds it: direct at M = 1, 2, 3, 4, 5, 7, 8, 12, 16, 20, 31, 32, 64, 100, 128, 256, 512, 1024, 2048 and 4096; inverse at
- *  those up to 32, 100 and 128. With one or two blocks a call: direct at 48, 63, 65, 480 and 1000; inverse at these, 64, 256
- *  and from 512 on; the sine transform at every M.
+ *  it executes some of these plans, so none of the three is promised to be free of it. Measured with FFTW 3.3.10 as Debian
+ *  builds it, without a heap call: direct at M = 1, 2, 3, 4, 5, 7, 8, 12, 16, 20, 31, 32, 64, 100, 128, 256, 512, 1024, 2048
+ *  and 4096; inverse at the same M up to 32, and at 100 and 128. With one or two heap calls in each execution: direct at 48,
+ *  63, 65, 480 and 1000; inverse at these, at 64 and 256, and from 512 on; the sine transform at every M.
  *
  *  Source: H. S. Malvar, "Fast algorithm for the modulated complex lapped transform", IEEE Signal Processing Letters 10
  *  (2003).

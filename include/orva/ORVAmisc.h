@@ -16,8 +16,8 @@
 
 /** The variance of a frame in decibels, 10 log10(v / 0.32768) with v the mean square less the squared mean.
  *
- *  The floor is 0.0 and no large negative number: a constant or silent frame gives the same 0.0 as a frame
- *  whose variance is 0.32768, and quiet frames lie below both.
+ *  A constant or silent frame gives 0.0 and not a large negative number. That is also the value of a frame
+ *  whose variance is 0.32768; quiet frames have negative values.
  *
  *  @param input   `length` samples.
  *  @param length  samples; 0 or less reads nothing.
@@ -32,13 +32,13 @@ ORVA_API float ORVA_CalcEnergy(const float *input, int32_t length);
 /** The number of sign changes between neighbouring samples, divided by the length (not by the length less
  *  one, so that the rate never quite reaches 1).
  *
- *  A change counts when the float product of the two samples is below zero: a sample of exactly zero takes
- *  part in none, and neither do two so small that their product is zero.
+ *  A change counts when the float product of the two samples is below zero. So a change from or to a sample
+ *  of exactly zero does not count, nor one between two samples so small that their product is zero.
  *
  *  @param input   `length` samples.
  *  @param length  samples.
- *  @return        crossings per sample; 0.0 for one sample, not-a-number for a length of 0, -0.0 for a
- *                 negative one; the last two read nothing.
+ *  @return        crossings per sample; 0.0 for a length of 1; not-a-number for a length of 0 and -0.0 for a
+ *                 negative one, which read nothing.
  *
  *  Threads: any, at any time.   Real time: yes (no heap, lock, log or system call; O(length)).
  */

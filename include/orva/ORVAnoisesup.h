@@ -3,8 +3,8 @@
  *  Noise suppression of one channel, frame by frame, around the suppressor of the WebRTC audio processing library.
  *
  *  One call is one frame of 10 ms: 80 samples at 8000 Hz, 160 at 16000 Hz, 320 at 32000 Hz. Frames of a stream come in
- *  order; input that is no whole number of frames is the caller's to hold back or to pad. Interleaved audio takes one
- *  suppressor a channel. Full scale is 1.0 in float and 32768 in 16 bits; float samples pass through 16 bits.
+ *  order. A caller whose input is not a whole number of frames keeps the rest for later or pads it. Interleaved audio needs
+ *  one suppressor for each channel. Full scale is 1.0 in float and 32768 in 16 bits; float samples pass through 16 bits.
  *
  *      ORVA_NOISESUP *suppressor = ORVA_CreateNoiseSupEx(16000, 2);
  *      int32_t frame = ORVA_NoiseSupBufferSize(suppressor);          // 160
@@ -16,12 +16,12 @@
  *  stream brings out the rest of it.
  *
  *  What comes out:
- *   - 8000 and 16000 Hz: the suppressor's output. Frames go to its processing step only, never to its analysis step, on
- *     which its noise estimate rests, so it takes next to nothing away: the level of ten seconds of white noise at -26 dB,
- *     and of a recorded voice, changed by 0.01 dB at most, at either rate and every degree. It is cut toward zero to
- *     16 bits and limited; what lies below -32678, and not -32768, becomes -32768.
- *   - 32000 Hz: silence. The cleaned bands are written to the block that the split used, while the merge reads another that
- *     nothing is ever written to. Convert the stream to 16000 Hz instead.
+ *   - 8000 and 16000 Hz: the suppressor's output. Frames go to its processing step only, and never to its analysis step,
+ *     from which it would learn the noise. So it removes next to nothing: the level of ten seconds of white noise at
+ *     -26 dB, and of a recorded voice, changed by 0.01 dB at most, at both rates and all degrees. The output is cut toward
+ *     zero to 16 bits and limited; the lower limit acts on values below -32678 (not -32768), which become -32768.
+ *   - 32000 Hz: silence. The cleaned bands are written to the block that the split used, while the merge reads another
+ *     block, to which nothing is ever written. Convert the stream to 16000 Hz instead.
  */
 #ifndef ORVA_ORVANOISESUP_H
 #define ORVA_ORVANOISESUP_H
@@ -36,10 +36,10 @@ typedef struct ORVA_NOISESUP ORVA_NOISESUP;
  *  @param sampleRate  8000, 16000 or 32000 Hz. Any other gives null and logs the error
  *                     "ORVA_CreateNoiseSup: Invalid sample rate.".
  *  @param policy      degree of suppression, 0 (mild) to 3 (very strong). Any other gives null without a message, and the
- *                     WebRTC instance made for it, some ten kilobytes, is not freed: do not probe for degrees this way.
+ *                     WebRTC instance made for it, some ten kilobytes, is never freed: do not try out degrees this way.
  *  @return            the suppressor, owned by the caller until ORVA_DestroyNoiseSup(); null as told above, and without a
- *                     message when memory is out. The WebRTC library does not survive it if there is none for its
- *                     own instance, those ten kilobytes.
+ *                     message when memory is out. If the memory is out for the WebRTC library's own instance, that
+ *                     library crashes.
  *
  *  Threads: any.   Real time: no (allocates).
  */

@@ -5,8 +5,8 @@
  *
  *  The caller pushes samples in with a speed and pulls scaled samples out; the two calls are independent, and
  *  the speed may change while the stream runs. A speed of 2.0 plays twice as fast, 0.5 half as fast. Output
- *  comes in hops of one length; for each, the input is searched for the place that best continues what has
- *  been played, and the old continuation is cross-faded into it.
+ *  comes in hops of a fixed length. For each hop, the input is searched for the place that best continues the
+ *  output so far, and the output is cross-faded to it.
  *
  *      ORVA_SOLAFS *channel[2];                                 // interleaved stereo: one record a channel
  *      for (int c = 0; c < 2; ++c)
@@ -26,27 +26,27 @@
  *  its own search.
  *
  *  Lengths. A frame is F = frameMs * sampleRate / 1000 samples, cut to a multiple of 8; a hop is F / 2. The
- *  record holds one second of input, of which the last 3.5 F samples wait for what follows them. Nothing is
- *  put in front of the output, but it begins when more than 3.5 F samples are in: with live input that is a
- *  latency of 70 ms for frames of 20 ms. There is no flush: push 3.5 F samples of silence after the end of a
- *  stream to bring out the tail. At a constant speed, N samples pushed in give the smallest number of hops h for
- *  which h * F / 2 * speed, computed in float and truncated, is not below N - 3.5 F.
+ *  record holds one second of input. The newest 3.5 F samples of it stay unplayed until more input follows.
+ *  The output starts with the first sample of the input, as soon as more than 3.5 F samples are in: with live
+ *  input that is a latency of 70 ms for frames of 20 ms. There is no flush: push 3.5 F samples of silence
+ *  after the end of a stream to bring out the tail. At a constant speed, N samples pushed in give the smallest
+ *  number of hops h for which h * F / 2 * speed, computed in float and truncated, is not below N - 3.5 F.
  *
- *  Frames of up to 220 ms work; about 20 ms suits speech. Longer ones do not fit into the second that is
- *  held, and the stream comes to a halt: input takes 0 and output writes 0. frameMs * sampleRate below 8000
- *  gives F = 0 and hops of 0. Such a record must not be run: once it has taken input nothing moves on, and
- *  ORVA_SolafsOutputData() does not return. All other calls are safe on it.
+ *  Frames of up to 220 ms work; about 20 ms suits speech. Longer frames do not fit into the second that is
+ *  held, and the stream stops: input takes 0 and output writes 0. frameMs * sampleRate below 8000 gives F = 0
+ *  and hops of 0. Such a record must not be run: once it has taken input, ORVA_SolafsOutputData() does not
+ *  return. All other calls are safe on it.
  *
- *  Speeds. Meant are those above 0 and up to 3.0, but no speed, whatever its bits, leads outside the record.
- *  Above 3.0 the steps reach for samples not yet taken, which read as 0; above 9 the analysis runs past the
- *  input, and the samples that it has skipped are counted but not kept. At 0 and below the output never runs
- *  short of input, and at a speed so high that all positions are out of range no output comes. A result
- *  beyond the range of an integer takes the nearest one in it, and not-a-number gives 0.
+ *  Speeds. Use speeds above 0 and up to 3.0. No speed, whatever its bits, makes a call read or write outside
+ *  the record. Above 3.0 the analysis reaches samples that are not there yet, which read as 0; above 9 it runs
+ *  past the input, and the samples that it skips are counted but not kept. At 0 and below the output never
+ *  runs short of input. At a speed so high that all positions are out of range there is no output. A position
+ *  beyond the range of an integer becomes the nearest integer in range, and not-a-number becomes 0.
  *
- *  Limits. A record keeps 256 speeds over its life. After that the last one stays: its stretch grows, and a
- *  new speed is not taken up. Positions are 32-bit integers: a stream ends after 2^31 - 1 samples, in or out
- *  (13 hours at 44100 Hz); input then takes 0, or output writes 0. They pass through single precision, so
- *  that from 16777216 samples on (6 minutes at 44100 Hz) the analysis moves in steps of 2, 4, 8 ... samples.
+ *  Limits. A record keeps 256 speeds over its life. After that the last one stays in force, and new speeds are
+ *  ignored. Positions are 32-bit integers: a stream ends after 2^31 - 1 samples, in or out (13 hours at
+ *  44100 Hz); input then takes 0, or output writes 0. Positions pass through single precision, so that from
+ *  16777216 samples on (6 minutes at 44100 Hz) the analysis moves in steps of 2, 4, 8 ... samples.
  *
  *  Bits. For equal calls the output is equal to the last bit on every machine.
  *
@@ -64,11 +64,11 @@ typedef struct ORVA_SOLAFS ORVA_SOLAFS;
 /** Creates a record for one channel of a new stream. Nothing resets a record: the next stream needs another.
  *
  *  @param frameMs        frame in milliseconds, 1 to 220; see above for others. The product with `sampleRate`
- *                        is one of 32 bits and wraps; a negative one counts as 0.
+ *                        is a 32-bit integer and wraps; a negative product counts as 0.
  *  @param sampleRate     in Hz; also the samples held, one second. 0 or less: the record never takes input.
  *  @param channelStride  distance between two samples of this channel in the caller's arrays: the number of
  *                        interleaved channels, 1 for an array of this channel alone.
- *  @return               the record, or null when memory is out, which is all that can fail.
+ *  @return               the record; null when memory is out, and for no other reason.
  *
  *  Threads: any.   Real time: no (allocates).
  */
@@ -76,15 +76,16 @@ ORVA_API ORVA_SOLAFS *ORVA_SolafsCreate(int32_t frameMs, int32_t sampleRate, int
 
 /** Pushes samples in, as many as fit, and notes the speed for them.
  *
- *  The first call that takes samples sets the speed at once. A later change comes into force in the output
- *  call, at the first hop for which the analysis had reached the change's first sample. The speed is noted at
- *  every call, also where nothing is taken: `count` 0 announces a change before its samples.
+ *  The first call that takes samples sets the speed at once. A later change comes into force in
+ *  ORVA_SolafsOutputData(), at the first hop before which the analysis has reached the first sample of the new
+ *  speed. The speed is noted at every call, also when nothing is taken: a call with a `count` of 0 announces a
+ *  change before its samples.
  *
  *  @param solafs  the record; null takes 0.
  *  @param offset  index in `data` of this channel's first sample.
  *  @param data    `count` samples, `channelStride` apart; null is a count of 0.
  *  @param count   frames offered; 0 or less takes none.
- *  @param speed   from this call's samples on: output runs this much faster than input.
+ *  @param speed   how much faster the output runs than the input, from this call's samples on.
  *  @return        frames taken, from the first on. Fewer than `count` when the record is full: pull output,
  *                 then offer the rest.
  *
@@ -93,16 +94,16 @@ ORVA_API ORVA_SOLAFS *ORVA_SolafsCreate(int32_t frameMs, int32_t sampleRate, int
 ORVA_API int32_t ORVA_SolafsInputData(ORVA_SOLAFS *solafs, int32_t offset, const float *data, int32_t count,
                                       float speed);
 
-/** Pulls scaled samples out, in whole hops, until the input that is left does not suffice or the next hop
- *  does not fit.
+/** Pulls scaled samples out, in whole hops, until there is too little input for a hop or the next hop does not
+ *  fit.
  *
- *  `capacity` is looked at only after a hop has been written: the first is written whenever there is input
+ *  `capacity` is checked only after a hop has been written: the first hop is written whenever there is input
  *  for it, so `data` must always have room for one.
  *
  *  @param solafs    the record; null writes nothing.
  *  @param offset    index in `data` of this channel's first frame.
  *  @param data      out: frames `channelStride` apart, those written and no more; null writes nothing.
- *  @param capacity  frames of room; what is below one hop counts as one hop.
+ *  @param capacity  frames of room; less than one hop counts as one hop.
  *  @return          frames written, a multiple of the hop; 0 when there is too little input, and nothing has
  *                   changed.
  *
@@ -114,22 +115,22 @@ ORVA_API int32_t ORVA_SolafsOutputData(ORVA_SOLAFS *solafs, int32_t offset, floa
 /** The input position that is heard at an output position, so that a cursor can be shown on the unscaled
  *  material.
  *
- *  It follows from the speeds of the stretches pushed in so far, in force yet or not, and not from the
- *  matches found, so it is an estimate: off by up to two frames from what is heard, and by one sample more
- *  for every input call, since the end of a stretch in the output is truncated at each.
+ *  It follows from the speeds of all samples pushed in so far, whether in force yet or not, and not from the
+ *  matches found. So it is an estimate: it may differ from what is heard by up to two frames, and by one more
+ *  sample for every input call, since each call truncates the output position that it adds.
  *
  *  @param solafs    the record; null gives 0.
  *  @param position  samples of output, counted from the first.
- *  @return          samples of input, counted from the first; 0 before the first input call. Positions below
- *                   0 and beyond the input follow from the first and the last stretch, as if these went on.
+ *  @return          samples of input, counted from the first; 0 before the first input call. For positions
+ *                   below 0 and beyond the input, the first and the last speed are taken to go on.
  *
  *  Threads: one at a time for a record.   Real time: yes (no heap, lock, log or system call; at most 256
  *  steps).
  */
 ORVA_API int64_t ORVA_SolafsTranslateCursorPosition(ORVA_SOLAFS *solafs, int64_t position);
 
-/** Ends the use of a record. Its memory is shown to libkett (KTMEM_DisplayMemDescr()) and otherwise stays as
- *  it is; a host gets it back by KTMEM_DisposeDisplayed(), once nothing uses the record any more.
+/** Ends the use of a record. Its memory is only shown to libkett (KTMEM_DisplayMemDescr()) and stays allocated;
+ *  a host frees it by KTMEM_DisposeDisplayed(), when nothing uses the record any more.
  *
  *  @param solafs  the record; null does nothing.
  *

@@ -27,7 +27,7 @@
  *
  *  At each end the spline either has a given slope or is natural, with a second derivative of zero. A slope
  *  above 9.9e29 means natural; the two ends are independent. (The float nearest to 9.9e29 lies above that
- *  limit, so it is natural.)
+ *  limit, so 9.9e29f means natural.)
  *
  *  @param x    `n` abscissae, strictly ascending.
  *  @param y    `n` ordinates.

@@ -2,9 +2,9 @@
 /** @file
  *  Hertz to the mel and Bark scales and back, all in double.
  *
- *  The two mel functions are each other's inverse. The two Bark functions are not: the way there is a
- *  formula, the way back runs along straight lines between the 25 band edges, so a round trip comes back only
- *  roughly to where it began: 500 Hz to 424, 8000 Hz to 7413.
+ *  The two mel functions are each other's inverse. The two Bark functions are not: ORVAUTIL_Freq2Bark() is a
+ *  formula, while ORVAUTIL_Bark2Freq() follows straight lines between the 25 band edges. From hertz to Bark
+ *  and back, 500 Hz become 424 and 8000 Hz become 7413.
  *
  *      double mels = ORVAUTIL_Freq2Mels(1000.0);            // 1000.0
  *      double hertz = ORVAUTIL_Bark2Freq(9.0);              // 1000
@@ -47,7 +47,7 @@ ORVA_API double ORVAUTIL_Freq2Bark(double frequency);
 
 /** Bark to hertz, along straight lines between the band edges 0, 60, 150, 250, 350, 450, 570, 700, 840, 1000,
  *  1170, 1370, 1600, 1850, 2150, 2500, 2900, 3400, 4000, 4800, 5800, 7000, 8500, 10500 and 13500 Hz at 0 to 24
- *  Bark. Beyond them the first and the last line go on: -1 gives -60, and 25 gives 16500.
+ *  Bark. Below 0 the first line goes on and above 24 the last: -1 gives -60, and 25 gives 16500.
  *
  *  @param bark  Bark, any value.
  *  @return      hertz; not-a-number for not-a-number.

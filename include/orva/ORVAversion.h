@@ -20,7 +20,7 @@
  *
  *  @return the text: the same pointer at each call, valid until the library is unloaded, never freed by the caller.
  *
- *  Threads: any, at any time (each call writes the same bytes to the text).   Real time: no (formats).
+ *  Threads: any, at any time (each call writes the same bytes to the text).   Real time: no (formats text).
  */
 ORVA_API const char *ORVAVERSION_String(void);
 

@@ -1,9 +1,9 @@
 /* SPDX-License-Identifier: GPL-2.0-or-later */
 /** @file
- *  Analysis windows: eleven named shapes, filled into a buffer of the host, and two measures of their gain.
+ *  Analysis windows: named shapes, filled into a buffer of the host, and two measures of their gain.
  *
- *  A window is an array of N floats, N being its length in samples; w[i] is the factor of sample i. Shapes
- *  are known by a code and by a name, which is compared as a whole and without regard to the case of A-Z:
+ *  A window is an array of N floats, N being its length in samples; w[i] is the factor of sample i. Each shape
+ *  has a code and a name; names are compared whole and without regard to the case of A-Z:
  *
  *      code  name                D      w[i], with p = 2 pi i / D
  *      0     Rectangular                1
@@ -18,18 +18,20 @@
  *      9     Nuttal              N - 1  0.3635819 - 0.4891775 cos p + 0.1365995 cos 2p - 0.0106411 cos 3p
  *      10    Flat-Top            N - 1  1 - 1.93 cos p + 1.29 cos 2p - 0.388 cos 3p + 0.028 cos 4p
  *
- *  Shapes 3 and 5 to 10 are computed up to the middle and mirrored; Hanning-Periodic is not mirrored, so
- *  its last sample is not zero. A sum of cosines with D = N - 1 reaches its peak, 1 but for Flat-Top, at odd
- *  lengths, where a sample stands in the middle; even ones come close to it. Meant as they are:
+ *  Sums of cosines are computed up to the middle and mirrored, except Hanning-Periodic, so that its last
+ *  sample is not zero. A sum of cosines with D = N - 1 reaches its peak at odd lengths, where a sample stands
+ *  in the middle, and comes close to it at even ones. The peak is 1, except that of Flat-Top. All of the
+ *  following is deliberate:
  *
- *  - Triangular overshoots at odd lengths: N = 5 gives 0, 1, 2, 1, 0. N = 1 gives -0, N = 2 two values that
- *    are not a number, N = 3 the same with an infinity between them.
- *  - Half-Triangular of N = 1 is not a number.
- *  - Blackman divides by N and is mirrored all the same, so that it stays below 1 at odd lengths, too: by
- *    0.41 (pi / N)^2 there, and by four times that at even ones.
+ *  - Triangular overshoots at odd lengths: N = 5 gives 0, 1, 2, 1, 0. N = 1 gives -0, N = 2 gives twice
+ *    not-a-number, N = 3 the same with an infinity between them.
+ *  - Half-Triangular of N = 1 is not-a-number.
+ *  - Blackman divides by N and is mirrored nevertheless, so it stays below 1 at odd lengths too: by
+ *    0.41 (pi / N)^2 at odd lengths, and by four times that at even ones.
  *  - Blackman-Nuttall and Nuttal carry the coefficients shown, and Nuttal is written with one l.
  *  - Flat-Top peaks at 4.636.
- *  - A sum of cosines of N = 1 or 2 has its end value alone: Hanning and Hanning-Periodic begin with 0.
+ *  - A mirrored sum of cosines of N = 1 or 2 holds nothing but its end value, which for Hanning is 0.
+ *    Hanning-Periodic of N = 1 is 0 as well.
  *  - Where the terms cancel at the ends, a rounding residue stays: -1.4e-17 for Blackman, -2.4e-17 for
  *    Blackman-Nuttall, 8.7e-17 for Flat-Top.
  *
@@ -60,8 +62,8 @@
  *  @param length  samples; 0 writes nothing.
  *  @return        true, or false when `window` is null or `type` is not in the table.
  *
- *  Threads: any, at any time.   Real time: yes (no heap, lock, log or system call), though up to four
- *  cosines a sample are better spent ahead of the stream.
+ *  Threads: any, at any time.   Real time: yes (no heap, lock, log or system call); each sample takes up to
+ *  four cosines, so call it before the stream starts.
  */
 ORVA_API bool ORVA_CreateWindow(int32_t type, float *window, uint32_t length);
 
@@ -99,7 +101,7 @@ ORVA_API const char *ORVA_GetWindowName(int32_t type);
  *  order, divided by their number.
  *
  *  @param window  `length` floats, any alignment.
- *  @param length  samples. The sum of none is 0.0 and is divided by `length` all the same: 0 gives
+ *  @param length  samples. For 0 or less the sum is 0.0 and is still divided by `length`: 0 gives
  *                 not-a-number, a negative length -0.0.
  *  @return        the mean; 0.0 when `window` is null, whatever `length` is.
  *
@@ -122,9 +124,9 @@ ORVA_API double ORVA_GetTwoWindowNormFactor(const float *first, const float *sec
 /** The code of the window that a configuration string names.
  *
  *  @param config       the configuration string (its grammar: kett/KTstring.h), such as
- *                      "window=Blackman-Harris"; null is an empty one.
- *  @param key          the key under which the name stands; null is absent.
- *  @param defaultType  the result when the key is absent, also where it is not in the table.
+ *                      "window=Blackman-Harris"; null counts as an empty string.
+ *  @param key          the key whose value is the name; null counts as a key that is absent.
+ *  @param defaultType  the result when the key is absent; it need not be a code of the table.
  *  @return             the code of the name; 0, and not `defaultType`, when the key holds a name that is not
  *                      in the table.
  *

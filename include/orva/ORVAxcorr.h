@@ -2,9 +2,9 @@
 /** @file
  *  Cross-correlation of two real vectors at all lags, through the FFT.
  *
- *  With L the larger of the two lengths, the result has 2L - 1 values in order of lag, from -(L - 1) to
- *  L - 1, also where the lengths differ: index j holds lag j - (L - 1), and lag 0 is at index L - 1. The value
- *  at lag t is
+ *  With L the larger of the two lengths, the result has 2L - 1 values in order of lag, from -(L - 1) to L - 1,
+ *  whichever vector is the longer: index j holds lag j - (L - 1), and lag 0 is at index L - 1. The value at
+ *  lag t is
  *
  *      r(t) = sum over n of x[n + t] y[n]        x and y zero outside their lengths
  *
@@ -16,9 +16,10 @@
  *          ORVA_XcorrPhatProcess(xcorr, x, y, r);             // peak at index 1023 + delay
  *      ORVA_XcorrProcDestroy(xcorr);
  *
- *  A processor belongs to one thread at a time; different ones run in parallel. The transform length is 2L as
- *  it stands: lengths with small prime factors run fastest. Values pass through FFTW, which chooses its code
- *  by processor and wisdom, so their last bits may differ from machine to machine.
+ *  A processor belongs to one thread at a time; different processors run in parallel. The transform length is
+ *  exactly 2L, not a larger power of two: lengths with small prime factors run fastest. Values pass through
+ *  FFTW, which chooses its code by processor and wisdom, so their last bits may differ from machine to
+ *  machine.
  */
 #ifndef ORVA_ORVAXCORR_H
 #define ORVA_ORVAXCORR_H
@@ -33,11 +34,11 @@ typedef struct ORVA_XCORR ORVA_XCORR;
  *  @param lengthX  samples of the first vector. 0 counts as silence; where both are 0 the processor executes
  *                  nothing.
  *  @param lengthY  samples of the second vector, likewise.
- *  @return         the processor, owned by the caller until ORVA_XcorrProcDestroy(); null for a negative
- *                  length, for one above 1073741823, and when memory for the record is out, without a message.
- *                  When memory for its buffers is out, a processor with which both execute calls give -1;
- *                  where it is the spectra that lack it, the error
- *                  "ORVAXcorrProcCreate: Erro na alocacao dos vetores!\n" is logged as well.
+ *  @return         the processor, owned by the caller until ORVA_XcorrProcDestroy(). Null, without a message,
+ *                  for a negative length, for one above 1073741823, and when memory for the record is out.
+ *                  When memory for its buffers is out, a processor for which both execute calls give -1; if
+ *                  the buffers of the spectra are among these, the error
+ *                  "ORVAXcorrProcCreate: Erro na alocacao dos vetores!\n" is logged.
  *
  *  Threads: any, between ORVA_InitializeFFT() and ORVA_FinalizeFFT().   Real time: no (allocates, plans under
  *  a lock).
@@ -61,8 +62,8 @@ ORVA_API int32_t ORVA_XcorrVectorLength(const ORVA_XCORR *xcorr);
  *  @param y       the second vector, `lengthY` floats, any alignment; may be null if that is 0.
  *  @param output  out: 2L - 1 floats, any alignment; may overlap the inputs, which are otherwise left as they
  *                 are.
- *  @return        2L - 1; -1 where there is nothing to execute (a null processor, one of two lengths of 0,
- *                 one left without memory), and `output` is then untouched.
+ *  @return        2L - 1; -1, with `output` untouched, for a null processor, for one whose two lengths are 0
+ *                 and for one whose buffers found no memory.
  *
  *  Threads: one at a time for a processor.   Real time: yes where FFTW takes nothing from the heap for a
  *  transform of 2L samples, as for L a power of two, see ::ORVA_FFT (no lock, log or system call).
@@ -71,12 +72,13 @@ ORVA_API int32_t ORVA_XcorrProcExecute(ORVA_XCORR *xcorr, const float *x, const 
 
 /** Cross-correlation with the phase transform (PHAT): every bin of the cross-spectrum is brought to the same
  *  magnitude, so that only its phase counts. A pure delay of a broad-band signal gives a sharp peak, of 1.0 if
- *  the shift is circular, and the levels of x and y do not matter. Values lie within -1 .. 1, but for rounding.
+ *  the shift is circular, and the levels of x and y do not matter. Values lie within -1 .. 1, except for
+ *  rounding.
  *
  *  Bins of magnitude zero stay zero. There is no other guard: a bin that holds nothing but rounding noise
- *  counts as much as any other, so signals of narrow bands want a band-pass or the plain form. The squared
- *  magnitude of a bin is a float: below 3e-23 a bin of the cross-spectrum stays as it is, above 1.8e19 it
- *  becomes zero.
+ *  counts as much as any other, so for narrow-band signals apply a band-pass first, or use the plain form. The
+ *  squared magnitude of a bin is a float, so a bin of the cross-spectrum with a magnitude below 3e-23 stays as
+ *  it is, and one above 1.8e19 becomes zero.
  *
  *  @param xcorr   a processor.
  *  @param x       the first vector, as for ORVA_XcorrProcExecute().
@@ -104,9 +106,9 @@ ORVA_API bool ORVA_XcorrProcDestroy(ORVA_XCORR *xcorr);
  *  by the square root of the product of the two vectors' powers. Equal vectors give 1.0, and so do a vector
  *  and its negation.
  *
- *  For equal lengths the coefficient lies within 0 .. 1, but for rounding. For unequal ones it comes out
- *  multiplied by the square root of the product of the lengths, divided by the longer: a vector of 4 against
- *  the same four samples and four zeros gives 0.7071.
+ *  For equal lengths the coefficient lies within 0 .. 1, except for rounding. For unequal lengths that value
+ *  is multiplied by sqrt(lengthX * lengthY) / L: a vector of 4 samples against the same four samples and four
+ *  zeros gives sqrt(4 * 8) / 8 = 0.7071.
  *
  *  @param x        the first vector, `lengthX` floats, any alignment.
  *  @param lengthX  samples.
@@ -115,12 +117,12 @@ ORVA_API bool ORVA_XcorrProcDestroy(ORVA_XCORR *xcorr);
  *  @param lag      out: the lag of the peak, the first of equal ones, positive where x is the delayed one; or
  *                  null.
  *  @return         the coefficient; not-a-number where a length is 0 or a vector is silent, and the lag is
- *                  then written all the same. -1.0, with the lag untouched: for a null `x` with the error
+ *                  written even then. -1.0, with the lag untouched: for a null `x` with the error
  *                  "ORVA_XcorrCoef: Invalid vector x\n", else for a null `y` with
  *                  "ORVA_XcorrCoef: Invalid vector y\n"; without a message for a negative length, one above
  *                  1073741823, and when memory is out.
  *
- *  Meant for occasional use: each call makes a processor and destroys it.
+ *  For occasional use: each call makes a processor and destroys it.
  *  Threads: any, between ORVA_InitializeFFT() and ORVA_FinalizeFFT().   Real time: no (allocates, plans under
  *  a lock).
  */
