@@ -1,12 +1,14 @@
 // The shapes: every sample bit for bit against a plain loop, and against the closed form in double.
-#include <orva/orva.h>
-
 #include "support/bits.h"
 #include "support/random.h"
+#include "window/definitions.h"
 
-#include <array>
-#include <cmath>
+#include <orva/orva.h>
+
 #include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cmath>
 #include <limits>
 #include <memory>
 
@@ -19,11 +21,6 @@ namespace
 constexpr int32_t rectangular = 0, triangular = 1, halfTriangular = 2, hanning = 3, hanningPeriodic = 4,
                   hamming = 5, blackman = 6, blackmanHarris = 7, blackmanNuttall = 8, nuttal = 9,
                   flatTop = 10;
-constexpr int32_t allTypes[] = {rectangular,     triangular, halfTriangular, hanning,
-                                hanningPeriodic, hamming,    blackman,       blackmanHarris,
-                                blackmanNuttall, nuttal,     flatTop};
-constexpr int32_t cosineSums[] = {hanning,         hamming, blackman, blackmanHarris,
-                                  blackmanNuttall, nuttal,  flatTop};
 constexpr float notANumber = std::numeric_limits<float>::quiet_NaN();
 constexpr float inf = std::numeric_limits<float>::infinity();
 
@@ -31,60 +28,9 @@ std::vector<float> window(int32_t type, uint32_t length)
 {
     std::vector<float> samples(length + 1, 77.0f); // one more, so that the data is never null
     EXPECT_TRUE(ORVA_CreateWindow(type, samples.data(), length));
-    EXPECT_EQ(samples.back(), 77.0f) << "type " << type << " wrote behind its " << length << " samples";
+    EXPECT_EQ(samples.back(), 77.0f) << "type " << type << " wrote past its " << length << " samples";
     samples.pop_back();
     return samples;
-}
-
-double cosineSum(int32_t type, double p)
-{
-    const double c1 = std::cos(p), c2 = std::cos(p + p), c3 = std::cos(p * 3.0), c4 = std::cos(p * 4.0);
-    switch (type) {
-    case hanning:
-        return (1.0 - c1) * 0.5;
-    case hamming:
-        return 0.54 - 0.46 * c1;
-    case blackman:
-        return (0.42 - 0.5 * c1) + 0.08 * c2;
-    case blackmanHarris:
-        return ((0.35875 - 0.48829 * c1) + 0.14128 * c2) - 0.01168 * c3;
-    case blackmanNuttall:
-        return ((0.355768 - 0.487396 * c1) + 0.144232 * c2) - 0.012604 * c3;
-    case nuttal:
-        return ((0.3635819 - 0.4891775 * c1) + 0.1365995 * c2) - 0.0106411 * c3;
-    default:
-        return (((1.0 - 1.93 * c1) + 1.29 * c2) - 0.388 * c3) + 0.028 * c4;
-    }
-}
-
-std::vector<float> reference(int32_t type, uint32_t length)
-{
-    std::vector<float> w(length);
-    const uint32_t half = (length + 1) / 2;
-    if (type == rectangular) {
-        for (auto &x : w)
-            x = 1.0f;
-    } else if (type == triangular) {
-        const double divisor = static_cast<double>(static_cast<float>(length / 2)) - 1.0;
-        for (uint32_t i = 0; i < half; ++i)
-            w[i] = w[length - 1 - i] =
-                static_cast<float>(static_cast<double>(static_cast<float>(i)) / divisor);
-    } else if (type == halfTriangular) {
-        const float divisor = static_cast<float>(static_cast<double>(length) - 1.0);
-        for (uint32_t i = 0; i < length; ++i)
-            w[i] = static_cast<float>(i) / divisor;
-    } else if (type == hanningPeriodic) {
-        double p = 0.0;
-        for (uint32_t i = 0; i < length; ++i, p = p + 6.283185307179586 / length)
-            w[i] = i == 0 ? 0.0f : static_cast<float>(0.5 - 0.5 * std::cos(p));
-    } else {
-        double p = 0.0;
-        for (uint32_t i = 0; i < half; ++i) {
-            w[i] = w[length - 1 - i] = static_cast<float>(cosineSum(type, p));
-            p = p + 6.283185307179586 / (type == blackman ? length : length - 1.0);
-        }
-    }
-    return w;
 }
 
 } // namespace
@@ -97,54 +43,43 @@ TEST(WindowShapes, AreThePlainLoopBitForBit)
     support::Random random;
     for (int i = 0; i < 10; ++i)
         lengths.push_back(static_cast<uint32_t>(random.integer(131, 9000)));
-    for (int32_t type : allTypes)
+    for (const auto &definition : definitions)
         for (uint32_t length : lengths)
-            ASSERT_TRUE(sameBits(window(type, length), reference(type, length)))
-                << "type " << type << " of " << length;
+            ASSERT_TRUE(sameBits(window(definition.type, length), samplesOf(definition, length)))
+                << definition.name << " of " << length;
 }
 
 // In a long window, the sum of many steps and the product i * step part far enough to change stored samples.
 TEST(WindowShapes, ThePhaseIsAccumulated)
 {
     const uint32_t length = 400000;
-    for (int32_t type : {hanning, blackman, hanningPeriodic}) {
-        const auto w = window(type, length);
-        ASSERT_TRUE(sameBits(w, reference(type, length))) << "type " << type;
-        const double step = 6.283185307179586 / (type == hanning ? length - 1.0 : length);
+    for (const auto &definition : definitions) {
+        if (definition.terms.empty())
+            continue;
+        const auto w = window(definition.type, length);
+        ASSERT_TRUE(sameBits(w, samplesOf(definition, length))) << definition.name;
+        const double step = 6.283185307179586 / (length - definition.divisorLess);
         bool productDiffers = false;
         for (uint32_t i = 0; i < length / 2; ++i)
-            productDiffers |=
-                w[i] != static_cast<float>(cosineSum(type == blackman ? blackman : hanning, i * step));
+            productDiffers |= w[i] != static_cast<float>(cosineSum(definition.terms, i * step));
         EXPECT_TRUE(productDiffers) << "else this test shows nothing";
     }
 }
 
 TEST(WindowShapes, FollowTheirClosedForm)
 {
-    const struct {
-        int32_t type;
-        double divisorLess; // D is the length less this
-        std::array<double, 5> terms;
-    } rows[] = {
-        {hanning, 1, {0.5, -0.5}},
-        {hanningPeriodic, 0, {0.5, -0.5}},
-        {hamming, 1, {0.54, -0.46}},
-        {blackman, 0, {0.42, -0.5, 0.08}},
-        {blackmanHarris, 1, {0.35875, -0.48829, 0.14128, -0.01168}},
-        {blackmanNuttall, 1, {0.355768, -0.487396, 0.144232, -0.012604}},
-        {nuttal, 1, {0.3635819, -0.4891775, 0.1365995, -0.0106411}},
-        {flatTop, 1, {1.0, -1.93, 1.29, -0.388, 0.028}},
-    };
-    for (const auto &row : rows)
+    for (const auto &definition : definitions)
         for (uint32_t length : {4u, 5u, 64u, 1023u, 1024u}) {
-            const auto w = window(row.type, length);
+            if (definition.terms.empty())
+                continue;
+            const auto w = window(definition.type, length);
             for (uint32_t i = 0; i < length; ++i) {
-                const uint32_t fromNearerEnd = row.type == hanningPeriodic ? i : std::min(i, length - 1 - i);
+                const uint32_t nearer = definition.mirrored ? std::min(i, length - 1 - i) : i;
+                const double turns = nearer / (length - definition.divisorLess);
                 double expected = 0.0;
-                for (size_t k = 0; k < row.terms.size(); ++k)
-                    expected += row.terms[k] * std::cos(2.0 * M_PI * static_cast<double>(k) * fromNearerEnd /
-                                                        (length - row.divisorLess));
-                ASSERT_NEAR(w[i], expected, 3e-7) << "type " << row.type << " of " << length << " at " << i;
+                for (size_t k = 0; k < definition.terms.size(); ++k)
+                    expected += definition.terms[k] * std::cos(2.0 * M_PI * static_cast<double>(k) * turns);
+                ASSERT_NEAR(w[i], expected, 3e-7) << definition.name << " of " << length << " at " << i;
             }
         }
 }
@@ -175,11 +110,13 @@ TEST(WindowShapes, EndsKeepTheirRoundingResidue)
 
 TEST(WindowShapes, CosineSumsAreSymmetric)
 {
-    for (int32_t type : cosineSums)
+    for (const auto &definition : definitions)
         for (uint32_t length : {64u, 65u}) {
-            const auto w = window(type, length);
+            if (definition.terms.empty() || !definition.mirrored)
+                continue;
+            const auto w = window(definition.type, length);
             EXPECT_TRUE(sameBits(w, std::vector<float>(w.rbegin(), w.rend())))
-                << "type " << type << " of " << length;
+                << definition.name << " of " << length;
         }
 }
 
@@ -227,10 +164,10 @@ TEST(WindowShapes, FlatTopPeaksAtItsSumOfTerms)
 
 TEST(WindowShapes, LengthZeroWritesNothing)
 {
-    for (int32_t type : allTypes) {
+    for (const auto &definition : definitions) {
         float sample = 77.0f;
-        EXPECT_TRUE(ORVA_CreateWindow(type, &sample, 0));
-        EXPECT_EQ(sample, 77.0f) << "type " << type;
+        EXPECT_TRUE(ORVA_CreateWindow(definition.type, &sample, 0));
+        EXPECT_EQ(sample, 77.0f) << definition.name;
     }
 }
 
@@ -264,8 +201,9 @@ TEST(WindowShapes, TrianglesTakeTheirIndicesThroughFloat)
 TEST(WindowShapes, AnyAlignmentWillDo)
 {
     std::vector<float> samples(41);
-    for (int32_t type : allTypes) {
-        ASSERT_TRUE(ORVA_CreateWindow(type, samples.data() + 1, 40));
-        EXPECT_TRUE(sameBits(std::vector<float>(samples.begin() + 1, samples.end()), reference(type, 40)));
+    for (const auto &definition : definitions) {
+        ASSERT_TRUE(ORVA_CreateWindow(definition.type, samples.data() + 1, 40));
+        EXPECT_TRUE(
+            sameBits(std::vector<float>(samples.begin() + 1, samples.end()), samplesOf(definition, 40)));
     }
 }

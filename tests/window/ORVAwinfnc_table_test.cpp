@@ -1,36 +1,20 @@
 // The table of windows, which holds a stored gain that no operation shows.
 #include "window/ORVAwinfnc_internal.h"
-
-#include "support/bits.h"
+#include "window/definitions.h"
 
 #include <gtest/gtest.h>
-#include <iterator>
 
-TEST(WindowTable, HoldsElevenRecordsInOrder)
+#include <iterator>
+#include <vector>
+
+TEST(WindowTable, HoldsTheDefinedRecordsInOrder)
 {
-    const struct {
-        int32_t type;
-        const char *name;
-        double normFactor;
-    } expected[] = {
-        {0, "Rectangular", 1.0},
-        {1, "Triangular", 0.5},
-        {2, "Half-Triangular", 0.5},
-        {3, "Hanning", 0.5009765625},
-        {4, "Hanning-Periodic", 0.5009765625},
-        {5, "Hamming", 0.5391015625},
-        {6, "Blackman", 0.41671875},
-        {7, "Blackman-Harris", 0.41671875},
-        {8, "Blackman-Nuttall", 0.41671875},
-        {9, "Nuttal", 0.41671875},
-        {10, "Flat-Top", 0.41671875},
-    };
-    ASSERT_EQ(std::size(_WinDefTable), std::size(expected));
-    for (size_t i = 0; i < std::size(expected); ++i) {
-        SCOPED_TRACE(expected[i].name);
-        EXPECT_EQ(_WinDefTable[i].type, expected[i].type);
-        EXPECT_STREQ(_WinDefTable[i].name, expected[i].name);
-        EXPECT_EQ(_WinDefTable[i].normFactor, expected[i].normFactor);
+    ASSERT_EQ(std::size(_WinDefTable), definitions.size());
+    for (size_t i = 0; i < definitions.size(); ++i) {
+        SCOPED_TRACE(definitions[i].name);
+        EXPECT_EQ(_WinDefTable[i].type, definitions[i].type);
+        EXPECT_STREQ(_WinDefTable[i].name, definitions[i].name);
+        EXPECT_EQ(_WinDefTable[i].normFactor, definitions[i].storedGain);
         EXPECT_EQ(sizeof _WinDefTable[i].name, 128u);
     }
 }

@@ -1,11 +1,16 @@
 // Refusals, names, application and gains.
-#include <orva/orva.h>
-
 #include "support/bits.h"
+#include "support/folder.h"
 #include "support/log.h"
 #include "support/random.h"
+#include "window/definitions.h"
+
+#include <orva/orva.h>
 
 #include <gtest/gtest.h>
+
+#include <regex>
+#include <sstream>
 #include <string>
 
 using support::bitsOf;
@@ -13,14 +18,14 @@ using support::sameBits;
 
 TEST(CreateWindow, RefusesANullBufferBeforeItLooksAtTheType)
 {
-    for (int32_t type : {0, 3, 10, 11, -1})
+    for (int32_t type : {0, 3, unknownType, -1})
         for (uint32_t length : {0u, 16u, 4294967295u})
             EXPECT_FALSE(ORVA_CreateWindow(type, nullptr, length));
 }
 
 TEST(CreateWindow, RefusesAnUnknownTypeAndLeavesTheBuffer)
 {
-    for (int32_t type : {11, -1, 128, INT32_MAX, INT32_MIN}) {
+    for (int32_t type : {unknownType, -1, 128, INT32_MAX, INT32_MIN}) {
         std::vector<float> samples(8, 77.0f);
         EXPECT_FALSE(ORVA_CreateWindow(type, samples.data(), 8)) << type;
         EXPECT_EQ(samples, std::vector<float>(8, 77.0f)) << type;
@@ -74,18 +79,30 @@ TEST(ApplyWindow, LengthOfZeroOrBelowDoesNothing)
 
 TEST(WindowName, BelongsToItsType)
 {
-    const char *names[] = {"Rectangular",      "Triangular", "Half-Triangular", "Hanning",
-                           "Hanning-Periodic", "Hamming",    "Blackman",        "Blackman-Harris",
-                           "Blackman-Nuttall", "Nuttal",     "Flat-Top"};
-    int32_t type = 0;
-    for (const char *name : names) {
-        EXPECT_STREQ(ORVA_GetWindowName(type), name);
-        EXPECT_EQ(ORVA_GetWindowName(type), ORVA_GetWindowName(type)) << "the text is constant";
-        EXPECT_EQ(ORVA_GetWindowType(name), type);
-        ++type;
+    for (const auto &window : definitions) {
+        const char *const name = ORVA_GetWindowName(window.type);
+        EXPECT_STREQ(name, window.name);
+        EXPECT_EQ(name, ORVA_GetWindowName(window.type)) << "the text is constant";
+        EXPECT_EQ(ORVA_GetWindowType(window.name), window.type);
     }
-    for (int32_t unknown : {-1, 11, INT32_MAX, INT32_MIN})
+    for (int32_t unknown : {-1, unknownType, INT32_MAX, INT32_MIN})
         EXPECT_EQ(ORVA_GetWindowName(unknown), nullptr);
+}
+
+// The rows of the header's table: " *      3     Hanning             N - 1  ...".
+TEST(WindowName, StandsInTheTableOfTheHeader)
+{
+    const std::regex row(R"( \*      ([0-9]+) +([A-Z][A-Za-z-]+) +.*)");
+    std::istringstream header(support::readFile(ORVA_WINDOW_HEADER));
+    std::smatch match;
+    int32_t type = 0;
+    for (std::string line; std::getline(header, line);)
+        if (std::regex_match(line, match, row)) {
+            EXPECT_EQ(match[1], std::to_string(type)) << line;
+            EXPECT_EQ(match[2], ORVA_GetWindowName(type)) << line;
+            ++type;
+        }
+    EXPECT_EQ(type, unknownType) << "rows in the table";
 }
 
 TEST(WindowType, ComparesWholeNamesWithoutRegardToCase)
@@ -132,7 +149,7 @@ TEST(WindowTypeFromConfig, FallsBackToTheDefaultOnlyWhereTheKeyIsAbsent)
         {"window=Kaiser", "window", 5, 0},
         {"window=Nuttall", "window", 5, 0},
         {"window=\"\"", "window", 5, 0},
-        {"other=1", "window", 11, 11},
+        {"other=1", "window", unknownType, unknownType},
         {"other=1", "window", -7, -7},
         {"window=hamming", "window", -7, 5},
         {"window=Kaiser", "window", -7, 0},
