@@ -8,7 +8,7 @@ set(ORVA_KERNEL_OPTIONS_baseline -DORVA_VECTOR_BYTES=16)
 if(CMAKE_SYSTEM_PROCESSOR MATCHES "^(x86_64|AMD64)$")
     list(APPEND ORVA_KERNEL_LEVELS avx2 avx512)
     set(ORVA_KERNEL_OPTIONS_avx2 -DORVA_VECTOR_BYTES=32 -mavx2 -mno-fma)
-    set(ORVA_KERNEL_OPTIONS_avx512 -DORVA_VECTOR_BYTES=64 -mavx512f -mavx512vl -mavx512dq -mavx512bw -mno-fma)
+    set(ORVA_KERNEL_OPTIONS_avx512 -DORVA_VECTOR_BYTES=64 -mavx512f -mavx512vl -mavx512dq -mavx512bw)
     if(ORVA_EMULATE_AVX512)
         set(ORVA_KERNEL_OPTIONS_avx512 -DORVA_VECTOR_BYTES=64 -mavx2 -mno-fma)
     endif()
@@ -22,7 +22,7 @@ function(orva_kernel_levels target)
         set_target_properties(${kernels} PROPERTIES POSITION_INDEPENDENT_CODE ON)
         target_include_directories(${kernels} PRIVATE $<TARGET_PROPERTY:${target},INCLUDE_DIRECTORIES>)
         target_compile_options(${kernels} PRIVATE -DORVA_LEVEL=${level} ${ORVA_KERNEL_OPTIONS_${level}}
-            $<$<CXX_COMPILER_ID:GNU>:-Wno-psabi>)         # no vector crosses from one object to another
+            -Wno-psabi)                                   # no vector crosses from one object to another
         target_link_libraries(${kernels} PRIVATE orva_library_options)
         target_sources(${target} INTERFACE $<TARGET_OBJECTS:${kernels}>)
     endforeach()
