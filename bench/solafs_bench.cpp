@@ -5,9 +5,10 @@
 #include "solafs/plain_scaler.h"
 #include "solafs/signals.h"
 
+#include <soundtouch/SoundTouch.h>
+
 #include <algorithm>
 #include <chrono>
-#include <soundtouch/SoundTouch.h>
 
 namespace
 {
@@ -90,7 +91,7 @@ double searchSeconds(const Samples &samples, float speed)
             if (predicted >= 0 && predicted <= solafs->maxSkew)
                 continue; // no search in this hop
             const double start = seconds();
-            _FindSkew(solafs.get(), solafs->lastAnalysisA);
+            orva::findSkew(solafs.get(), solafs->lastAnalysisA);
             sum += seconds() - start;
             solafs->skew = skew;
         }

@@ -1,28 +1,36 @@
 #include <orva/ORVAspline.h>
 
-#include "interpolate/ORVAinterpolate_interval.h"
+#include "common/memory.h"
+#include "interpolate/kernels/ORVAinterpolate_kernels.h"
 
 #include <kett/KTdebug.h>
 
 #include <cstdlib>
 #include <limits>
 
-// A slope above this asks for a natural end. Compared in double: the float nearest to it lies above.
-static constexpr double naturalSlope = 9.9e+29;
+using namespace orva;
 
-static bool isNatural(float slope)
+namespace orva
+{
+namespace
+{
+
+// A slope above this asks for a natural end. Compared in double: the float nearest to it lies above.
+constexpr double naturalSlope = 9.9e+29;
+
+bool isNatural(float slope)
 {
     return static_cast<double>(slope) > naturalSlope;
 }
 
 // Right-hand side of the row of a clamped end: 3 / h times the difference between two slopes.
-static float clampedEnd(float slopeDifference, float h)
+float clampedEnd(float slopeDifference, float h)
 {
     const double g = 3.0 / static_cast<double>(h);
     return static_cast<float>(static_cast<double>(slopeDifference) * g);
 }
 
-static void firstRow(const float *x, const float *y, float yp1, float *u, float *y2)
+void firstRow(const float *x, const float *y, float yp1, float *u, float *y2)
 {
     if (isNatural(yp1)) {
         u[0] = 0.0f;
@@ -35,13 +43,12 @@ static void firstRow(const float *x, const float *y, float yp1, float *u, float 
     u[0] = clampedEnd(s - yp1, h);
 }
 
-// Forward sweep of the tridiagonal system, one row for each inner point:
+// Forward sweep of the tridiagonal system, one row for each inner point; s[i] is the slope from point i to i + 1:
 //     sig = (x[i] - x[i-1]) / (x[i+1] - x[i-1])
 //     p = sig y2[i-1] + 2
 //     y2[i] = (sig - 1) / p
-//     u[i] = (6 (s[i] - s[i-1]) / (x[i+1] - x[i-1]) - sig u[i-1]) / p     with s[i] the slope from point i to
-//     i + 1
-static void decompose(const float *x, const float *y, int32_t n, float *u, float *y2)
+//     u[i] = (6 (s[i] - s[i-1]) / (x[i+1] - x[i-1]) - sig u[i-1]) / p
+void decompose(const float *x, const float *y, int32_t n, float *u, float *y2)
 {
     for (int32_t i = 1; i <= n - 2; ++i) {
         const float width = x[i + 1] - x[i - 1];
@@ -56,7 +63,7 @@ static void decompose(const float *x, const float *y, int32_t n, float *u, float
     }
 }
 
-static void lastRow(const float *x, const float *y, int32_t n, float ypn, const float *u, float *y2)
+void lastRow(const float *x, const float *y, int32_t n, float ypn, const float *u, float *y2)
 {
     float qn = 0.0f;
     float un = 0.0f;
@@ -71,6 +78,9 @@ static void lastRow(const float *x, const float *y, int32_t n, float ypn, const 
     y2[n - 1] = static_cast<float>(static_cast<double>(numerator) / (1.0 + static_cast<double>(correction)));
 }
 
+} // namespace
+} // namespace orva
+
 void ORVASPLINE_Estimate(const float *x, const float *y, int32_t n, float yp1, float ypn, float *y2)
 {
     if (n < 2) {
@@ -78,7 +88,8 @@ void ORVASPLINE_Estimate(const float *x, const float *y, int32_t n, float yp1, f
         return;
     }
     // One byte short of n floats, and enough for the n - 1 that are used.
-    auto *u = static_cast<float *>(std::malloc(4 * static_cast<size_t>(n) - 1));
+    const Owned<float> work(static_cast<float *>(std::malloc(4 * static_cast<size_t>(n) - 1)));
+    float *u = work.get();
     if (u == nullptr)
         return;
     firstRow(x, y, yp1, u, y2);
@@ -86,18 +97,11 @@ void ORVASPLINE_Estimate(const float *x, const float *y, int32_t n, float yp1, f
     lastRow(x, y, n, ypn, u, y2);
     for (int32_t k = n - 2; k >= 0; --k)
         y2[k] = y2[k] * y2[k + 1] + u[k];
-    std::free(u);
 }
 
 float ORVASPLINE_Interpolate(const float *x, const float *y, const float *y2, int32_t n, float xq)
 {
     if (n < 1)
         return std::numeric_limits<float>::quiet_NaN();
-    const auto [lo, hi] = intervalOf(x, n, xq);
-    const float h = x[hi] - x[lo];
-    const float a = (x[hi] - xq) / h;
-    const float b = (xq - x[lo]) / h;
-    const float c = ((a * a * a - a) * y2[lo] + (b * b * b - b) * y2[hi]) * (h * h);
-    const float l = a * y[lo] + b * y[hi];
-    return static_cast<float>(static_cast<double>(c) / 6.0 + static_cast<double>(l));
+    return kernelsAt<InterpolateKernels, Level::plain>().spline(x, y, y2, n, xq);
 }

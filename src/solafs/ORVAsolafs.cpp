@@ -3,28 +3,44 @@
 
 #include <algorithm>
 
+using namespace orva;
+
+namespace orva
+{
+namespace
+{
+
 // frameMs milliseconds in samples, a multiple of 8. The product is one of 32 bits, so it wraps; what is then
 // below zero is no frame.
-static int32_t _FrameLength(int32_t frameMs, int32_t sampleRate)
+int32_t frameLengthOf(int32_t frameMs, int32_t sampleRate)
 {
     const auto product =
         static_cast<int32_t>(static_cast<uint32_t>(frameMs) * static_cast<uint32_t>(sampleRate));
     return std::max(product / 1000, 0) & ~7;
 }
 
-static bool _AllocateArrays(ORVA_SOLAFS *solafs)
+bool allocateArrays(ORVA_SOLAFS *solafs)
 {
     KT_MEM *memory = solafs->memDescr;
     const int32_t points = solafs->similarityLength / correlationStep;
     solafs->fadeRamp = KTMEM_NewFloatVector(memory, solafs->overlapLength);
-    solafs->reference = KTMEM_NewFloatVector(memory, points);
+    // One block for the search: its work, on a cache line, and the reference.
+    const auto workLength = static_cast<uint64_t>(searchWorkLength(solafs));
+    const uint64_t searchSize = workLength * sizeof(double) + static_cast<uint64_t>(points) * sizeof(float);
+    solafs->searchWork = static_cast<double *>(KTMEM_NewAligned(memory, 64, searchSize));
     solafs->referenceOffsets =
         static_cast<int32_t *>(KTMEM_NewEx(memory, static_cast<uint64_t>(points) * sizeof(int32_t), 0));
     solafs->buffer = KTMEM_NewFloatVector(memory, std::max(solafs->bufferCapacity, 0));
     solafs->overlap = KTMEM_NewFloatVector(memory, solafs->overlapLength);
-    return solafs->fadeRamp != nullptr && solafs->reference != nullptr &&
-           solafs->referenceOffsets != nullptr && solafs->buffer != nullptr && solafs->overlap != nullptr;
+    if (solafs->fadeRamp == nullptr || solafs->searchWork == nullptr || solafs->referenceOffsets == nullptr ||
+        solafs->buffer == nullptr || solafs->overlap == nullptr)
+        return false;
+    solafs->reference = reinterpret_cast<float *>(solafs->searchWork + workLength);
+    return true;
 }
+
+} // namespace
+} // namespace orva
 
 ORVA_SOLAFS *ORVA_SolafsCreate(int32_t frameMs, int32_t sampleRate, int32_t channelStride)
 {
@@ -36,7 +52,7 @@ ORVA_SOLAFS *ORVA_SolafsCreate(int32_t frameMs, int32_t sampleRate, int32_t chan
     }
     solafs->memDescr = memory;
     solafs->speed = 1.0f;
-    solafs->frameLength = _FrameLength(frameMs, sampleRate);
+    solafs->frameLength = frameLengthOf(frameMs, sampleRate);
     solafs->similarityLength = solafs->frameLength >> 1;
     solafs->overlapLength = solafs->frameLength >> 1;
     solafs->maxSkew = 2 * solafs->frameLength;
@@ -46,7 +62,7 @@ ORVA_SOLAFS *ORVA_SolafsCreate(int32_t frameMs, int32_t sampleRate, int32_t chan
     solafs->bufferCapacity = sampleRate;
     solafs->bufferEnd = solafs->similarityLength;
     solafs->channelStride = channelStride;
-    if (!_AllocateArrays(solafs)) {
+    if (!allocateArrays(solafs)) {
         KTMEM_DisposeMemDescr(memory);
         return nullptr;
     }
@@ -57,8 +73,8 @@ ORVA_SOLAFS *ORVA_SolafsCreate(int32_t frameMs, int32_t sampleRate, int32_t chan
     return solafs;
 }
 
-// Shown and not disposed of, unlike every other object of the library, and meant: the record outlives this
-// call, and KTMEM_DisposeDisplayed() is how its memory comes back.
+// Shown and not disposed of, unlike every other object of the library. This is deliberate: the record outlives
+// this call, and KTMEM_DisposeDisplayed() is how its memory comes back.
 void ORVA_SolafsDestroy(ORVA_SOLAFS *solafs)
 {
     if (solafs != nullptr)

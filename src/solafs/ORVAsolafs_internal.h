@@ -2,17 +2,20 @@
 //
 // A stream position counts samples of the channel from the first one taken. The sample at stream position p
 // lives at buffer[p + similarityLength - bufferBase]: the buffer opens with a lead-in of silence,
-// similarityLength long, so that the search can look behind position 0. bufferEnd counts in these padded
+// similarityLength long, so that the search can look before position 0. bufferEnd counts in these padded
 // positions as well.
 #pragma once
+
+#include <kett/KTmem.h>
+#include <orva/ORVAsolafs.h>
 
 #include <array>
 #include <cmath>
 #include <cstdint>
 #include <limits>
 
-#include <kett/KTmem.h>
-#include <orva/ORVAsolafs.h>
+namespace orva
+{
 
 constexpr int32_t correlationStep = 8; // samples from one comparison point to the next
 constexpr int32_t skewStep = 4;        // samples from one candidate skew to the next
@@ -25,6 +28,8 @@ struct SolafsSegment {
     float speed;
 };
 
+} // namespace orva
+
 struct ORVA_SOLAFS {
     KT_MEM *memDescr;              // owns the record and all its arrays
     float speed;                   // now applied
@@ -32,8 +37,8 @@ struct ORVA_SOLAFS {
     int32_t similarityLength;      // compared in the search
     int32_t overlapLength;         // of the cross-fade
     int32_t maxSkew;               // upper end of the skew range
-    int32_t correlationDecimation; // correlationStep
-    int32_t skewDecimation;        // skewStep
+    int32_t correlationDecimation; // orva::correlationStep
+    int32_t skewDecimation;        // orva::skewStep
     int32_t hop;                   // of synthesis
     int32_t lastAnalysisA;         // analysis position of the previous hop
     int32_t lastAnalysisB;         // the same again
@@ -50,14 +55,18 @@ struct ORVA_SOLAFS {
     int32_t *referenceOffsets;     // similarityLength / 8 positions of the comparison points, relative
     float *buffer;                 // input, shifted down by copying
     float *overlap;                // continuation of the previous match, then the hop's output
-    std::array<SolafsSegment, 256> segments;
+    std::array<orva::SolafsSegment, 256> segments;
     int32_t nextSegment;     // the entry to bring into force next
     int32_t segmentCount;    // entries in use
     int32_t pendingSegments; // recorded but not yet in force
+    double *searchWork;      // searchWorkLength() numbers, in the block of `reference`
 };
 
+namespace orva
+{
+
 // Toward zero; beyond the range of int32 the nearest end of it, not-a-number gives 0.
-inline int32_t _Truncate(float x)
+inline int32_t truncated(float x)
 {
     constexpr float limit = 2147483648.0f; // 2^31
     if (std::isnan(x))
@@ -71,30 +80,35 @@ inline int32_t _Truncate(float x)
 
 // The ideal place in the input for what is played at outputPosition. Single precision throughout: past 2^24
 // samples it moves in steps.
-inline int32_t _AnalysisPosition(const ORVA_SOLAFS *solafs)
+inline int32_t analysisPosition(const ORVA_SOLAFS *solafs)
 {
-    return _Truncate(static_cast<float>(solafs->outputPosition) * solafs->speed +
+    return truncated(static_cast<float>(solafs->outputPosition) * solafs->speed +
                      static_cast<float>(solafs->positionBias));
 }
 
-// The samples at stream positions first, first + step ...; a position that holds no sample reads as 0. There
-// are such positions only where a speed outruns the input (above 3.0) or runs backward.
-template <class Real>
-inline void _ReadStretch(const ORVA_SOLAFS *solafs, int64_t first, int32_t step, Real *out, int32_t count)
+// Slots of the buffer that hold samples, the lead-in included. Below 0 where the analysis has run past the end of the
+// input.
+inline int64_t slotsHeld(const ORVA_SOLAFS *solafs)
 {
-    const float *buffer = solafs->buffer;
-    const int64_t held = int64_t{solafs->bufferEnd} - solafs->bufferBase;
-    const int64_t begin = first + solafs->similarityLength - solafs->bufferBase;
-    if (begin >= 0 && begin + int64_t{step} * (count - 1) < held) {
-        for (int32_t i = 0; i < count; ++i)
-            out[i] = static_cast<Real>(buffer[begin + int64_t{step} * i]);
-        return;
-    }
-    for (int32_t i = 0; i < count; ++i) {
-        const int64_t slot = begin + int64_t{step} * i;
-        out[i] = slot >= 0 && slot < held ? static_cast<Real>(buffer[slot]) : Real{0};
-    }
+    return int64_t{solafs->bufferEnd} - solafs->bufferBase;
 }
 
-void _RecordSpeed(ORVA_SOLAFS *solafs, float speed, int32_t taken);
-void _FindSkew(ORVA_SOLAFS *solafs, int32_t analysis);
+// The slot of a stream position; it may lie outside of those that hold samples. There are such positions only where a
+// speed outruns the input (above 3.0) or runs backward, and they read as 0.
+inline int64_t slotOf(const ORVA_SOLAFS *solafs, int64_t position)
+{
+    return position + solafs->similarityLength - solafs->bufferBase;
+}
+
+// Notes that `taken` samples come in at this speed, and stretches the entry that they belong to. Called
+// before bufferEnd counts them.
+void recordSpeed(ORVA_SOLAFS *solafs, float speed, int32_t taken);
+
+// Numbers that searchWork holds.
+int64_t searchWorkLength(const ORVA_SOLAFS *solafs);
+
+// Sets the skew to the first of the best candidates, or to 0 if none correlates positively. `analysis` is the
+// position of this hop; overlap holds the continuation of the last match.
+void findSkew(ORVA_SOLAFS *solafs, int32_t analysis);
+
+} // namespace orva

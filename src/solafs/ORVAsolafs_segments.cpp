@@ -3,8 +3,15 @@
 
 #include <algorithm>
 
+using namespace orva;
+
+namespace orva
+{
+namespace
+{
+
 // A channel that has taken nothing yet takes the speed at once, and opens an entry for it at every call.
-static SolafsSegment *_OpenFirstSegment(ORVA_SOLAFS *solafs, float speed)
+SolafsSegment *openFirstSegment(ORVA_SOLAFS *solafs, float speed)
 {
     solafs->speed = speed;
     if (solafs->segmentCount == static_cast<int32_t>(solafs->segments.size())) {
@@ -19,14 +26,14 @@ static SolafsSegment *_OpenFirstSegment(ORVA_SOLAFS *solafs, float speed)
     return segment;
 }
 
-// Notes that `taken` samples come in at this speed, and stretches the entry that they belong to. Called
-// before bufferEnd counts them.
-void _RecordSpeed(ORVA_SOLAFS *solafs, float speed, int32_t taken)
+} // namespace
+
+void recordSpeed(ORVA_SOLAFS *solafs, float speed, int32_t taken)
 {
     const bool isFresh = solafs->bufferEnd == solafs->similarityLength;
     SolafsSegment *target = nullptr;
     if (isFresh) {
-        target = _OpenFirstSegment(solafs, speed);
+        target = openFirstSegment(solafs, speed);
     } else {
         target = &solafs->segments[static_cast<size_t>(solafs->segmentCount - 1)];
         if (speed != target->speed) { // not-a-number always differs
@@ -43,8 +50,10 @@ void _RecordSpeed(ORVA_SOLAFS *solafs, float speed, int32_t taken)
     }
     target->inputEnd += taken;
     // Truncated at every call, so many small calls lose more than a few large ones.
-    target->outputEnd = _Truncate(static_cast<float>(target->outputEnd) + static_cast<float>(taken) / speed);
+    target->outputEnd = truncated(static_cast<float>(target->outputEnd) + static_cast<float>(taken) / speed);
 }
+
+} // namespace orva
 
 int64_t ORVA_SolafsTranslateCursorPosition(ORVA_SOLAFS *solafs, int64_t position)
 {
@@ -62,6 +71,6 @@ int64_t ORVA_SolafsTranslateCursorPosition(ORVA_SOLAFS *solafs, int64_t position
     const int64_t distance = std::clamp(position, std::numeric_limits<int64_t>::min() + margin,
                                         std::numeric_limits<int64_t>::max() - margin) -
                              previousEnd;
-    return _Truncate(static_cast<float>(distance) * segments[i].speed +
+    return truncated(static_cast<float>(distance) * segments[i].speed +
                      static_cast<float>(segments[i].inputStart));
 }

@@ -1,10 +1,10 @@
 // What becomes of an estimate that does not get its memory.
+#include "support/interposer.h"
+#include "support/log.h"
+
 #include <orva/ORVAspline.h>
 
 #include <gtest/gtest.h>
-
-#include "support/interposer.h"
-#include "support/log.h"
 
 TEST(SplineHeap, AnEstimateThatRunsOutOfMemoryWritesNothing)
 {

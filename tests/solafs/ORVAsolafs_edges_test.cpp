@@ -3,11 +3,13 @@
 #include "solafs/signals.h"
 #include "support/log.h"
 
-#include <cmath>
-#include <csignal>
 #include <kett/KTmem.h>
 #include <kett/KTsettings.h>
+
+#include <cmath>
+#include <csignal>
 #include <limits>
+
 #include <sys/time.h>
 
 namespace

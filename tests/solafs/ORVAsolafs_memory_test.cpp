@@ -1,10 +1,13 @@
 // Creation when memory runs out.
 #include "support/interposer.h"
 
-#include <cstdlib>
-#include <gtest/gtest.h>
-#include <malloc.h>
 #include <orva/ORVAsolafs.h>
+
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+
+#include <malloc.h>
 
 TEST(SolafsCreate, GivesNullAndKeepsNothingWhenAnyAllocationFails)
 {

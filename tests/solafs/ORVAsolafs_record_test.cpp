@@ -7,6 +7,8 @@
 #include <limits>
 #include <numeric>
 
+using namespace orva;
+
 namespace
 {
 
@@ -308,7 +310,7 @@ TEST(SolafsRecord, AnalysisPositionIsComputedInSinglePrecision)
         solafs->outputPosition = c.outputPosition;
         solafs->speed = c.speed;
         solafs->positionBias = c.bias;
-        EXPECT_EQ(_AnalysisPosition(solafs.get()), c.position)
+        EXPECT_EQ(analysisPosition(solafs.get()), c.position)
             << c.outputPosition << " * " << c.speed << " + " << c.bias;
     }
 }

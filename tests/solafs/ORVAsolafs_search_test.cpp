@@ -5,6 +5,8 @@
 
 #include <limits>
 
+using namespace orva;
+
 namespace
 {
 
@@ -76,7 +78,7 @@ TEST(SolafsSearch, RandomInputGivesTheWinnerOfThePlainSums)
             const SolafsHandle solafs = primed(c.frameMs, c.sampleRate, samples, overlap);
             for (const int32_t analysis : {0, 1, frame, 2 * frame + 3, 4 * frame, 6 * frame}) {
                 solafs->skew = 1;
-                _FindSkew(solafs.get(), analysis);
+                findSkew(solafs.get(), analysis);
                 EXPECT_EQ(solafs->skew, firstOfTheBest(allCandidates(*solafs, analysis)))
                     << c.frameMs << " ms at " << c.sampleRate << ", scale " << scale << ", at " << analysis;
             }
@@ -91,7 +93,7 @@ TEST(SolafsSearch, EveryCandidateCanWin)
     for (int32_t skew = 0; skew < 640; skew += 4) {
         const std::vector<float> overlap(samples.begin() + 200 + skew, samples.begin() + 200 + skew + 160);
         const SolafsHandle solafs = primed(20, 16000, samples, overlap);
-        _FindSkew(solafs.get(), 360);
+        findSkew(solafs.get(), 360);
         EXPECT_EQ(solafs->skew, firstOfTheBest(allCandidates(*solafs, 360)));
         EXPECT_EQ(solafs->skew, skew);
     }
@@ -103,7 +105,7 @@ TEST(SolafsSearch, TheLargestSkewIsNotTried)
     const std::vector<float> samples = random.noise(1600);
     const std::vector<float> overlap(samples.begin() + 200 + 640, samples.begin() + 200 + 640 + 160);
     const SolafsHandle solafs = primed(20, 16000, samples, overlap);
-    _FindSkew(solafs.get(), 360);
+    findSkew(solafs.get(), 360);
     EXPECT_LT(solafs->skew, 640);
 }
 
@@ -118,7 +120,7 @@ TEST(SolafsSearch, OfEqualScoresTheSmallestSkewWins)
     for (int32_t skew = 0; skew < 64; skew += 4) {
         const std::vector<float> overlap(samples.begin() + 200 + skew, samples.begin() + 200 + skew + 160);
         const SolafsHandle solafs = primed(20, 16000, samples, overlap);
-        _FindSkew(solafs.get(), 360);
+        findSkew(solafs.get(), 360);
         const std::vector<Candidate> candidates = allCandidates(*solafs, 360);
         for (size_t k = 16; k < candidates.size(); ++k)
             ASSERT_TRUE(support::sameBits(candidates[k].score, candidates[k - 16].score));
@@ -138,7 +140,7 @@ TEST(SolafsSearch, EnergyStartsAtOne)
         samples[200 + 400 + i] = shape[i] * 0.02f;
     }
     const SolafsHandle solafs = primed(20, 16000, samples, shape);
-    _FindSkew(solafs.get(), 360);
+    findSkew(solafs.get(), 360);
     EXPECT_EQ(solafs->skew, 400);
 }
 
@@ -149,7 +151,7 @@ TEST(SolafsSearch, WithoutPositiveCorrelationSkewIsZero)
                               std::numeric_limits<float>::quiet_NaN()}) {
         const SolafsHandle solafs = primed(20, 16000, std::vector<float>(1600, level), ones);
         solafs->skew = 8;
-        _FindSkew(solafs.get(), 360);
+        findSkew(solafs.get(), 360);
         EXPECT_EQ(solafs->skew, 0) << level;
     }
 }
@@ -166,7 +168,7 @@ TEST(SolafsSearch, AnyBitsInTheInputGiveTheWinnerOfThePlainSums)
         for (float &x : overlap)
             x = isSparse && random.integer(0, 99) > 0 ? 0.1f : random.anyFloat();
         const SolafsHandle solafs = primed(20, 16000, samples, overlap);
-        _FindSkew(solafs.get(), 360);
+        findSkew(solafs.get(), 360);
         EXPECT_EQ(solafs->skew, firstOfTheBest(allCandidates(*solafs, 360)));
     }
 }

@@ -5,10 +5,11 @@
 #include "solafs/plain_scaler.h"
 #include "support/bits.h"
 
+#include <orva/ORVAsolafs.h>
+
 #include <algorithm>
 #include <cstdlib>
 #include <memory>
-#include <orva/ORVAsolafs.h>
 #include <span>
 #include <vector>
 
