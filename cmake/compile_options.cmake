@@ -1,5 +1,5 @@
 # The one place that says how code of this project is compiled. Every target of ours links one of:
-#   orva_compile_options    warnings, exact floating point, sanitizers: tests, programs, tools
+#   orva_compile_options    warnings, exact floating point, sanitizers: tests, examples, programs, tools
 #   orva_library_options    the same, and what the two libraries add: nothing visible, no exceptions, no RTTI
 
 set(CMAKE_CXX_STANDARD 20)

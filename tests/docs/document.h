@@ -11,7 +11,8 @@
 //                anything else elsewhere
 // A fragment without such a text writes what stands in comments behind its printf lines, a line each.
 // A line above a block that ends in "`name`:" names the file that the block is saved as. A named program is not run by
-// itself, but by the document's commands.
+// itself, but by the document's commands. One that ends in "[name.c](../examples/name.c):" says that the block is that
+// file; the tests of the examples run it.
 #pragma once
 
 #include "support/folder.h"
@@ -24,12 +25,19 @@ struct Block {
     size_t line = 0; // of its fence, counted from 1
     std::string language;
     std::string name; // of the file that it is saved as, or empty
+    std::string file; // of the project that it shows, such as examples/fft.c, or empty
     std::string text;
     std::string output; // that it is to give
 
     bool isProgram() const
     {
         return language == "c" || language == "cpp";
+    }
+
+    // Whether it is a program that nothing but the document holds.
+    bool isRun() const
+    {
+        return isProgram() && file.empty();
     }
 
     bool isFragment() const
@@ -95,10 +103,13 @@ inline Document readDocument(const std::string &path, const std::string &content
                 blocks[output].output += line + "\n";
         } else if (line.starts_with("```")) {
             std::smatch match;
-            const bool named = std::regex_search(above, match, std::regex("`([A-Za-z0-9_.]+)`:$"));
-            const Block block{path, number, line.substr(3), named ? match[1].str() : "", "", ""};
+            Block block{path, number, line.substr(3), "", "", "", ""};
+            if (std::regex_search(above, match, std::regex("`([A-Za-z0-9_.]+)`:$")))
+                block.name = match[1];
+            if (std::regex_search(above, match, std::regex(R"(\]\(\.\./(examples/[a-z]+\.c)\):$)")))
+                block.file = match[1];
             output = block.language == "text" ? giver : none;
-            giver = block.isProgram() || block.language == "sh" ? blocks.size() : none;
+            giver = block.isRun() || block.language == "sh" ? blocks.size() : none;
             if (const std::string what = faultOf(block); !what.empty())
                 fault(number, what);
             blocks.push_back(block);

@@ -50,7 +50,7 @@ std::vector<std::string> faultsOf(const std::string &text)
 
 Block program(const std::string &text, const std::string &output, const std::string &language = "c")
 {
-    return {"page.md", 10, language, "", text, output};
+    return {"page.md", 10, language, "", "", text, output};
 }
 
 } // namespace
@@ -88,6 +88,18 @@ TEST(Document, HasNoBlockThatNobodyChecks)
     EXPECT_THAT(faultsOf("- an item that\n    goes on\n"), ElementsAre());
     EXPECT_THAT(faultsOf("```c\nx\n"), ElementsAre("page.md:1: a block without an end"));
     EXPECT_THAT(faultsOf("`a.c`:\n\n```c\nx\n```\n"), ElementsAre("page.md:3: no commands use a.c"));
+}
+
+TEST(Document, ShowsFilesThatItDoesNotRun)
+{
+    const Document document = readDocument(
+        "page.md", "See [a.c](../examples/a.c):\n\n```c\nint main(void);\n```\n\n```text\nno output\n```\n");
+    EXPECT_THAT(document.faults, ElementsAre());
+    ASSERT_EQ(document.blocks.size(), 2u);
+    EXPECT_EQ(document.blocks[0].file, "examples/a.c");
+    EXPECT_EQ(document.blocks[0].name, "");
+    EXPECT_EQ(document.blocks[0].output, "");
+    EXPECT_FALSE(document.blocks[0].isRun());
 }
 
 TEST(Document, FragmentsWriteTheCommentsBehindTheirPrintfs)

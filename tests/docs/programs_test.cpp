@@ -17,7 +17,7 @@ std::vector<Block> programs()
     std::vector<Block> found;
     for (const auto &document : projectDocuments())
         for (const auto &block : document.blocks)
-            if (block.isProgram() && block.name.empty())
+            if (block.isRun() && block.name.empty())
                 found.push_back(block);
     return found;
 }
@@ -52,4 +52,22 @@ TEST(DocumentsOfTheProject, HaveNoBlockThatNobodyChecks)
 {
     for (const auto &document : projectDocuments())
         EXPECT_THAT(document.faults, testing::ElementsAre()) << document.path;
+}
+
+TEST(DocumentsOfTheProject, ShowEachExampleAsItStands)
+{
+    namespace fs = std::filesystem;
+    const fs::path project = PROJECT_SOURCE_DIR;
+    std::vector<std::string> shown;
+    for (const auto &document : projectDocuments())
+        for (const auto &block : document.blocks)
+            if (!block.file.empty()) {
+                EXPECT_EQ(block.text, support::readFile(project / block.file)) << block.place();
+                shown.push_back(block.file);
+            }
+    std::vector<std::string> examples;
+    for (const auto &entry : fs::directory_iterator(project / "examples"))
+        if (entry.path().extension() == ".c")
+            examples.push_back("examples/" + entry.path().filename().string());
+    EXPECT_THAT(shown, testing::UnorderedElementsAreArray(examples));
 }
