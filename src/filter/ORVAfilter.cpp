@@ -1,10 +1,15 @@
 // The exported calls on a finished filter. What differs between the two structures is behind the handle's
 // operations.
+#include <orva/ORVAfilter.h>
+
 #include "filter/ORVAfilter_internal.h"
 
-#include <algorithm>
-
 #include <kett/KTdebug.h>
+
+#include <algorithm>
+#include <cstdlib>
+
+using namespace orva;
 
 int32_t ORVA_Filter(_ORVA_FILTER *filter, const float *input, float *output, uint32_t numSamples)
 {
@@ -36,7 +41,7 @@ int32_t ORVA_CopyFilterMemories(_ORVA_FILTER *destination, const _ORVA_FILTER *s
     return destination->copyMemFn(destination, source);
 }
 
-bool refusesBiquads(uint32_t numBiquads, const double *coefs)
+bool orva::refusesBiquads(uint32_t numBiquads, const double *coefs)
 {
     if (coefs == nullptr)
         return true;
@@ -77,8 +82,8 @@ int32_t ORVA_DestroyFilter(_ORVA_FILTER *filter)
         std::free(state->memory);
         std::free(state);
     } else {
-        KTDEBUG_Error(
-            -1, "ORVA_DestroyFilter: Invalid filter type!"); // whose state it is nobody knows: abandoned
+        // Whose state it is nobody knows: it is abandoned.
+        KTDEBUG_Error(-1, "ORVA_DestroyFilter: Invalid filter type!");
     }
     std::free(filter);
     return 1;

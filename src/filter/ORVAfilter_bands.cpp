@@ -2,9 +2,13 @@
 // Source: A. G. Constantinides, "Spectral transformations for digital filters", Proc. IEE 117 (1970).
 #include "filter/ORVAfilter_design.h"
 
+#include "common/numbers.h"
+
 #include <algorithm>
 #include <limits>
 
+namespace orva
+{
 namespace
 {
 
@@ -14,6 +18,7 @@ struct Band {
     Root lowerEdge; // on the unit circle
 };
 
+// alpha = cos((w1 + w2) / 2) / cos((w2 - w1) / 2)
 Band bandOf(float fpass1, float fpass2)
 {
     const double f1 = static_cast<double>(fpass1);
@@ -64,7 +69,7 @@ struct BandReject {
 };
 
 // Rewrites one list in place. Its entries move to the upper half first and are read from there: two are written for one
-// that has been read, so the writes never overtake the reads. What is left of them behind the new roots is cleared to
+// that has been read, so the writes never overtake the reads. What is left of them after the new roots is cleared to
 // not-a-number, lest a later stage take it for roots.
 template <class Substitution>
 Distances moveList(int32_t order, const Substitution &substitute, Root lowerEdge, Root *list)
@@ -74,7 +79,7 @@ Distances moveList(int32_t order, const Substitution &substitute, Root lowerEdge
     Distances distances;
     const auto store = [&](Root *place, Root root) {
         *place = reflected(root);
-        distances.behind = distance(lowerEdge, *place) * distances.behind;
+        distances.after = distance(lowerEdge, *place) * distances.after;
     };
     for (int32_t count = 0; count < order; ++source) {
         const Root p = *source;
@@ -99,7 +104,7 @@ Distances moveList(int32_t order, const Substitution &substitute, Root lowerEdge
 }
 
 template <class Substitution>
-int32_t moveToBand(int32_t order, float fpass1, float fpass2, Root *poles, Root *zeros, double *gain)
+int32_t moveToBand(int32_t order, float fpass1, float fpass2, Root *poles, Root *zeros, double *designGain)
 {
     if (order <= 0)
         return 1;
@@ -107,20 +112,22 @@ int32_t moveToBand(int32_t order, float fpass1, float fpass2, Root *poles, Root 
     const Substitution substitute(band);
     const Distances ofPoles = moveList(order, substitute, band.lowerEdge, poles);
     const Distances ofZeros = moveList(order, substitute, band.lowerEdge, zeros);
-    correctGain(ofPoles, ofZeros, gain);
+    correctGain(ofPoles, ofZeros, designGain);
     return 1;
 }
 
 } // namespace
 
 int32_t _ConvertDigitalProtoToBP(int32_t order, float fpass1, float fpass2, Root *poles, Root *zeros,
-                                 double *gain)
+                                 double *designGain)
 {
-    return moveToBand<BandPass>(order, fpass1, fpass2, poles, zeros, gain);
+    return moveToBand<BandPass>(order, fpass1, fpass2, poles, zeros, designGain);
 }
 
 int32_t _ConvertDigitalProtoToBR(int32_t order, float fpass1, float fpass2, Root *poles, Root *zeros,
-                                 double *gain)
+                                 double *designGain)
 {
-    return moveToBand<BandReject>(order, fpass1, fpass2, poles, zeros, gain);
+    return moveToBand<BandReject>(order, fpass1, fpass2, poles, zeros, designGain);
 }
+
+} // namespace orva

@@ -1,44 +1,22 @@
-// The biquad form: a cascade of sections, each with its own w per channel. In one section:
-//     w[n] = (x[n] - a1 w[n-1]) - a2 w[n-2]
-//     y[n] = (b0 w[n] + b1 w[n-1]) + b2 w[n-2]
-// The sums are double; y is rounded to float before it enters the next section.
+// The biquad form, whose recursion is in kernels/plain.cpp: its calls on the handle.
 #include "filter/ORVAfilter_internal.h"
+#include "filter/kernels/ORVAfilter_kernels.h"
 
 #include <algorithm>
+
+namespace orva
+{
 
 int32_t _DFIISOSfilter(_ORVA_FILTER *filter, const float *input, float *output, uint32_t numSamples,
                        uint32_t offset, uint32_t stride)
 {
-    auto *state = static_cast<_DFIISOSstate *>(filter->state);
-    const auto channels = static_cast<size_t>(filter->numChannels);
-    const auto sections = static_cast<size_t>(state->numBiquads);
-    const size_t slot = channels * sections; // doubles
-    const double *records = state->coefs;
-    double *memory = state->memory;
-    auto position = static_cast<uint32_t>(state->position);
-    const int64_t last = lastFrameStart(numSamples, filter->numChannels);
-
-    for (int64_t i = offset; i <= last; i += stride) {
-        double *w0 = memory + position * slot;
-        const double *w1 = memory + ((position + 1) & 3) * slot;
-        const double *w2 = memory + ((position + 2) & 3) * slot;
-        for (size_t c = 0; c < channels; ++c) {
-            float x = input[i + static_cast<int64_t>(c)];
-            const double *record = records;
-            for (size_t s = 0; s < sections; ++s, record += biquadDoubles) {
-                const double a1 = record[0], a2 = record[1], b0 = record[2], b1 = record[3], b2 = record[4];
-                const double t = (static_cast<double>(x) - w1[s] * a1) - w2[s] * a2;
-                w0[s] = t;
-                x = static_cast<float>((t * b0 + b1 * w1[s]) + b2 * w2[s]);
-            }
-            output[i + static_cast<int64_t>(c)] = x;
-            w0 += sections;
-            w1 += sections;
-            w2 += sections;
-        }
-        position = (position - 1) & 3;
-    }
-    state->position = static_cast<int32_t>(position);
+    kernels<FilterKernels>().biquads(*static_cast<_DFIISOSstate *>(filter->state),
+                                     {.input = input,
+                                      .output = output,
+                                      .first = offset,
+                                      .last = lastFrameStart(numSamples, filter->numChannels),
+                                      .stride = stride,
+                                      .channels = static_cast<size_t>(filter->numChannels)});
     return 1;
 }
 
@@ -85,3 +63,5 @@ int32_t _DFIISOScopyMem(_ORVA_FILTER *destination, const _ORVA_FILTER *source)
     to->position = from->position;
     return 1;
 }
+
+} // namespace orva

@@ -1,9 +1,16 @@
 // Filters from numbers that the host already has.
+#include <orva/ORVAfilter.h>
+
+#include "common/memory.h"
 #include "filter/ORVAfilter_internal.h"
 
 #include <algorithm>
 #include <limits>
 
+using namespace orva;
+
+namespace orva
+{
 namespace
 {
 
@@ -16,6 +23,33 @@ void normalise(const double *values, double leading, int32_t order, float *ratio
 
 } // namespace
 
+_ORVA_FILTER *newBiquadFilter(int32_t numChannels, int32_t numBiquads)
+{
+    if (numChannels < 0 || numBiquads < 0)
+        return nullptr;
+    const auto sections = static_cast<size_t>(numBiquads);
+    auto filter = ownZeroed<_ORVA_FILTER>(1);
+    auto state = ownZeroed<_DFIISOSstate>(1);
+    auto coefs = ownZeroed<double>(biquadDoubles * sections);
+    auto memory = ownZeroed<double>(biquadSlots * sections * static_cast<size_t>(numChannels));
+    if (filter == nullptr || state == nullptr || coefs == nullptr || memory == nullptr)
+        return nullptr;
+    *state = {.coefs = coefs.release(),
+              .memory = memory.release(),
+              .allocatedBiquads = 0,
+              .numBiquads = numBiquads,
+              .position = 0};
+    *filter = {.filterFn = _DFIISOSfilter,
+               .resetFn = _DFIISOSreset,
+               .copyMemFn = _DFIISOScopyMem,
+               .state = state.release(),
+               .kind = 0,
+               .numChannels = numChannels};
+    return filter.release();
+}
+
+} // namespace orva
+
 _ORVA_FILTER *ORVA_CreateFilterFromCoefs(uint32_t numChannels, int32_t numCount, const double *numerator,
                                          uint32_t denCount, const double *denominator)
 {
@@ -25,61 +59,34 @@ _ORVA_FILTER *ORVA_CreateFilterFromCoefs(uint32_t numChannels, int32_t numCount,
     if (numerator == nullptr || denominator == nullptr)
         return nullptr;
 
-    auto *filter = newZeroed<_ORVA_FILTER>(1);
-    auto *state = newZeroed<_DFIIstate>(1);
-    if (filter == nullptr || state == nullptr) {
-        std::free(filter);
-        std::free(state);
+    const int32_t numOrder = numCount - 1;
+    const int32_t denOrder = static_cast<int32_t>(denCount) - 1;
+    const int32_t order = std::max(numOrder, denOrder);
+    auto filter = ownZeroed<_ORVA_FILTER>(1);
+    auto state = ownZeroed<_DFIIstate>(1);
+    auto memory = ownZeroed<float>((static_cast<size_t>(order) + 1) * numChannels);
+    auto numeratorRatios = ownZeroed<float>(static_cast<size_t>(numOrder));
+    auto denominatorRatios = ownZeroed<float>(static_cast<size_t>(denOrder));
+    if (filter == nullptr || state == nullptr || memory == nullptr || numeratorRatios == nullptr ||
+        denominatorRatios == nullptr)
         return nullptr;
-    }
-    state->numOrder = numCount - 1;
-    state->denOrder = static_cast<int32_t>(denCount) - 1;
-    state->order = std::max(state->numOrder, state->denOrder);
-    state->memory = newZeroed<float>((static_cast<size_t>(state->order) + 1) * numChannels);
-    state->numerator = newZeroed<float>(static_cast<size_t>(state->numOrder));
-    state->denominator = newZeroed<float>(static_cast<size_t>(state->denOrder));
+    normalise(numerator, denominator[0], numOrder, numeratorRatios.get());
+    normalise(denominator, denominator[0], denOrder, denominatorRatios.get());
+    *state = {.order = order,
+              .numOrder = numOrder,
+              .denOrder = denOrder,
+              .position = 0,
+              .memory = memory.release(),
+              .numerator = numeratorRatios.release(),
+              .denominator = denominatorRatios.release(),
+              .gain = static_cast<float>(numerator[0] / denominator[0])};
     *filter = {.filterFn = _DFIIfilter,
                .resetFn = _DFIIreset,
                .copyMemFn = _DFIIcopyMem,
-               .state = state,
+               .state = state.release(),
                .kind = 0,
                .numChannels = static_cast<int32_t>(numChannels)};
-    if (state->memory == nullptr || state->numerator == nullptr || state->denominator == nullptr) {
-        ORVA_DestroyFilter(filter);
-        return nullptr;
-    }
-    state->gain = static_cast<float>(numerator[0] / denominator[0]);
-    normalise(numerator, denominator[0], state->numOrder, state->numerator);
-    normalise(denominator, denominator[0], state->denOrder, state->denominator);
-    return filter;
-}
-
-_ORVA_FILTER *newBiquadFilter(int32_t numChannels, int32_t numBiquads)
-{
-    if (numChannels < 0 || numBiquads < 0)
-        return nullptr;
-    auto *filter = newZeroed<_ORVA_FILTER>(1);
-    auto *state = newZeroed<_DFIISOSstate>(1);
-    if (filter == nullptr || state == nullptr) {
-        std::free(filter);
-        std::free(state);
-        return nullptr;
-    }
-    const auto sections = static_cast<size_t>(numBiquads);
-    state->numBiquads = numBiquads;
-    state->coefs = newZeroed<double>(biquadDoubles * sections);
-    state->memory = newZeroed<double>(biquadSlots * sections * static_cast<size_t>(numChannels));
-    *filter = {.filterFn = _DFIISOSfilter,
-               .resetFn = _DFIISOSreset,
-               .copyMemFn = _DFIISOScopyMem,
-               .state = state,
-               .kind = 0,
-               .numChannels = numChannels};
-    if (state->coefs == nullptr || state->memory == nullptr) {
-        ORVA_DestroyFilter(filter);
-        return nullptr;
-    }
-    return filter;
+    return filter.release();
 }
 
 _ORVA_FILTER *ORVA_CreateFilterFromBiquads(int32_t numChannels, uint32_t numBiquads, const double *coefs)

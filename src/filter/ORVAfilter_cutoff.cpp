@@ -2,30 +2,78 @@
 // Source: A. G. Constantinides, "Spectral transformations for digital filters", Proc. IEE 117 (1970).
 #include "filter/ORVAfilter_design.h"
 
+#include "common/numbers.h"
+
 #include <limits>
 
-// One list through the bilinear transform z = (1 + r) / (1 - r). Distances are those from s = 0 and from z = 1.
-static Distances bilinear(int32_t order, Root *list)
+namespace orva
 {
+namespace
+{
+
+// One list through the bilinear transform z = (1 + r) / (1 - r). Distances are those from s = 0 and from z = 1, which keeps
+// the gain at zero frequency.
+Distances bilinear(int32_t order, Root *list)
+{
+    constexpr double largest = std::numeric_limits<double>::max();
     Distances distances;
     for (int32_t count = 0; count < order; ++list) {
         const Root r = *list;
         const double modulus = std::abs(r);
-        if (!(modulus <=
-              std::numeric_limits<double>::max())) { // infinite, or an entry that no design has written
+        if (!(modulus <= largest)) { // infinite, or an entry that no design has written
             *list = {-1.0, 0.0};
-            distances.behind *= 2.0;
+            distances.after *= 2.0;
             ++count;
             continue;
         }
         distances.before = isReal(r) ? distances.before * modulus : modulus * (distances.before * modulus);
         const Root z = (1.0 + r) / (1.0 - r);
         *list = z;
-        distances.behind *= distance(1.0, z);
+        distances.after *= distance(1.0, z);
         count += isReal(z) ? 1 : 2;
     }
     return distances;
 }
+
+// The transform t = sign (r + alpha) / (1 + alpha r), which brings the prototype's edge to `cutoff` on the unit circle.
+struct Move {
+    double sign;
+    double alpha;
+    Root cutoff;
+};
+
+// The reflection is part of the design: the high-pass rests on it.
+Distances moveList(int32_t order, const Move &move, Root *list)
+{
+    Distances distances;
+    for (int32_t count = 0; count < order; ++list) {
+        const Root r = *list;
+        distances.before *= distance(prototypeEdge, r);
+        const Root numerator = {move.sign * (r.real() + move.alpha), move.sign * r.imag()};
+        const Root denominator = {1.0 + move.alpha * r.real(), move.alpha * r.imag()};
+        const Root t = reflected(numerator / denominator);
+        *list = t;
+        distances.after *= distance(move.cutoff, t);
+        count += isReal(t) ? 1 : 2;
+    }
+    return distances;
+}
+
+void moveLists(int32_t order, const Move &move, Root *poles, Root *zeros, double *designGain)
+{
+    const Distances ofPoles = moveList(order, move, poles);
+    const Distances ofZeros = moveList(order, move, zeros);
+    correctGain(ofPoles, ofZeros, designGain);
+}
+
+// exp(j pi f)
+Root onUnitCircle(float f)
+{
+    const double wide = static_cast<double>(f);
+    return std::exp(Root(wide * 0.0 * pi, wide * pi));
+}
+
+} // namespace
 
 void _ConvertAnalogProtoToDigital(int32_t order, Root *poles, Root *zeros, double *designGain)
 {
@@ -34,43 +82,20 @@ void _ConvertAnalogProtoToDigital(int32_t order, Root *poles, Root *zeros, doubl
     correctGain(ofPoles, ofZeros, designGain);
 }
 
-// One list through t = sign (r + alpha) / (1 + alpha r). The reflection is part of the design: the high-pass rests on it.
-static Distances moveList(int32_t order, double sign, double alpha, Root cutoff, Root *list)
-{
-    Distances distances;
-    for (int32_t count = 0; count < order; ++list) {
-        const Root r = *list;
-        distances.before *= distance(prototypeEdge, r);
-        const Root numerator = {sign * (r.real() + alpha), sign * r.imag()};
-        const Root denominator = {1.0 + alpha * r.real(), alpha * r.imag()};
-        const Root t = reflected(numerator / denominator);
-        *list = t;
-        distances.behind *= distance(cutoff, t);
-        count += isReal(t) ? 1 : 2;
-    }
-    return distances;
-}
-
-static void moveToCutoff(int32_t order, double sign, double alpha, float fpass1, Root *poles, Root *zeros,
-                         double *designGain)
-{
-    const double f = static_cast<double>(fpass1);
-    const Root cutoff = std::exp(Root(f * 0.0 * pi, f * pi));
-    const Distances ofPoles = moveList(order, sign, alpha, cutoff, poles);
-    const Distances ofZeros = moveList(order, sign, alpha, cutoff, zeros);
-    correctGain(ofPoles, ofZeros, designGain);
-}
-
+// alpha = sin((pi/2 - w) / 2) / sin((pi/2 + w) / 2)
 void _ConvertDigitalProtoToLP(int32_t order, float fpass1, Root *poles, Root *zeros, double *designGain)
 {
     const double w = static_cast<double>(fpass1) * pi;
     const double alpha = std::sin((pi / 2.0 - w) * 0.5) / std::sin((pi / 2.0 + w) * 0.5);
-    moveToCutoff(order, 1.0, alpha, fpass1, poles, zeros, designGain);
+    moveLists(order, {1.0, alpha, onUnitCircle(fpass1)}, poles, zeros, designGain);
 }
 
+// alpha = -cos((pi/2 - w) / 2) / cos((pi/2 + w) / 2)
 void _ConvertDigitalProtoToHP(int32_t order, float fpass1, Root *poles, Root *zeros, double *designGain)
 {
     const double w = static_cast<double>(fpass1) * pi;
     const double alpha = -std::cos((pi / 2.0 - w) * 0.5) / std::cos((pi / 2.0 + w) * 0.5);
-    moveToCutoff(order, -1.0, alpha, fpass1, poles, zeros, designGain);
+    moveLists(order, {-1.0, alpha, onUnitCircle(fpass1)}, poles, zeros, designGain);
 }
+
+} // namespace orva

@@ -1,31 +1,23 @@
-#include "filter/ORVAfilter_spec.h"
-
-#include <initializer_list>
+// The band edges of a request: their scale, their order, and the selectivity that they give.
+#include "filter/ORVAfilter_request.h"
 
 #include <kett/KTdebug.h>
 
-static void normalise(float &edge, int32_t samplingRate)
+#include <initializer_list>
+
+namespace orva
+{
+namespace
+{
+
+// 2 f / F, where an edge is given
+void normalise(float &edge, int32_t samplingRate)
 {
     if (edge >= 0.0f)
         edge = static_cast<float>((2.0 * static_cast<double>(edge)) / static_cast<double>(samplingRate));
 }
 
-bool normaliseEdges(Edges &edges, int32_t samplingRate)
-{
-    if (samplingRate <= 0 && (edges.fpass1 >= 1.0f || edges.fpass2 >= 1.0f)) {
-        KTDEBUG_Error(
-            -1, "ORVA_CreateFilter: If you want to specify frequencies in Hz, you must specify a sampling "
-                "frequency.");
-        return false;
-    }
-    if (samplingRate < 0)
-        return true;
-    for (float *edge : {&edges.fpass1, &edges.fpass2, &edges.fstop1, &edges.fstop2})
-        normalise(*edge, samplingRate);
-    return true;
-}
-
-static bool measureCutoff(int32_t kind, float p1, float s1, float &ws)
+bool measureCutoff(int32_t kind, float p1, float s1, float &ws)
 {
     if (p1 < 0.0f) {
         KTDEBUG_Error(-1, "ORVA_CreateFilter: You must specify a cutoff frequency (fpass)");
@@ -43,7 +35,7 @@ static bool measureCutoff(int32_t kind, float p1, float s1, float &ws)
 }
 
 // A band-pass has its stop edges outside the passband edges, a band-reject inside.
-static bool areInOrder(int32_t kind, const Edges &edges)
+bool areInOrder(int32_t kind, const Edges &edges)
 {
     const auto [p1, p2, s1, s2] = edges;
     const bool isPass = kind == bandPass;
@@ -56,7 +48,7 @@ static bool areInOrder(int32_t kind, const Edges &edges)
 
 // The width between the stop edge that lies nearer to its passband and its mirror about the centre of the band, against the
 // width of the band. The groupings decide bits.
-static float bandSelectivity(int32_t kind, const Edges &edges)
+float bandSelectivity(int32_t kind, const Edges &edges)
 {
     const auto [p1, p2, s1, s2] = edges;
     const bool hasFirst = s1 > 0.0f;
@@ -73,7 +65,7 @@ static float bandSelectivity(int32_t kind, const Edges &edges)
     return (p2 - p1) / width;
 }
 
-static bool measureBand(int32_t kind, const Edges &edges, float &ws)
+bool measureBand(int32_t kind, const Edges &edges, float &ws)
 {
     const auto [p1, p2, s1, s2] = edges;
     if (p1 < 0.0f || p2 < 0.0f) {
@@ -86,9 +78,28 @@ static bool measureBand(int32_t kind, const Edges &edges, float &ws)
     return true;
 }
 
+} // namespace
+
+bool normaliseEdges(Edges &edges, int32_t samplingRate)
+{
+    if (samplingRate <= 0 && (edges.fpass1 >= 1.0f || edges.fpass2 >= 1.0f)) {
+        KTDEBUG_Error(
+            -1, "ORVA_CreateFilter: If you want to specify frequencies in Hz, you must specify a sampling "
+                "frequency.");
+        return false;
+    }
+    if (samplingRate < 0)
+        return true;
+    for (float *edge : {&edges.fpass1, &edges.fpass2, &edges.fstop1, &edges.fstop2})
+        normalise(*edge, samplingRate);
+    return true;
+}
+
 bool measureSelectivity(int32_t kind, const Edges &edges, float &ws)
 {
     if (kind == lowPass || kind == highPass)
         return measureCutoff(kind, edges.fpass1, edges.fstop1, ws);
     return measureBand(kind, edges, ws);
 }
+
+} // namespace orva

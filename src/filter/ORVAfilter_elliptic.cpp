@@ -2,28 +2,32 @@
 // Source: A. Antoniou, "Digital Filters: Analysis, Design, and Applications", section on the elliptic approximation.
 #include "filter/ORVAfilter_design.h"
 
+#include "common/numbers.h"
+
 #include <cmath>
 #include <limits>
 
+namespace orva
+{
+
 const Approximation _Elliptic = {_EllipticOrder, _EllipticDesign};
 
-// The nome q of the modulus k = 1 / ws.
-static double nome(double k)
+namespace
+{
+
+// The nome q of the modulus k = 1 / ws:
+//     q0 = (1 - r) / (2 (1 + r)),  r = (1 - k^2)^(1/4)
+//     q = q0 + 2 q0^5 + 15 q0^9 + 150 q0^13
+double nome(double k)
 {
     const double r = std::sqrt(std::sqrt(1.0 - k * k));
     const double q0 = ((1.0 - r) * 0.5) / (1.0 + r);
     return ((q0 + 2.0 * std::pow(q0, 5.0)) + 15.0 * std::pow(q0, 9.0)) + 150.0 * std::pow(q0, 13.0);
 }
 
-int32_t _EllipticOrder(double, double ws, double Ap, double As)
-{
-    const double D = (std::pow(10.0, As * 0.1) - 1.0) / (std::pow(10.0, Ap * 0.1) - 1.0);
-    return truncated(std::log10(16.0 * D) / std::log10(1.0 / nome(1.0 / ws)) + 1.0);
-}
-
 // Adds terms until one changes the sum by less than 1e-20 of it. The change is divided by the sum as it stands, not by its
-// modulus: a negative sum ends the series behind its first term, which the bits of every elliptic filter rest on.
-template <class Term> static double summed(double sum, double m, Term term)
+// modulus: a negative sum ends the series after its first term, which the bits of every elliptic filter rest on.
+template <class Term> double summed(double sum, double m, Term term)
 {
     for (double change = 1.0; change >= 1e-20; m += 1.0) {
         const double next = sum + term(m);
@@ -34,7 +38,7 @@ template <class Term> static double summed(double sum, double m, Term term)
 }
 
 // Numerator of sigma and of every Om: the sum over m of (-1)^m q^(m (m + 1)) f(2m + 1).
-template <class Function> static double oddSeries(double q, Function f)
+template <class Function> double oddSeries(double q, Function f)
 {
     return summed(f(1.0), 1.0, [&](double m) {
         return std::pow(q, (m + 1.0) * m) * std::pow(-1.0, m) * f(2.0 * m + 1.0);
@@ -42,19 +46,42 @@ template <class Function> static double oddSeries(double q, Function f)
 }
 
 // Denominator: the sum over m from 1 of (-1)^m q^(m m) f(2m).
-template <class Function> static double evenSeries(double q, Function f)
+template <class Function> double evenSeries(double q, Function f)
 {
     return summed(-q * f(2.0), 2.0,
                   [&](double m) { return std::pow(q, m * m) * std::pow(-1.0, m) * f(2.0 * m); });
 }
 
-static double seriesQuotient(double odd, double even, double q)
+// 2 q^(1/4) odd / (1 + 2 even)
+double seriesQuotient(double odd, double even, double q)
 {
     return (odd * (2.0 * std::pow(q, 0.25))) / (2.0 * even + 1.0);
 }
 
+} // namespace
+
+// log10(16 D) / log10(1 / q) + 1,  D as in attenuationRatio()
+int32_t _EllipticOrder(double, double ws, double Ap, double As)
+{
+    const double D = (std::pow(10.0, As * 0.1) - 1.0) / (std::pow(10.0, Ap * 0.1) - 1.0);
+    return truncated(std::log10(16.0 * D) / std::log10(1.0 / nome(1.0 / ws)) + 1.0);
+}
+
+// Of the order N and the attenuation Ap, with a = 10^(Ap / 20):
+//     Lambda = ln((a + 1) / (a - 1)) / (2 N)
+//     sigma  = 2 q^(1/4) sum(m >= 0) (-1)^m q^(m (m + 1)) sinh((2m + 1) Lambda)
+//              / (1 + 2 sum(m >= 1) (-1)^m q^(m m) cosh(2m Lambda))
+//     W      = sqrt((1 + k sigma^2) (1 + sigma^2 / k))
+// and for each pair i, with mu = i + 1 in an odd order and i + 1/2 in an even one:
+//     Om = the same quotient with sin and cos of (2m + 1) pi mu / N and 2m pi mu / N
+//     V  = sqrt((1 - k Om^2) (1 - Om^2 / k))
+//     a0 = 1 / Om^2                                       the zeros are the roots of s^2 + a0
+//     b0 = ((sigma V)^2 + (Om W)^2) / (1 + sigma^2 Om^2)^2
+//     b1 = 2 |sigma| V / (1 + sigma^2 Om^2)               the poles those of s^2 + b1 s + b0
+// The series has the geometric mean of its edges at 1. All roots are multiplied by sqrt(ws), which brings the passband
+// edge there.
 int32_t _EllipticDesign(double, double ws, double Ap, double As, int32_t order, Root *poles, Root *zeros,
-                        double *gain)
+                        double *designGain)
 {
     if (ws <= 0.0 || Ap <= 0.0 || As <= 0.0)
         return 0;
@@ -69,7 +96,7 @@ int32_t _EllipticDesign(double, double ws, double Ap, double As, int32_t order, 
     const double W = std::sqrt((1.0 + k * sa * sa) * (1.0 + sigma * sigma / k));
     const int32_t pairs = order / 2;
     const bool isOdd = order % 2 != 0;
-    *gain = 1.0;
+    *designGain = 1.0;
     for (int32_t i = 0; i < pairs; ++i) {
         const double mu = static_cast<double>(i) + (isOdd ? 1.0 : 0.5);
         const double Om =
@@ -80,20 +107,21 @@ int32_t _EllipticDesign(double, double ws, double Ap, double As, int32_t order, 
         const double d = 1.0 + sigma * sigma * Om * Om;
         const double b0 = ((sigma * V) * (sigma * V) + (Om * W) * (Om * W)) / (d * d);
         const double b1 = (2.0 * sa * V) / d;
-        // The series has its edges' geometric mean at 1; the root of ws brings the passband edge there.
         const double y = std::sqrt(ws * a0);
         zeros[i] = {0.0 * y, y};
         const double B = b1 * std::sqrt(ws);
         const double e = B * B - 4.0 * ws * b0;
         poles[i] = {-B / 2.0, std::sqrt(-e) / 2.0};
-        *gain = (b0 / a0) * *gain;
+        *designGain = (b0 / a0) * *designGain;
     }
     if (isOdd) {
         poles[pairs] = {-sa * std::sqrt(ws), 0.0};
         zeros[pairs] = {std::numeric_limits<double>::infinity(), 0.0};
-        *gain = std::sqrt(ws) * sa * *gain;
+        *designGain = std::sqrt(ws) * sa * *designGain;
     } else {
-        *gain = std::pow(10.0, Ap * -0.05) * *gain;
+        *designGain = std::pow(10.0, Ap * -0.05) * *designGain;
     }
     return 1;
 }
+
+} // namespace orva

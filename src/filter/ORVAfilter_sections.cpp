@@ -2,10 +2,12 @@
 // entry or two adjacent real ones.
 #include "filter/ORVAfilter_design.h"
 
-#include <cmath>
-
 #include <kett/KTdebug.h>
 
+#include <cmath>
+
+namespace orva
+{
 namespace
 {
 
@@ -81,7 +83,7 @@ _ORVA_FILTER *_MakeFilterFromRoots(int32_t rootCount, const Root *poles, const R
     if (filter == nullptr)
         return nullptr;
     filter->kind = kind;
-    // The gain is spread evenly, over a first-order section too. A negative one thus gives not-a-number for two and more.
+    // g = K^(1 / sections): spread evenly, over a first-order section too. A negative one thus gives not-a-number for two and more.
     const double g =
         std::pow(static_cast<double>(filterGain) * designGain, 1.0 / static_cast<double>(numBiquads));
     auto *state = static_cast<_DFIISOSstate *>(filter->state);
@@ -92,3 +94,5 @@ _ORVA_FILTER *_MakeFilterFromRoots(int32_t rootCount, const Root *poles, const R
     }
     return filter;
 }
+
+} // namespace orva

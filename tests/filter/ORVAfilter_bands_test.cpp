@@ -1,9 +1,11 @@
 // The transforms of the digital prototype to a band.
+#include "common/numbers.h"
 #include "filter/ORVAfilter_design.h"
-
 #include "filter/ORVAfilter_design_reference.h"
 #include "filter/ORVAfilter_lists.h"
 #include "support/bits.h"
+
+using namespace orva;
 
 using support::sameBits;
 

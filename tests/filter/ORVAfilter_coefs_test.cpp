@@ -1,12 +1,13 @@
 // The constructors: what they store, refuse and accept.
 #include "filter/ORVAfilter_internal.h"
+#include "filter/ORVAfilter_reference.h"
+#include "support/bits.h"
+#include "support/log.h"
 
 #include <cmath>
 #include <limits>
 
-#include "filter/ORVAfilter_reference.h"
-#include "support/bits.h"
-#include "support/log.h"
+using namespace orva;
 
 using support::error;
 using support::Log;

@@ -1,11 +1,12 @@
 // The bilinear transform, and the transforms to the cut-off of a low-pass or high-pass.
 #include "filter/ORVAfilter_design.h"
-
-#include <limits>
-
 #include "filter/ORVAfilter_design_reference.h"
 #include "filter/ORVAfilter_lists.h"
 #include "support/bits.h"
+
+#include <limits>
+
+using namespace orva;
 
 using support::sameBits;
 

@@ -2,22 +2,21 @@
 #pragma once
 
 #include "filter/ORVAfilter_internal.h"
+#include "filter/ORVAfilter_reference.h"
 
 #include <cmath>
 #include <complex>
 #include <string>
 #include <vector>
 
-#include "filter/ORVAfilter_reference.h"
-
 inline Filter create(const std::string &text)
 {
     return Filter(ORVA_CreateFilter("%s", text.c_str()));
 }
 
-inline const _DFIISOSstate *cascadeOf(const Filter &filter)
+inline const orva::_DFIISOSstate *cascadeOf(const Filter &filter)
 {
-    return static_cast<const _DFIISOSstate *>(filter->state);
+    return static_cast<const orva::_DFIISOSstate *>(filter->state);
 }
 
 // a1, a2, b0, b1, b2 of each section; none for no filter.

@@ -1,13 +1,14 @@
 // Band edges: their scale, their order, and the selectivity that they give.
-#include "filter/ORVAfilter_spec.h"
+#include "filter/ORVAfilter_request.h"
+#include "support/bits.h"
+#include "support/log.h"
+#include "support/random.h"
 
 #include <algorithm>
 #include <cmath>
 #include <limits>
 
-#include "support/bits.h"
-#include "support/log.h"
-#include "support/random.h"
+using namespace orva;
 
 using support::error;
 using support::Log;

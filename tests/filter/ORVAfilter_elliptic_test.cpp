@@ -1,10 +1,11 @@
 // Roots of the elliptic prototype.
 #include "filter/ORVAfilter_design.h"
-
 #include "filter/ORVAfilter_design_reference.h"
 #include "filter/ORVAfilter_lists.h"
 #include "support/bits.h"
 #include "support/log.h"
+
+using namespace orva;
 
 using support::Log;
 using support::Message;

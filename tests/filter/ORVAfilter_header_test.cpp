@@ -1,11 +1,12 @@
 // What the header says of the language of filters, read out of the header and tried.
-#include <orva/ORVAfilter.h>
-
 #include "filter/ORVAfilter_designed.h"
 #include "support/folder.h"
 
-#include <algorithm>
+#include <orva/ORVAfilter.h>
+
 #include <gtest/gtest.h>
+
+#include <algorithm>
 #include <regex>
 #include <sstream>
 #include <string>

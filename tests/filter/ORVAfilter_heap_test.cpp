@@ -1,11 +1,11 @@
 // What becomes of a constructor that does not get its memory.
-#include <orva/ORVAfilter.h>
-
-#include <malloc.h>
-
 #include "filter/ORVAfilter_reference.h"
 #include "support/comma_locale.h"
 #include "support/interposer.h"
+
+#include <orva/ORVAfilter.h>
+
+#include <malloc.h>
 
 using support::endFailure;
 using support::failAllocation;

@@ -1,13 +1,14 @@
 // Which frames run: the counts at their limits.
+#include "filter/ORVAfilter_reference.h"
+#include "support/bits.h"
+
 #include <orva/ORVAfilter.h>
 
 #include <csignal>
 #include <cstdlib>
+
 #include <sys/mman.h>
 #include <sys/time.h>
-
-#include "filter/ORVAfilter_reference.h"
-#include "support/bits.h"
 
 using support::sameBits;
 

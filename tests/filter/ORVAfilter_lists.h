@@ -2,13 +2,14 @@
 #pragma once
 
 #include "filter/ORVAfilter_design.h"
+#include "support/bits.h"
+#include "support/random.h"
 
 #include <cmath>
 #include <limits>
 #include <vector>
 
-#include "support/bits.h"
-#include "support/random.h"
+using orva::Root;
 
 struct Lists {
     static constexpr double unwritten = std::numeric_limits<double>::quiet_NaN();

@@ -1,8 +1,9 @@
 // The memories from inside: their layout, odd values in them, and what a copy leaves where.
 #include "filter/ORVAfilter_internal.h"
-
 #include "filter/ORVAfilter_reference.h"
 #include "support/bits.h"
+
+using namespace orva;
 
 using support::Random;
 using support::sameBits;

@@ -1,12 +1,14 @@
 // Order estimates and roots of the Butterworth and Chebyshev prototypes.
+#include "common/numbers.h"
 #include "filter/ORVAfilter_design.h"
-
-#include <limits>
-
 #include "filter/ORVAfilter_design_reference.h"
 #include "filter/ORVAfilter_lists.h"
 #include "support/bits.h"
 #include "support/log.h"
+
+#include <limits>
+
+using namespace orva;
 
 using support::error;
 using support::Log;
@@ -112,7 +114,7 @@ TEST(FilterPrototype, HasTheWorkedRoots)
 {
     const struct {
         const char *title;
-        Design design;
+        PrototypeDesign design;
         double ws, Ap, As;
         std::vector<Root> poles, zeros;
         double gain, tolerance;
@@ -172,7 +174,7 @@ TEST(FilterPrototype, OfOrderOneIsARealPole)
     const double eps = std::sqrt(std::pow(10.0, 0.2) - 1.0); // Ap = 2
     const struct {
         const char *title;
-        Design design;
+        PrototypeDesign design;
         double pole;
     } rows[] = {
         {"Butterworth", _ButterworthDesign, -std::pow(static_cast<double>(static_cast<float>(eps)), -1.0)},
@@ -230,7 +232,7 @@ TEST(FilterPrototype, HasItsMagnitudeAtFrequencyZeroByApproximationAndParity)
 {
     const struct {
         const char *title;
-        Design design;
+        PrototypeDesign design;
         bool dipsWhenEven, hasAllZeros;
     } rows[] = {{"Butterworth", _ButterworthDesign, false, true},
                 {"Chebyshev", _ChebyshevDesign, true, true},

@@ -1,6 +1,10 @@
 // Both structures in the plainest form, straight from their recursions, and filters paired with them.
 #pragma once
 
+#include "support/random.h"
+
+#include <orva/ORVAfilter.h>
+
 #include <algorithm>
 #include <array>
 #include <cstdint>
@@ -8,10 +12,6 @@
 #include <span>
 #include <string>
 #include <vector>
-
-#include <orva/ORVAfilter.h>
-
-#include "support/random.h"
 
 struct Destroy {
     void operator()(_ORVA_FILTER *filter) const

@@ -1,12 +1,13 @@
 // Every refusal of the calls on a finished filter, with its message counted; some need a handle damaged from
 // inside.
 #include "filter/ORVAfilter_internal.h"
-
-#include <limits>
-
 #include "filter/ORVAfilter_reference.h"
 #include "support/bits.h"
 #include "support/log.h"
+
+#include <limits>
+
+using namespace orva;
 
 using support::error;
 using support::Log;

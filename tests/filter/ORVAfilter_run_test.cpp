@@ -1,10 +1,10 @@
 // The results of both structures, bit by bit, against their recursions written out.
+#include "filter/ORVAfilter_reference.h"
+#include "support/bits.h"
+
 #include <orva/ORVAfilter.h>
 
 #include <thread>
-
-#include "filter/ORVAfilter_reference.h"
-#include "support/bits.h"
 
 using support::Random;
 using support::sameBits;

@@ -1,12 +1,11 @@
 // Responses of designed filters against those of SciPy's designs.
+#include "filter/ORVAfilter_design_reference.h"
+#include "filter/ORVAfilter_designed.h"
 #include "filter/ORVAfilter_scipy_table.h"
 
 #include <algorithm>
 #include <cmath>
 #include <map>
-
-#include "filter/ORVAfilter_design_reference.h"
-#include "filter/ORVAfilter_designed.h"
 
 namespace
 {

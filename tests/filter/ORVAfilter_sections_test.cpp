@@ -1,13 +1,15 @@
 // Root lists to sections, and the whole way from a text to sections.
+#include "common/numbers.h"
 #include "filter/ORVAfilter_design.h"
-
-#include <array>
-#include <limits>
-
 #include "filter/ORVAfilter_design_reference.h"
 #include "filter/ORVAfilter_designed.h"
 #include "support/bits.h"
 #include "support/log.h"
+
+#include <array>
+#include <limits>
+
+using namespace orva;
 
 using support::error;
 using support::Log;

@@ -1,10 +1,12 @@
 // Filters from one line of text: its keys, their precedence, and every refusal with its message.
-#include <orva/ORVAfilter.h>
-
 #include "filter/ORVAfilter_designed.h"
 #include "support/bits.h"
 #include "support/comma_locale.h"
 #include "support/log.h"
+
+#include <orva/ORVAfilter.h>
+
+using namespace orva;
 
 using support::error;
 using support::Log;
