@@ -8,11 +8,18 @@
 #include <stdbool.h>
 #include <stdint.h>
 
+/** Makes a name visible outside the library, in the way of the compiler; what else it takes is told to the linker. */
+#ifdef __GNUC__
+#define ORVA_VISIBLE __attribute__((visibility("default")))
+#else
+#define ORVA_VISIBLE
+#endif
+
 /** Marks what the library exports: C linkage, visible from outside. */
 #ifdef __cplusplus
-#define ORVA_API extern "C" __attribute__((visibility("default")))
+#define ORVA_API extern "C" ORVA_VISIBLE
 #else
-#define ORVA_API __attribute__((visibility("default")))
+#define ORVA_API ORVA_VISIBLE
 #endif
 
 /** A complex number, laid out like FFTW's single-precision one. */

@@ -18,15 +18,13 @@ struct Reader {
     int32_t columns;
 };
 
-} // namespace
-
-static bool isNumberCharacter(char c)
+bool isNumberCharacter(char c)
 {
     return isWordCharacter(c) && c != ']';
 }
 
 // Takes `mark` and the blanks around it; without the mark only the blanks before it are gone.
-static bool takeMark(Reader &reader, char mark)
+bool takeMark(Reader &reader, char mark)
 {
     take(reader.at, isBlank);
     if (*reader.at != mark)
@@ -36,7 +34,7 @@ static bool takeMark(Reader &reader, char mark)
     return true;
 }
 
-static bool takeNumber(Reader &reader)
+bool takeNumber(Reader &reader)
 {
     double number = 0.0;
     if (!parseDouble(take(reader.at, isNumberCharacter), number))
@@ -47,13 +45,13 @@ static bool takeNumber(Reader &reader)
 }
 
 // After a number: true where the next one of its row has to follow.
-static bool takeGap(Reader &reader)
+bool takeGap(Reader &reader)
 {
     return takeMark(reader, ',') || (*reader.at != ';' && *reader.at != ']');
 }
 
 // row := number { gap number }, as long as the rows before it.
-static bool takeRow(Reader &reader)
+bool takeRow(Reader &reader)
 {
     int32_t columns = 0;
     do {
@@ -69,7 +67,7 @@ static bool takeRow(Reader &reader)
 }
 
 // row { ';' row } [ ';' ] ']'
-static bool takeFlatRows(Reader &reader)
+bool takeFlatRows(Reader &reader)
 {
     while (takeRow(reader)) {
         takeMark(reader, ';'); // a row ends at one or at the bracket
@@ -80,7 +78,7 @@ static bool takeFlatRows(Reader &reader)
 }
 
 // '[' row ']' { [ ',' ] '[' row ']' } ']'
-static bool takeNestedRows(Reader &reader)
+bool takeNestedRows(Reader &reader)
 {
     while (takeMark(reader, '[') && takeRow(reader) && takeMark(reader, ']')) {
         const bool more = takeMark(reader, ',');
@@ -90,17 +88,19 @@ static bool takeNestedRows(Reader &reader)
     return false;
 }
 
-static bool takeMatrix(const ConfigPair &pair, Reader &reader)
+bool takeMatrix(const ConfigPair &pair, Reader &reader)
 {
     reader.at = pair.value.data();
-    if (pair.kind == ValueKind::Bracketed) {
+    if (pair.kind == ValueKind::bracketed) {
         takeMark(reader, '[');
         return *reader.at == '[' ? takeNestedRows(reader) : takeFlatRows(reader);
     }
     reader.rows = reader.columns = 1;
-    return pair.kind == ValueKind::Word && takeNumber(reader) &&
+    return pair.kind == ValueKind::word && takeNumber(reader) &&
            reader.at == pair.value.data() + pair.value.size();
 }
+
+} // namespace
 
 bool measureMatrix(const ConfigPair &pair, int32_t &rows, int32_t &columns)
 {

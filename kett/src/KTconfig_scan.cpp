@@ -5,31 +5,21 @@
 namespace kett
 {
 
-static bool isSeparator(char c)
+namespace
+{
+
+bool isSeparator(char c)
 {
     return c == ';' || c == ',' || isBlank(c);
 }
 
-bool isWordCharacter(char c)
-{
-    return c != '\0' && !isSeparator(c);
-}
-
-static bool isKeyCharacter(char c)
+bool isKeyCharacter(char c)
 {
     return isWordCharacter(c) && c != '=' && c != '"' && c != '[' && c != ']';
 }
 
-std::string_view take(const char *&at, bool (*belongs)(char))
-{
-    const char *begin = at;
-    while (belongs(*at))
-        ++at;
-    return {begin, at};
-}
-
 // Takes an '=' with the blanks around it; without one, `at` stays before the blanks.
-static bool takeEquals(const char *&at)
+bool takeEquals(const char *&at)
 {
     const char *next = at;
     take(next, isBlank);
@@ -41,7 +31,7 @@ static bool takeEquals(const char *&at)
 }
 
 // What stands between two quotes. Without the second there is no value, and `at` is at the end of the text.
-static bool takeQuoted(const char *&at, std::string_view &value)
+bool takeQuoted(const char *&at, std::string_view &value)
 {
     value = take(++at, [](char c) { return c != '"' && c != '\0'; });
     if (*at == '\0')
@@ -51,7 +41,7 @@ static bool takeQuoted(const char *&at, std::string_view &value)
 }
 
 // From a bracket to the one that closes it, whatever stands between them. Unclosed as above.
-static bool takeBracketed(const char *&at, std::string_view &value)
+bool takeBracketed(const char *&at, std::string_view &value)
 {
     const char *begin = at;
     size_t open = 0;
@@ -69,17 +59,32 @@ static bool takeBracketed(const char *&at, std::string_view &value)
 }
 
 // Without a value, `at` is where the skipping to the next separator begins.
-static bool takeValue(const char *&at, ConfigPair &pair)
+bool takeValue(const char *&at, ConfigPair &pair)
 {
     if (*at != '"' && *at != '[') {
-        pair.kind = ValueKind::Word;
+        pair.kind = ValueKind::word;
         pair.value = take(at, isWordCharacter);
         return !pair.value.empty();
     }
     const bool quoted = *at == '"';
-    pair.kind = quoted ? ValueKind::Quoted : ValueKind::Bracketed;
+    pair.kind = quoted ? ValueKind::quoted : ValueKind::bracketed;
     const bool closed = quoted ? takeQuoted(at, pair.value) : takeBracketed(at, pair.value);
     return closed && !isWordCharacter(*at);
+}
+
+} // namespace
+
+bool isWordCharacter(char c)
+{
+    return c != '\0' && !isSeparator(c);
+}
+
+std::string_view take(const char *&at, bool (*belongs)(char))
+{
+    const char *begin = at;
+    while (belongs(*at))
+        ++at;
+    return {begin, at};
 }
 
 bool nextPair(const char *&at, ConfigPair &pair)

@@ -7,7 +7,7 @@
 namespace kett
 {
 
-enum class ValueKind { Word, Quoted, Bracketed };
+enum class ValueKind { word, quoted, bracketed };
 
 // Views into the scanned text.
 struct ConfigPair {
@@ -16,7 +16,7 @@ struct ConfigPair {
     std::string_view value; // a word; what stands between quotes; a bracketed text with its brackets
 };
 
-// Reads the next pair and moves `at` behind it; false when there is none left.
+// Reads the next pair and moves `at` to its end; false when there is none left.
 bool nextPair(const char *&at, ConfigPair &pair);
 
 // The pair that holds for `key`, the last of its name. A null key or text has none.

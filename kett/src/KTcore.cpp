@@ -2,7 +2,19 @@
 
 #include <atomic>
 
-static std::atomic<int32_t> uses{0};
+namespace kett
+{
+
+namespace
+{
+
+constinit std::atomic<int32_t> uses{0};
+
+} // namespace
+
+} // namespace kett
+
+using kett::uses;
 
 int32_t KTCORE_Initialize(void)
 {

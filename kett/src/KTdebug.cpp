@@ -1,36 +1,47 @@
 #include <kett/KTdebug.h>
 
-#include "KTdebug_internal.h"
 #include "KTformat.h"
 #include "KTlock.h"
+#include "platform/standard_error.h"
 
 #include <cstdarg>
+#include <cstdio>
 
-using kett::Data;
-using kett::Hold;
+namespace kett
+{
+
+namespace
+{
 
 // Both under the lock of Data::log, which is held during the sink's call as well: it serialises the calls,
 // and a sink that has been replaced is not running any more.
-static KTDEBUG_SINK currentSink = nullptr;
-static void *currentContext = nullptr;
+constinit KTDEBUG_SINK currentSink = nullptr;
+constinit void *currentContext = nullptr;
+
+void report(int32_t level, int32_t code, const char *format, va_list arguments)
+{
+    if (format == nullptr)
+        return;
+    // In the host's locale: the text is for its readers.
+    const FormattedText message(std::vsnprintf, format, arguments);
+    const Hold hold(Data::log);
+    if (currentSink != nullptr)
+        currentSink(currentContext, level, code, message.text);
+    else
+        writeToStandardError(message.text, message.length);
+}
+
+} // namespace
+
+} // namespace kett
+
+using namespace kett;
 
 void KTDEBUG_SetSink(KTDEBUG_SINK sink, void *context)
 {
     const Hold hold(Data::log);
     currentSink = sink;
     currentContext = context;
-}
-
-static void report(int32_t level, int32_t code, const char *format, va_list arguments)
-{
-    if (format == nullptr)
-        return;
-    const kett::FormattedText message(format, arguments);
-    const Hold hold(Data::log);
-    if (currentSink != nullptr)
-        currentSink(currentContext, level, code, message.text);
-    else
-        kett::writeToStandardError(message.text, message.length);
 }
 
 void KTDEBUG_Log(int32_t code, const char *format, ...)

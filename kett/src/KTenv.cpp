@@ -3,8 +3,10 @@
 #include "KTlock.h"
 #include "KTnamed.h"
 #include "KTunload.h"
+#include "platform/environment.h"
 
-#include <cstdlib>
+namespace kett
+{
 
 namespace
 {
@@ -18,16 +20,34 @@ struct Text {
 struct Variable {
     Variable *next;
     char *name;
-    kett::NamedList<Text> texts; // all that were ever published, each once
-    const Text *value;           // the one in force, or null
+    NamedList<Text> texts; // all that were ever published, each once
+    const Text *value;     // the one in force, or null
 };
+
+constinit NamedList<Variable> variables;
+
+const char *published(const char *name)
+{
+    const Hold hold(Data::environment);
+    const Variable *variable = variables.find(name);
+    return variable != nullptr && variable->value != nullptr ? variable->value->name : nullptr;
+}
 
 } // namespace
 
-using kett::Data;
-using kett::Hold;
+void discardEnvironment()
+{
+    const Hold hold(Data::environment);
+    while (variables.first != nullptr) {
+        while (variables.first->texts.first != nullptr)
+            variables.first->texts.remove(variables.first->texts.first);
+        variables.remove(variables.first);
+    }
+}
 
-static constinit kett::NamedList<Variable> variables;
+} // namespace kett
+
+using namespace kett;
 
 bool KTENV_SetEnvValue(const char *name, const char *value)
 {
@@ -49,27 +69,10 @@ bool KTENV_SetEnvValue(const char *name, const char *value)
     return true;
 }
 
-static const char *published(const char *name)
-{
-    const Hold hold(Data::environment);
-    const Variable *variable = variables.find(name);
-    return variable != nullptr && variable->value != nullptr ? variable->value->name : nullptr;
-}
-
 const char *KTENV_GetEnvValue(const char *name)
 {
     if (name == nullptr || *name == '\0')
         return nullptr;
     const char *value = published(name);
-    return value != nullptr ? value : std::getenv(name);
-}
-
-void kett::discardEnvironment()
-{
-    const Hold hold(Data::environment);
-    while (variables.first != nullptr) {
-        while (variables.first->texts.first != nullptr)
-            variables.first->texts.remove(variables.first->texts.first);
-        variables.remove(variables.first);
-    }
+    return value != nullptr ? value : findSystemVariable(name);
 }

@@ -7,11 +7,13 @@
 namespace kett
 {
 
-// Formats under the locale in force.
+// vsnprintf() or one that is called like it.
+using Formatter = int (*)(char *room, size_t size, const char *format, va_list arguments);
+
 class FormattedText
 {
 public:
-    FormattedText(const char *format, va_list arguments);
+    FormattedText(Formatter formatter, const char *format, va_list arguments);
     ~FormattedText();
 
     FormattedText(const FormattedText &) = delete;
@@ -19,8 +21,8 @@ public:
 
     const char *text;
     size_t length;
-    bool complete; // false: memory was out and the text is cut, or the format was refused and stands there
-                   // unformatted
+    bool isComplete; // false: memory was out and the text is cut, or the formatter refused and the text is
+                     // the format itself
 
 private:
     char room[1024];

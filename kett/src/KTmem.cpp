@@ -10,7 +10,7 @@
 #include <cstddef>
 #include <cstdlib>
 
-namespace
+namespace kett
 {
 
 // Stands in front of every block.
@@ -18,29 +18,49 @@ struct alignas(16) Block {
     Block *next;
 };
 
-constexpr uint64_t leastAlignment = 16;
-static_assert(alignof(std::max_align_t) >= leastAlignment, "calloc must align to 16 bytes");
-
-} // namespace
+} // namespace kett
 
 struct KT_MEM {
     char *name;
-    Block *blocks;
+    kett::Block *blocks;
     uint64_t blockCount;
     uint64_t byteCount; // as asked for
     bool isShown;       // in the list of shown descriptors
     KT_MEM *nextShown;
 };
 
-using kett::Data;
-using kett::Hold;
+namespace kett
+{
 
-static KT_MEM *shownDescriptors = nullptr;
+namespace
+{
+
+constexpr uint64_t leastAlignment = 16;
+static_assert(alignof(std::max_align_t) >= leastAlignment, "calloc must align to 16 bytes");
+
+constinit KT_MEM *shownDescriptors = nullptr;
+
+void release(KT_MEM *memory)
+{
+    while (memory->blocks != nullptr) {
+        Block *block = memory->blocks;
+        memory->blocks = block->next;
+        std::free(block);
+    }
+    std::free(memory->name);
+    std::free(memory);
+}
+
+} // namespace
+
+} // namespace kett
+
+using namespace kett;
 
 KT_MEM *KTMEM_CreateMemDescrEx(const char *name, uint32_t, uint32_t)
 {
     auto *memory = static_cast<KT_MEM *>(std::calloc(1, sizeof(KT_MEM)));
-    char *copy = kett::copied(name != nullptr ? name : "");
+    char *copy = copied(name != nullptr ? name : "");
     if (memory == nullptr || copy == nullptr) {
         std::free(memory);
         std::free(copy);
@@ -80,17 +100,6 @@ float *KTMEM_NewFloatVector(KT_MEM *memory, int32_t count)
         return nullptr;
     return static_cast<float *>(
         KTMEM_NewAligned(memory, leastAlignment, static_cast<uint64_t>(count) * sizeof(float)));
-}
-
-static void release(KT_MEM *memory)
-{
-    while (memory->blocks != nullptr) {
-        Block *block = memory->blocks;
-        memory->blocks = block->next;
-        std::free(block);
-    }
-    std::free(memory->name);
-    std::free(memory);
 }
 
 int32_t KTMEM_DisposeMemDescr(KT_MEM *memory)

@@ -12,6 +12,9 @@ namespace kett
 namespace
 {
 
+// Far more than any text has digits, and small enough that sums with their number cannot overflow.
+constexpr int64_t exponentLimit = int64_t{1} << 60;
+
 // The parts of a number, (negative ? -1 : 1) * whole.fraction * 10^exponent.
 struct Decimal {
     bool negative;
@@ -46,12 +49,7 @@ struct Decimal {
     }
 };
 
-} // namespace
-
-// Far more than any text has digits, and small enough that sums with their number cannot overflow.
-static constexpr int64_t exponentLimit = int64_t{1} << 60;
-
-static std::string_view takeDigits(std::string_view &text)
+std::string_view takeDigits(std::string_view &text)
 {
     size_t count = 0;
     while (count < text.size() && text[count] >= '0' && text[count] <= '9')
@@ -61,7 +59,7 @@ static std::string_view takeDigits(std::string_view &text)
     return digits;
 }
 
-static bool takeSign(std::string_view &text)
+bool takeSign(std::string_view &text)
 {
     const bool negative = text.starts_with('-');
     if (negative || text.starts_with('+'))
@@ -69,7 +67,7 @@ static bool takeSign(std::string_view &text)
     return negative;
 }
 
-static bool takeExponent(std::string_view &text, int64_t &exponent)
+bool takeExponent(std::string_view &text, int64_t &exponent)
 {
     text.remove_prefix(1);
     const bool negative = takeSign(text);
@@ -83,7 +81,7 @@ static bool takeExponent(std::string_view &text, int64_t &exponent)
     return !digits.empty();
 }
 
-static bool scan(std::string_view text, Decimal &decimal)
+bool scan(std::string_view text, Decimal &decimal)
 {
     decimal = {};
     decimal.negative = takeSign(text);
@@ -98,6 +96,35 @@ static bool scan(std::string_view text, Decimal &decimal)
         return false;
     return text.empty();
 }
+
+template <class Real> bool parseReal(std::string_view text, Real &value)
+{
+    Decimal decimal;
+    if (!scan(text, decimal))
+        return false;
+    if (text.starts_with('+'))
+        text.remove_prefix(1);
+    Real parsed = 0;
+    const auto result = std::from_chars(text.data(), text.data() + text.size(), parsed);
+    if (result.ec == std::errc::result_out_of_range) {
+        // Told alike for too large and too small, which the place of the first digit tells apart.
+        if (decimal.integerDigits() > 0)
+            return false;
+        parsed = decimal.negative ? -Real{0} : Real{0};
+    }
+    value = parsed;
+    return true;
+}
+
+struct BooleanWord {
+    std::string_view text;
+    bool value;
+};
+
+constexpr BooleanWord booleanWords[] = {{"true", true}, {"false", false}, {"yes", true},
+                                        {"no", false},  {"on", true},     {"off", false}};
+
+} // namespace
 
 bool parseInteger(std::string_view text, int64_t &value)
 {
@@ -122,25 +149,6 @@ bool parseInteger(std::string_view text, int64_t &value)
     return true;
 }
 
-template <class Real> static bool parseReal(std::string_view text, Real &value)
-{
-    Decimal decimal;
-    if (!scan(text, decimal))
-        return false;
-    if (text.starts_with('+'))
-        text.remove_prefix(1);
-    Real parsed = 0;
-    const auto result = std::from_chars(text.data(), text.data() + text.size(), parsed);
-    if (result.ec == std::errc::result_out_of_range) {
-        // Told alike for too large and too small, which the place of the first digit tells apart.
-        if (decimal.integerDigits() > 0)
-            return false;
-        parsed = decimal.negative ? -Real{0} : Real{0};
-    }
-    value = parsed;
-    return true;
-}
-
 bool parseDouble(std::string_view text, double &value)
 {
     return parseReal(text, value);
@@ -153,13 +161,7 @@ bool parseFloat(std::string_view text, float &value)
 
 bool parseBoolean(std::string_view text, bool &value)
 {
-    struct Word {
-        std::string_view text;
-        bool value;
-    };
-    static constexpr Word words[] = {{"true", true}, {"false", false}, {"yes", true},
-                                     {"no", false},  {"on", true},     {"off", false}};
-    for (const auto &word : words) {
+    for (const BooleanWord &word : booleanWords) {
         if (equalInsensitive(text, word.text)) {
             value = word.value;
             return true;

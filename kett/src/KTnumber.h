@@ -1,5 +1,5 @@
 // Numbers as text: decimal, with the point as decimal sign in every locale, an optional sign, an optional
-// fraction and an optional exponent; nothing before or behind. No hexadecimal, infinity or not-a-number.
+// fraction and an optional exponent; nothing else around it. No hexadecimal, infinity or not-a-number.
 //
 // Each function gives false, and leaves `value` alone, where the text is no such number or its value is out
 // of range. Time grows with the length of the text, not with the value.

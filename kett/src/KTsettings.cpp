@@ -1,14 +1,17 @@
 #include <kett/KTsettings.h>
 
 #include "KTformat.h"
-#include "KTlocale.h"
 #include "KTlock.h"
 #include "KTnamed.h"
 #include "KTnumber.h"
 #include "KTunload.h"
+#include "platform/locale.h"
 
 #include <cstdarg>
 #include <cstdlib>
+
+namespace kett
+{
 
 namespace
 {
@@ -25,28 +28,23 @@ struct KeyAndValue {
     explicit KeyAndValue(std::string_view text)
     {
         const size_t equals = text.find('=');
-        key = kett::trimmed(text.substr(0, equals));
+        key = trimmed(text.substr(0, equals));
         if (equals == text.npos)
             return;
-        value = kett::trimmed(text.substr(equals + 1));
+        value = trimmed(text.substr(equals + 1));
         if (value.size() >= 2 && value.front() == '[' && value.back() == ']')
-            value = kett::trimmed(value.substr(1, value.size() - 2));
+            value = trimmed(value.substr(1, value.size() - 2));
     }
 
     std::string_view key;
     std::string_view value;
 };
 
-} // namespace
-
-using kett::Data;
-using kett::Hold;
-
-static constinit kett::NamedList<Setting> settingList;
+constinit NamedList<Setting> settingList;
 
 // The first in order that parses: the stored value, the default that was set, the default in the text.
 template <class Value>
-static Value get(const char *keyWithDefault, bool (*parse)(std::string_view, Value &), Value otherwise)
+Value get(const char *keyWithDefault, bool (*parse)(std::string_view, Value &), Value otherwise)
 {
     if (keyWithDefault == nullptr)
         return otherwise;
@@ -65,29 +63,18 @@ static Value get(const char *keyWithDefault, bool (*parse)(std::string_view, Val
     return value;
 }
 
-bool KTSETTINGS_GetBoolEx(KT_SETTINGS *, const char *keyWithDefault)
-{
-    return get(keyWithDefault, kett::parseBoolean, false);
-}
-
-int64_t KTSETTINGS_GetIntEx(KT_SETTINGS *, const char *keyWithDefault)
-{
-    return get(keyWithDefault, kett::parseInteger, int64_t{0});
-}
-
 // Formats "key=value" and puts a copy of the value into `place` of the key's record.
-static bool set(char *Setting::*place, const char *format, va_list arguments)
+bool set(char *Setting::*place, const char *format, va_list arguments)
 {
     if (format == nullptr)
         return false;
-    const kett::LocaleC locale;
-    const kett::FormattedText formatted(format, arguments);
-    if (!locale.isInForce() || !formatted.complete)
+    const FormattedText formatted(formatInCLocale, format, arguments);
+    if (!formatted.isComplete)
         return false;
     const KeyAndValue given(formatted.text);
     if (given.key.empty() || given.value.empty())
         return false;
-    char *value = kett::copied(given.value);
+    char *value = copied(given.value);
     if (value == nullptr)
         return false;
     const Hold hold(Data::settings);
@@ -99,6 +86,32 @@ static bool set(char *Setting::*place, const char *format, va_list arguments)
     std::free(setting->*place);
     setting->*place = value;
     return true;
+}
+
+} // namespace
+
+void discardSettings()
+{
+    const Hold hold(Data::settings);
+    while (settingList.first != nullptr) {
+        std::free(settingList.first->value);
+        std::free(settingList.first->defaultValue);
+        settingList.remove(settingList.first);
+    }
+}
+
+} // namespace kett
+
+using namespace kett;
+
+bool KTSETTINGS_GetBoolEx(KT_SETTINGS *, const char *keyWithDefault)
+{
+    return get(keyWithDefault, parseBoolean, false);
+}
+
+int64_t KTSETTINGS_GetIntEx(KT_SETTINGS *, const char *keyWithDefault)
+{
+    return get(keyWithDefault, parseInteger, int64_t{0});
 }
 
 bool KTSETTINGS_SetDefaultEx(KT_SETTINGS *, const char *format, ...)
@@ -124,7 +137,7 @@ bool KTSETTINGS_UnsetEx(KT_SETTINGS *, const char *key)
     if (key == nullptr)
         return false;
     const Hold hold(Data::settings);
-    Setting *setting = settingList.find(kett::trimmed(key));
+    Setting *setting = settingList.find(trimmed(key));
     if (setting == nullptr || setting->value == nullptr)
         return false;
     std::free(setting->value);
@@ -132,14 +145,4 @@ bool KTSETTINGS_UnsetEx(KT_SETTINGS *, const char *key)
     if (setting->defaultValue == nullptr)
         settingList.remove(setting);
     return true;
-}
-
-void kett::discardSettings()
-{
-    const Hold hold(Data::settings);
-    while (settingList.first != nullptr) {
-        std::free(settingList.first->value);
-        std::free(settingList.first->defaultValue);
-        settingList.remove(settingList.first);
-    }
 }

@@ -9,6 +9,27 @@
 #include <cstring>
 #include <utility>
 
+namespace kett
+{
+
+namespace
+{
+
+bool findMatrix(const char *config, const char *key, ConfigPair &pair, int32_t &rows, int32_t &columns)
+{
+    return findPair(config, key, pair) && measureMatrix(pair, rows, columns);
+}
+
+bool findVector(const char *config, const char *key, ConfigPair &pair, int32_t &size)
+{
+    int32_t rows = 0;
+    return findMatrix(config, key, pair, rows, size) && rows == 1;
+}
+
+} // namespace
+
+} // namespace kett
+
 using namespace kett;
 
 int32_t KTSTRING_GetStringValueFromString(const char *config, const char *key, const char *defaultValue,
@@ -26,7 +47,7 @@ int32_t KTSTRING_GetStringValueFromString(const char *config, const char *key, c
     } else {
         return 0;
     }
-    memmove(output, text.data(), text.size()); // the default may stand in the output already
+    std::memmove(output, text.data(), text.size()); // the default may stand in the output already
     output[text.size()] = '\0';
     return 1;
 }
@@ -52,17 +73,6 @@ bool KTSTRING_GetBooleanValueFromString(const char *config, const char *key, boo
     ConfigPair pair;
     bool value = false;
     return findPair(config, key, pair) && parseBoolean(pair.value, value) ? value : defaultValue;
-}
-
-static bool findMatrix(const char *config, const char *key, ConfigPair &pair, int32_t &rows, int32_t &columns)
-{
-    return findPair(config, key, pair) && measureMatrix(pair, rows, columns);
-}
-
-static bool findVector(const char *config, const char *key, ConfigPair &pair, int32_t &size)
-{
-    int32_t rows = 0;
-    return findMatrix(config, key, pair, rows, size) && rows == 1;
 }
 
 int32_t KTSTRING_GetVectorSizeFromString(const char *config, const char *key, int32_t *size)

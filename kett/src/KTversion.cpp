@@ -4,6 +4,9 @@
 #include "KTnamed.h"
 #include "KTunload.h"
 
+namespace kett
+{
+
 namespace
 {
 
@@ -13,12 +16,26 @@ struct Version {
     int32_t major, minor, release, build;
 };
 
+constinit NamedList<Version> versions;
+
+void store(int32_t *target, int32_t number)
+{
+    if (target != nullptr)
+        *target = number;
+}
+
 } // namespace
 
-using kett::Data;
-using kett::Hold;
+void discardVersions()
+{
+    const Hold hold(Data::versions);
+    while (versions.first != nullptr)
+        versions.remove(versions.first);
+}
 
-static constinit kett::NamedList<Version> versions;
+} // namespace kett
+
+using namespace kett;
 
 bool KTVERSION_Register(const char *name, int32_t major, int32_t minor, int32_t release, int32_t build)
 {
@@ -35,12 +52,6 @@ bool KTVERSION_Register(const char *name, int32_t major, int32_t minor, int32_t 
     return true;
 }
 
-static void store(int32_t *target, int32_t number)
-{
-    if (target != nullptr)
-        *target = number;
-}
-
 bool KTVERSION_Find(const char *name, int32_t *major, int32_t *minor, int32_t *release, int32_t *build)
 {
     if (name == nullptr)
@@ -54,11 +65,4 @@ bool KTVERSION_Find(const char *name, int32_t *major, int32_t *minor, int32_t *r
     store(release, version->release);
     store(build, version->build);
     return true;
-}
-
-void kett::discardVersions()
-{
-    const Hold hold(Data::versions);
-    while (versions.first != nullptr)
-        versions.remove(versions.first);
 }

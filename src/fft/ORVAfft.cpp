@@ -1,5 +1,7 @@
 // The engine around FFTW's planner: start and stop, the start of a preparation, and the creation of a plan.
 #include "fft/ORVAfft_internal.h"
+#include "platform/pinning.h"
+#include "platform/process.h"
 
 #include <cstdlib>
 
@@ -15,8 +17,8 @@ bool ORVA_InitializeFFT(void)
     if (__FFTW_Initialized)
         return true;
     // Here and not on the preparing thread, which an unload may wait for with the loader's lock held.
-    pinFFTW();
-    startedIn = currentProcess();
+    orva::pinFFTW();
+    startedIn = orva::currentProcess();
     __FFTW_PlanLock = MutexInit();
     __FFTW_InitThread = nullptr;
     __FFTW_LoadWisdom();
@@ -28,7 +30,7 @@ bool ORVA_InitializeFFT(void)
 // the lock may stay held for ever, and FFTW's planner may stand in the middle of a change.
 static bool wasPreparationCaught()
 {
-    if (currentProcess() == startedIn || __FFTW_InitThread == nullptr)
+    if (orva::currentProcess() == startedIn || __FFTW_InitThread == nullptr)
         return false;
     __FFTW_StopOptimization.store(true, std::memory_order_relaxed); // it may also be one of the child itself
     return KTTHREAD_JoinThreadEx(__FFTW_InitThread, 0) == 0;

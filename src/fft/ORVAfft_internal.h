@@ -31,9 +31,3 @@ ORVA_FFT *__FFTW_CreatePlan(int32_t length, bool inverse);
 bool __FFTW_LoadWisdom();
 bool __FFTW_SaveWisdom();
 int32_t __InitializeFFTWPlans(void *unused);
-
-int64_t currentProcess();
-
-// Keeps FFTW loaded to the end of the process. Its planner, and what the planner has allocated, then outlives
-// our unloading and serves the next load, instead of being left behind at every round.
-void pinFFTW();

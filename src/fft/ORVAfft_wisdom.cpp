@@ -1,6 +1,7 @@
 // The store that keeps FFTW's wisdom between runs.
 #include "fft/ORVAfft_internal.h"
 #include "fft/ORVAfft_wisdom_grammar.h"
+#include "platform/path.h"
 
 #include <cstdio>
 #include <cstdlib>
@@ -27,7 +28,7 @@ bool findStore(StorePath &path)
     const char *folder = KTENV_GetEnvValue("KT_DATA_PATH");
     if (folder == nullptr || !KTSETTINGS_GetBoolEx(nullptr, "orva.fftw.use_wisdom=[1]"))
         return false;
-    std::snprintf(path.text, sizeof path.text, "%s%c%s", folder, '/', "ruko.optimization");
+    std::snprintf(path.text, sizeof path.text, "%s%c%s", folder, orva::pathSeparator, "ruko.optimization");
     return true;
 }
 

@@ -1,10 +1,9 @@
 #include "filter/ORVAfilter_format.h"
 
-#include <cstddef>
-#include <cstdio>
-#include <cstdlib>
+#include "platform/locale.h"
 
-#include "KTlocale.h"
+#include <cstddef>
+#include <cstdlib>
 
 namespace
 {
@@ -13,7 +12,7 @@ int formatInto(char *room, size_t size, const char *format, va_list arguments)
 {
     va_list copy;
     va_copy(copy, arguments);
-    const int length = std::vsnprintf(room, size, format, copy);
+    const int length = orva::formatInCLocale(room, size, format, copy);
     va_end(copy);
     return length;
 }
@@ -23,9 +22,8 @@ int formatInto(char *room, size_t size, const char *format, va_list arguments)
 char *newFormattedText(const char *format, va_list arguments)
 {
     constexpr size_t usualSize = 1024;
-    const kett::LocaleC locale;
     auto *text = static_cast<char *>(std::malloc(usualSize));
-    int length = locale.isInForce() && text != nullptr ? formatInto(text, usualSize, format, arguments) : -1;
+    int length = text != nullptr ? formatInto(text, usualSize, format, arguments) : -1;
     if (length >= 0 && static_cast<size_t>(length) >= usualSize) {
         const auto size = static_cast<size_t>(length) + 1;
         auto *longer = static_cast<char *>(std::realloc(text, size));

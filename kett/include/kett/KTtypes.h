@@ -8,11 +8,18 @@
 #include <stdbool.h>
 #include <stdint.h>
 
+/** Makes a name visible outside the library, in the way of the compiler; what else it takes is told to the linker. */
+#ifdef __GNUC__
+#define KT_VISIBLE __attribute__((visibility("default")))
+#else
+#define KT_VISIBLE
+#endif
+
 /** Marks what the library exports: C linkage, visible from outside. */
 #ifdef __cplusplus
-#define KT_API extern "C" __attribute__((visibility("default")))
+#define KT_API extern "C" KT_VISIBLE
 #else
-#define KT_API __attribute__((visibility("default")))
+#define KT_API KT_VISIBLE
 #endif
 
 #endif

@@ -1,12 +1,13 @@
-#include <kett/KTutils.h>
+#include "platform/clock.h"
 
 #include <cerrno>
 #include <time.h>
 
-void KTUTILS_sleep_msec(int32_t milliseconds)
+namespace kett
 {
-    if (milliseconds <= 0)
-        return;
+
+void sleepFor(int32_t milliseconds)
+{
     // Until a moment, not for a time, so that a signal neither shortens nor stretches the sleep.
     timespec end;
     clock_gettime(CLOCK_MONOTONIC, &end);
@@ -19,3 +20,5 @@ void KTUTILS_sleep_msec(int32_t milliseconds)
     while (clock_nanosleep(CLOCK_MONOTONIC, TIMER_ABSTIME, &end, nullptr) == EINTR) {
     }
 }
+
+} // namespace kett

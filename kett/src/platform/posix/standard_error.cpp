@@ -1,6 +1,7 @@
-#include "KTdebug_internal.h"
+#include "platform/standard_error.h"
 
 #include <cerrno>
+
 #include <unistd.h>
 
 namespace kett

@@ -1,6 +1,9 @@
-#include "fft/ORVAfft_internal.h"
+#include "platform/pinning.h"
 
 #include <dlfcn.h>
+
+namespace orva
+{
 
 void pinFFTW()
 {
@@ -9,3 +12,5 @@ void pinFFTW()
     if (fftw != nullptr)
         dlclose(fftw); // it stays loaded all the same
 }
+
+} // namespace orva

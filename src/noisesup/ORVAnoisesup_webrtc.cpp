@@ -1,7 +1,8 @@
 #include "noisesup/ORVAnoisesup_webrtc.h"
 
+#include "platform/heap.h"
+
 #include <cstring>
-#include <malloc.h>
 
 // Used without its analysis step, the suppressor reads parts of its instance that its initialisation leaves as the heap
 // gave them. Cleared, they are the same in every run. The instance is one block of malloc, which knows its size.
@@ -10,7 +11,7 @@ int createNs(NsHandle **ns)
     *ns = WebRtcNs_Create();
     if (*ns == nullptr)
         return -1;
-    std::memset(static_cast<void *>(*ns), 0, malloc_usable_size(*ns));
+    std::memset(static_cast<void *>(*ns), 0, orva::usableSize(*ns));
     return 0;
 }
 

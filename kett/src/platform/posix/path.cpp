@@ -1,24 +1,32 @@
-#include "KTpath_posix.h"
-
+// Paths: where a file that is written must end up, and whether it may.
 #include "KTtext.h"
+#include "platform/file.h"
 
 #include <cerrno>
 #include <climits>
 #include <cstdlib>
-#include <fcntl.h>
 #include <string_view>
+
+#include <fcntl.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 namespace kett
 {
 
+namespace
+{
+
+// Links from link to link, as the system counts them.
+constexpr int mostLinks = 40;
+
 // "a/b/c" has the folder "a/b/", "c" has none.
-static std::string_view folderOf(std::string_view path)
+std::string_view folderOf(std::string_view path)
 {
     return path.substr(0, path.rfind('/') + 1);
 }
 
-static char *joined(std::string_view folder, std::string_view separator, std::string_view name)
+char *joined(std::string_view folder, std::string_view separator, std::string_view name)
 {
     auto *path = static_cast<char *>(std::malloc(folder.size() + separator.size() + name.size() + 1));
     if (path == nullptr)
@@ -32,7 +40,7 @@ static char *joined(std::string_view folder, std::string_view separator, std::st
 }
 
 // The path of a file that is not there, in a folder that is.
-static char *resolvedNewFile(std::string_view path)
+char *resolvedNewFile(std::string_view path)
 {
     const auto name = path.substr(folderOf(path).size());
     if (name.empty())
@@ -49,7 +57,7 @@ static char *resolvedNewFile(std::string_view path)
 }
 
 // What the symbolic link `path` names, seen from where `path` is seen from; null if it is no link.
-static char *linkedPath(const char *path)
+char *linkedPath(const char *path)
 {
     char content[PATH_MAX];
     const ssize_t length = readlink(path, content, sizeof content);
@@ -59,10 +67,23 @@ static char *linkedPath(const char *path)
     return joined(linked.starts_with('/') ? std::string_view() : folderOf(path), "", linked);
 }
 
-// Links from link to link, as the system counts them.
-static constexpr int mostLinks = 40;
+bool mayReplace(const char *target, const struct stat &old)
+{
+    if (faccessat(AT_FDCWD, target, W_OK, AT_EACCESS) != 0)
+        return false;
+    // In a folder with the sticky bit, only the owner of a file may put another in its place.
+    char *folder = copied(folderOf(target));
+    struct stat status;
+    const bool isKnown = folder != nullptr && stat(folder, &status) == 0;
+    std::free(folder);
+    const uid_t user = geteuid();
+    return isKnown &&
+           ((status.st_mode & S_ISVTX) == 0 || user == 0 || user == old.st_uid || user == status.st_uid);
+}
 
-char *resolvedTarget(const char *path)
+} // namespace
+
+char *newTargetPath(const char *path)
 {
     char *current = copied(path);
     char *target = current != nullptr ? realpath(current, nullptr) : nullptr;
@@ -80,18 +101,15 @@ char *resolvedTarget(const char *path)
     return target;
 }
 
-bool mayReplace(const char *target, const struct stat &old)
+Target lookAtTarget(const char *path, FileRights &rights)
 {
-    if (faccessat(AT_FDCWD, target, W_OK, AT_EACCESS) != 0)
-        return false;
-    // In a folder with the sticky bit, only the owner of a file may put another in its place.
-    char *folder = copied(folderOf(target));
-    struct stat status;
-    const bool known = folder != nullptr && stat(folder, &status) == 0;
-    std::free(folder);
-    const uid_t user = geteuid();
-    return known &&
-           ((status.st_mode & S_ISVTX) == 0 || user == 0 || user == old.st_uid || user == status.st_uid);
+    struct stat old;
+    if (lstat(path, &old) != 0)
+        return errno == ENOENT ? Target::absent : Target::refused;
+    if (!S_ISREG(old.st_mode) || !mayReplace(path, old))
+        return Target::refused;
+    rights = {old.st_mode & 0777, old.st_uid, old.st_gid};
+    return Target::replaceable;
 }
 
 } // namespace kett

@@ -1,8 +1,13 @@
-#include "fft/ORVAfft_internal.h"
+#include "platform/process.h"
 
 #include <unistd.h>
+
+namespace kett
+{
 
 int64_t currentProcess()
 {
     return getpid();
 }
+
+} // namespace kett

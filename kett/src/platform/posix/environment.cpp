@@ -1,0 +1,13 @@
+#include "platform/environment.h"
+
+#include <cstdlib>
+
+namespace kett
+{
+
+const char *findSystemVariable(const char *name)
+{
+    return std::getenv(name);
+}
+
+} // namespace kett
