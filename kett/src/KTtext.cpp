@@ -1,7 +1,7 @@
 // Operations on plain text. Letters are those of ASCII, whatever the locale.
-#include <kett/KTstring.h>
-
 #include "KTtext.h"
+
+#include <kett/KTstring.h>
 
 using kett::toLower;
 

@@ -1,11 +1,12 @@
+#include "support/log.h"
+
 #include <kett/KTcore.h>
 #include <kett/KTenv.h>
 #include <kett/KTsettings.h>
 #include <kett/KTversion.h>
 
-#include "support/log.h"
-
 #include <gtest/gtest.h>
+
 #include <thread>
 #include <vector>
 

@@ -1,18 +1,20 @@
+#include "support/log.h"
+
 #include <kett/KTdebug.h>
 
-#include "support/log.h"
+#include <gtest/gtest.h>
 
 #include <algorithm>
 #include <atomic>
 #include <csignal>
 #include <cstdio>
-#include <gtest/gtest.h>
+#include <thread>
+#include <vector>
+
 #include <pthread.h>
 #include <sys/resource.h>
 #include <sys/socket.h>
-#include <thread>
 #include <unistd.h>
-#include <vector>
 
 namespace
 {

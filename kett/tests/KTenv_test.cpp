@@ -1,8 +1,9 @@
 #include <kett/KTenv.h>
 
+#include <gtest/gtest.h>
+
 #include <atomic>
 #include <cstdlib>
-#include <gtest/gtest.h>
 #include <string>
 #include <thread>
 #include <vector>

@@ -1,16 +1,18 @@
 // Each allocation and each file call fails once: the operation then gives its failure result, and all is as
 // it was.
-#include <kett/kett.h>
-
 #include "support/folder.h"
 #include "support/interposer.h"
 
+#include <kett/kett.h>
+
+#include <gtest/gtest.h>
+
 #include <cerrno>
 #include <functional>
-#include <gtest/gtest.h>
 #include <string>
-#include <sys/resource.h>
 #include <vector>
+
+#include <sys/resource.h>
 
 namespace
 {

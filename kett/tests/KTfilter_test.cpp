@@ -1,10 +1,11 @@
-#include <kett/KTfilter.h>
-
 #include "support/bits.h"
 #include "support/random.h"
 
-#include <cmath>
+#include <kett/KTfilter.h>
+
 #include <gtest/gtest.h>
+
+#include <cmath>
 #include <limits>
 #include <vector>
 

@@ -1,19 +1,21 @@
 // What becomes of the target when writing it goes wrong, is not allowed, or is done by several at once.
-#include <kett/KTio.h>
-
 #include "KTio_users.h"
 #include "support/folder.h"
 
+#include <kett/KTio.h>
+
+#include <gtest/gtest.h>
+
 #include <atomic>
 #include <csignal>
-#include <gtest/gtest.h>
 #include <string>
+#include <thread>
+#include <vector>
+
 #include <sys/resource.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
-#include <thread>
 #include <unistd.h>
-#include <vector>
 
 namespace
 {

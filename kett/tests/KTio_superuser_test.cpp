@@ -2,8 +2,9 @@
 #include "KTio_users.h"
 #include "support/folder.h"
 
-#include <sys/stat.h>
 #include <vector>
+
+#include <sys/stat.h>
 
 using support::Folder;
 using support::writeFile;

@@ -1,13 +1,15 @@
-#include <kett/KTio.h>
-
 #include "support/folder.h"
 
-#include <fcntl.h>
+#include <kett/KTio.h>
+
 #include <gtest/gtest.h>
+
 #include <string>
+#include <vector>
+
+#include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
-#include <vector>
 
 namespace
 {

@@ -1,9 +1,12 @@
 // Files and folders of an ordinary user, whoever runs the test.
 #pragma once
 
-#include <gtest/gtest.h>
 #include <kett/KTio.h>
+
+#include <gtest/gtest.h>
+
 #include <string>
+
 #include <unistd.h>
 
 constexpr uid_t nobody = 65534;

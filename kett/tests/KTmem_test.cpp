@@ -1,12 +1,13 @@
+#include "support/log.h"
+
 #include <kett/KTmem.h>
 #include <kett/KTsettings.h>
 
-#include "support/log.h"
+#include <gtest/gtest.h>
 
 #include <algorithm>
 #include <cstdint>
 #include <cstring>
-#include <gtest/gtest.h>
 #include <thread>
 #include <vector>
 

@@ -1,8 +1,9 @@
 #include <kett/KTmutex.h>
 
+#include <gtest/gtest.h>
+
 #include <atomic>
 #include <chrono>
-#include <gtest/gtest.h>
 #include <thread>
 #include <vector>
 

@@ -1,13 +1,13 @@
 #include "../src/KTnumber.h"
-
 #include "support/bits.h"
 #include "support/comma_locale.h"
 #include "support/random.h"
 
+#include <gtest/gtest.h>
+
 #include <charconv>
 #include <chrono>
 #include <cstdlib>
-#include <gtest/gtest.h>
 #include <limits>
 #include <optional>
 #include <string>

@@ -1,9 +1,10 @@
-#include <kett/KTsettings.h>
-
 #include "support/comma_locale.h"
 
-#include <atomic>
+#include <kett/KTsettings.h>
+
 #include <gtest/gtest.h>
+
+#include <atomic>
 #include <string>
 #include <thread>
 #include <vector>

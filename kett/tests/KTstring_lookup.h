@@ -3,8 +3,9 @@
 
 #include <kett/KTstring.h>
 
-#include <cstring>
 #include <gtest/gtest.h>
+
+#include <cstring>
 #include <limits>
 #include <optional>
 #include <ostream>

@@ -1,8 +1,9 @@
 // KTSTRING_Strlwr and KTSTRING_CompareInsensitiveN.
 #include <kett/KTstring.h>
 
-#include <cstring>
 #include <gtest/gtest.h>
+
+#include <cstring>
 #include <string>
 
 namespace

@@ -5,8 +5,9 @@
 #include <kett/KTthread.h>
 #include <kett/KTutils.h>
 
-#include <atomic>
 #include <gtest/gtest.h>
+
+#include <atomic>
 #include <thread>
 
 namespace

@@ -2,12 +2,14 @@
 #include <kett/KTthread.h>
 #include <kett/KTutils.h>
 
+#include <gtest/gtest.h>
+
 #include <atomic>
 #include <csignal>
-#include <gtest/gtest.h>
-#include <pthread.h>
 #include <thread>
 #include <vector>
+
+#include <pthread.h>
 
 namespace
 {

@@ -11,12 +11,13 @@
 #define _GNU_SOURCE
 #include <kett/kett.h>
 
-#include <dirent.h>
-#include <dlfcn.h>
-#include <malloc.h>
 #include <stdio.h>
 #include <stdlib.h>
 #include <string.h>
+
+#include <dirent.h>
+#include <dlfcn.h>
+#include <malloc.h>
 #include <unistd.h>
 
 static void *library;

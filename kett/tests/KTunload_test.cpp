@@ -2,6 +2,7 @@
 #include "support/program.h"
 
 #include <gtest/gtest.h>
+
 #include <string>
 
 static void runHost(const std::string &what)

@@ -1,19 +1,21 @@
-#include <kett/KTutils.h>
-
 #include "support/bits.h"
 #include "support/random.h"
+
+#include <kett/KTutils.h>
+
+#include <gtest/gtest.h>
 
 #include <atomic>
 #include <cfenv>
 #include <chrono>
 #include <cmath>
 #include <csignal>
-#include <gtest/gtest.h>
 #include <limits>
 #include <numeric>
-#include <pthread.h>
 #include <thread>
 #include <vector>
+
+#include <pthread.h>
 
 namespace
 {

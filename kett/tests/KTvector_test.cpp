@@ -1,10 +1,11 @@
-#include <kett/KTvector.h>
-
 #include "support/bits.h"
 #include "support/random.h"
 
-#include <cmath>
+#include <kett/KTvector.h>
+
 #include <gtest/gtest.h>
+
+#include <cmath>
 #include <limits>
 #include <vector>
 

@@ -1,7 +1,8 @@
 #include <kett/KTversion.h>
 
-#include <array>
 #include <gtest/gtest.h>
+
+#include <array>
 #include <optional>
 #include <string>
 #include <thread>

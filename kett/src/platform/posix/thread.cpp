@@ -1,6 +1,7 @@
 #include "platform/thread.h"
 
 #include <signal.h>
+
 #include <unistd.h>
 
 namespace kett
