@@ -43,3 +43,11 @@ foreach(library orva kett)
 endforeach()
 
 install(DIRECTORY build/docs/html TYPE DOC COMPONENT documentation OPTIONAL)
+
+if(PROJECT_IS_TOP_LEVEL)
+    add_custom_target(uninstall
+        COMMAND ${CMAKE_COMMAND} -D MANIFEST=${PROJECT_BINARY_DIR}/install_manifest.txt
+            -P ${CMAKE_CURRENT_LIST_DIR}/uninstall.cmake
+        COMMENT "Taking away what the last cmake --install has put in place"
+        VERBATIM)
+endif()

@@ -138,6 +138,18 @@ TEST(StaticInstall, ShowsTheNamesOfTheListsAndNoOther)
     }
 }
 
+TEST(FindPackage, DoesNotTakeSharedLibrariesForStaticOnes)
+{
+    const Prefix prefix(SHARED_BUILD);
+    const Project project("find_package");
+    const support::Outcome outcome =
+        support::run({"cmake", "-S", ".", "-B", "build", "-Dorva_USE_STATIC_LIBS=ON",
+                      "-DCMAKE_PREFIX_PATH=" + prefix.path()},
+                     project.folder);
+    EXPECT_EQ(outcome.status, 1);
+    EXPECT_NE(outcome.err.find("only shared libraries are installed"), std::string::npos) << outcome.err;
+}
+
 TEST(BothInstalled, SharedLibrariesAreTakenUnlessStaticOnesAreAskedFor)
 {
     const Project project("find_package");
