@@ -14,6 +14,7 @@ using Floats [[gnu::vector_size(ORVA_VECTOR_BYTES)]] = float;
 using Doubles [[gnu::vector_size(ORVA_VECTOR_BYTES)]] = double;
 using Ints [[gnu::vector_size(ORVA_VECTOR_BYTES)]] = int32_t;
 using Bits [[gnu::vector_size(ORVA_VECTOR_BYTES)]] = uint32_t;
+using PairBits [[gnu::vector_size(ORVA_VECTOR_BYTES)]] = uint64_t;    // a pair of floats in each lane
 using HalfFloats [[gnu::vector_size(ORVA_VECTOR_BYTES / 2)]] = float; // as many as Doubles has lanes
 using Float4 [[gnu::vector_size(16)]] = float;
 
@@ -54,8 +55,9 @@ template <class Vector, class Element> [[gnu::always_inline]] inline Vector allL
     return x - Vector{}; // not a sum: that would make -0 to 0
 }
 
-// Of the numbers x0 y0 x1 y1 ... in two vectors, those at even places, or those at odd ones; and, in one vector, each even
-// one in the place of its neighbour too, each odd one, and neighbours exchanged.
+// Of the numbers x0 y0 x1 y1 ... in two vectors, those at even places, or those at odd ones; and back, the lower and the
+// upper half of the numbers. In one vector, each even one in the place of its neighbour too, each odd one, and neighbours
+// exchanged. Of the pairs in two vectors, as many as one holds from the second on. The halves of a vector, and back.
 #if ORVA_VECTOR_BYTES == 16
 [[gnu::always_inline]] inline Floats evens(Floats low, Floats high)
 {
@@ -80,6 +82,36 @@ template <class Vector, class Element> [[gnu::always_inline]] inline Vector allL
 [[gnu::always_inline]] inline Floats exchanged(Floats x)
 {
     return __builtin_shufflevector(x, x, 1, 0, 3, 2);
+}
+
+[[gnu::always_inline]] inline Floats interleavedLow(Floats even, Floats odd)
+{
+    return __builtin_shufflevector(even, odd, 0, 4, 1, 5);
+}
+
+[[gnu::always_inline]] inline Floats interleavedHigh(Floats even, Floats odd)
+{
+    return __builtin_shufflevector(even, odd, 2, 6, 3, 7);
+}
+
+[[gnu::always_inline]] inline Floats afterFirstPair(Floats low, Floats high)
+{
+    return __builtin_shufflevector(low, high, 2, 3, 4, 5);
+}
+
+[[gnu::always_inline]] inline HalfFloats lowerHalf(Floats x)
+{
+    return __builtin_shufflevector(x, x, 0, 1);
+}
+
+[[gnu::always_inline]] inline HalfFloats upperHalf(Floats x)
+{
+    return __builtin_shufflevector(x, x, 2, 3);
+}
+
+[[gnu::always_inline]] inline Floats joined(HalfFloats lower, HalfFloats upper)
+{
+    return __builtin_shufflevector(lower, upper, 0, 1, 2, 3);
 }
 #elif ORVA_VECTOR_BYTES == 32
 [[gnu::always_inline]] inline Floats evens(Floats low, Floats high)
@@ -106,6 +138,36 @@ template <class Vector, class Element> [[gnu::always_inline]] inline Vector allL
 {
     return __builtin_shufflevector(x, x, 1, 0, 3, 2, 5, 4, 7, 6);
 }
+
+[[gnu::always_inline]] inline Floats interleavedLow(Floats even, Floats odd)
+{
+    return __builtin_shufflevector(even, odd, 0, 8, 1, 9, 2, 10, 3, 11);
+}
+
+[[gnu::always_inline]] inline Floats interleavedHigh(Floats even, Floats odd)
+{
+    return __builtin_shufflevector(even, odd, 4, 12, 5, 13, 6, 14, 7, 15);
+}
+
+[[gnu::always_inline]] inline Floats afterFirstPair(Floats low, Floats high)
+{
+    return __builtin_shufflevector(low, high, 2, 3, 4, 5, 6, 7, 8, 9);
+}
+
+[[gnu::always_inline]] inline HalfFloats lowerHalf(Floats x)
+{
+    return __builtin_shufflevector(x, x, 0, 1, 2, 3);
+}
+
+[[gnu::always_inline]] inline HalfFloats upperHalf(Floats x)
+{
+    return __builtin_shufflevector(x, x, 4, 5, 6, 7);
+}
+
+[[gnu::always_inline]] inline Floats joined(HalfFloats lower, HalfFloats upper)
+{
+    return __builtin_shufflevector(lower, upper, 0, 1, 2, 3, 4, 5, 6, 7);
+}
 #else
 [[gnu::always_inline]] inline Floats evens(Floats low, Floats high)
 {
@@ -131,7 +193,60 @@ template <class Vector, class Element> [[gnu::always_inline]] inline Vector allL
 {
     return __builtin_shufflevector(x, x, 1, 0, 3, 2, 5, 4, 7, 6, 9, 8, 11, 10, 13, 12, 15, 14);
 }
+
+[[gnu::always_inline]] inline Floats interleavedLow(Floats even, Floats odd)
+{
+    return __builtin_shufflevector(even, odd, 0, 16, 1, 17, 2, 18, 3, 19, 4, 20, 5, 21, 6, 22, 7, 23);
+}
+
+[[gnu::always_inline]] inline Floats interleavedHigh(Floats even, Floats odd)
+{
+    return __builtin_shufflevector(even, odd, 8, 24, 9, 25, 10, 26, 11, 27, 12, 28, 13, 29, 14, 30, 15, 31);
+}
+
+[[gnu::always_inline]] inline Floats afterFirstPair(Floats low, Floats high)
+{
+    return __builtin_shufflevector(low, high, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12, 13, 14, 15, 16, 17);
+}
+
+[[gnu::always_inline]] inline HalfFloats lowerHalf(Floats x)
+{
+    return __builtin_shufflevector(x, x, 0, 1, 2, 3, 4, 5, 6, 7);
+}
+
+[[gnu::always_inline]] inline HalfFloats upperHalf(Floats x)
+{
+    return __builtin_shufflevector(x, x, 8, 9, 10, 11, 12, 13, 14, 15);
+}
+
+[[gnu::always_inline]] inline Floats joined(HalfFloats lower, HalfFloats upper)
+{
+    return __builtin_shufflevector(lower, upper, 0, 1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12, 13, 14, 15);
+}
 #endif
+
+// The even or the odd lanes negated: a sum with one is the difference, to the bit.
+[[gnu::always_inline]] inline Floats withEvensNegated(Floats x)
+{
+    return reinterpret_cast<Floats>(reinterpret_cast<PairBits>(x) ^
+                                    0x80000000u); // the even lane is the lower half
+}
+
+[[gnu::always_inline]] inline Floats withOddsNegated(Floats x)
+{
+    return reinterpret_cast<Floats>(reinterpret_cast<PairBits>(x) ^ 0x8000000000000000u);
+}
+
+// Whether a comparison holds in each lane.
+[[gnu::always_inline]] inline bool all(Ints isSo)
+{
+    const auto pairs = reinterpret_cast<PairBits>(isSo);
+    uint64_t bits = pairs[0];
+#pragma GCC unroll 8
+    for (int32_t i = 1; i < floatLanes / 2; ++i)
+        bits &= pairs[i];
+    return bits == UINT64_MAX;
+}
 
 [[gnu::always_inline]] inline Doubles widen(HalfFloats lanes)
 {

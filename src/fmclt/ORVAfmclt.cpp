@@ -1,21 +1,28 @@
 #include <orva/ORVAfmclt.h>
 
+#include "common/memory.h"
+#include "common/numbers.h"
 #include "fft/ORVAfft_internal.h"
 #include "fmclt/ORVAfmclt_internal.h"
+#include "fmclt/kernels/ORVAfmclt_kernels.h"
 
 #include <algorithm>
 #include <cmath>
-#include <cstdlib>
 
-static constexpr int32_t longestBlock = 1 << 28;
+namespace orva
+{
+namespace
+{
 
-static fftwf_complex *binsOf(float *buffer)
+constexpr int32_t longestBlock = 1 << 28;
+
+fftwf_complex *binsOf(float *buffer)
 {
     return reinterpret_cast<fftwf_complex *>(buffer);
 }
 
 // Plans on the buffer itself, which FFTW_ESTIMATE leaves as it is. False where one cannot be had.
-static bool makePlans(ORVA_FMCLT &fmclt)
+bool makePlans(ORVA_FMCLT &fmclt)
 {
     const int32_t M = fmclt.blockLength;
     fmclt.buffer = fftwf_alloc_real(2 * static_cast<size_t>(M) + 2);
@@ -28,11 +35,24 @@ static bool makePlans(ORVA_FMCLT &fmclt)
     return fmclt.planDirect != nullptr && fmclt.planInverse != nullptr && fmclt.planTrig != nullptr;
 }
 
+// The first and the last bin are real: a sum of coefficients times the root of 1/8, the sum in float, then times g.
+void setOuterBin(float *bin, float real, float imag, double factor, float g)
+{
+    const float sum = real + imag;
+    bin[0] = static_cast<float>(static_cast<double>(sum) * factor) * g;
+    bin[1] = 0.0f;
+}
+
+} // namespace
+} // namespace orva
+
+using namespace orva;
+
 ORVA_FMCLT *ORVA_FMCLTProcCreate(int32_t blockLength)
 {
     if (blockLength < 1 || blockLength > longestBlock)
         return nullptr;
-    auto *fmclt = static_cast<ORVA_FMCLT *>(std::calloc(1, sizeof(ORVA_FMCLT)));
+    auto *fmclt = newZeroed<ORVA_FMCLT>(1);
     if (fmclt == nullptr)
         return nullptr;
     fmclt->blockLength = blockLength;
@@ -65,7 +85,7 @@ void ORVA_FMCLTFreqWindow(float *window, int32_t blockLength)
     const double md = static_cast<double>(static_cast<float>(blockLength));
     for (int64_t k = 0; k <= blockLength; ++k) {
         const double kd = static_cast<double>(static_cast<float>(k));
-        const double theta = ((kd + kd + 1.0) * 0.125 + kd / (md * 4.0)) * 6.283185307179586;
+        const double theta = ((kd + kd + 1.0) * 0.125 + kd / (md * 4.0)) * twoPi;
         window[2 * k] = static_cast<float>(std::cos(theta));
         window[2 * k + 1] = -static_cast<float>(std::sin(theta));
     }
@@ -80,33 +100,12 @@ void ORVA_FMCLTDirect(ORVA_FMCLT *fmclt, float *real, float *imag, const float *
     float *buffer = fmclt->buffer;
     std::copy_n(current, M, std::copy_n(history, M, buffer));
     fftwf_execute_dft_r2c(fmclt->planDirect, buffer, binsOf(buffer));
-
-    // V[k] = W[k] U[k] s
+    std::copy_n(current, M, history); // before the coefficients, which may take the place of the block
     const float s = static_cast<float>(std::sqrt(1.0 / static_cast<double>(M + M)));
-    for (int64_t k = 0; k <= M; ++k) {
-        const float a = buffer[2 * k] * s;
-        const float b = buffer[2 * k + 1] * s;
-        const float wr = window[2 * k];
-        const float wi = window[2 * k + 1];
-        buffer[2 * k] = a * wr - b * wi;
-        buffer[2 * k + 1] = a * wi + b * wr;
-    }
-    std::copy_n(current, M, history);
-
-    // X[k] = j V[k] + V[k+1]
-    for (int64_t k = 0; k < M; ++k) {
-        real[k] = buffer[2 * k + 2] - buffer[2 * k + 1];
-        imag[k] = buffer[2 * k] + buffer[2 * k + 3];
-    }
+    kernels<FmcltKernels>().coefficientsOf(buffer, window, real, imag, M, s);
 }
 
-// The first and the last bin are real: a sum of coefficients times the root of 1/8, the sum in float.
-static float outerBin(float real, float imag, double factor)
-{
-    const float sum = real + imag;
-    return static_cast<float>(static_cast<double>(sum) * factor);
-}
-
+// The root of 2M before the transform and 2M after it: two steps with roundings of their own, not one factor.
 void ORVA_FMCLTInverse(ORVA_FMCLT *fmclt, const float *real, const float *imag, float *output, float *overlap,
                        const float *window)
 {
@@ -115,31 +114,13 @@ void ORVA_FMCLTInverse(ORVA_FMCLT *fmclt, const float *real, const float *imag, 
     constexpr double rootOfEighth = 0.3535533905932738;
     const int32_t M = fmclt->blockLength;
     float *buffer = fmclt->buffer;
-
-    // Y[k] = conj(W[k]) (X[k-1] - j X[k]) / 4
-    buffer[0] = outerBin(real[0], imag[0], rootOfEighth);
-    buffer[1] = 0.0f;
-    for (int64_t k = 1; k < M; ++k) {
-        const float a = real[k - 1] + imag[k];
-        const float b = imag[k - 1] - real[k];
-        const float wr = window[2 * k];
-        const float wi = window[2 * k + 1];
-        buffer[2 * k] = (wr * a + wi * b) * 0.25f;
-        buffer[2 * k + 1] = (b * wr - a * wi) * 0.25f;
-    }
-    buffer[2 * static_cast<int64_t>(M)] = outerBin(real[M - 1], imag[M - 1], -rootOfEighth);
-    buffer[2 * static_cast<int64_t>(M) + 1] = 0.0f;
-
-    // The root of 2M before the transform and 2M after it: two steps with roundings of their own, not one factor.
     const double d = static_cast<double>(M) + static_cast<double>(M);
     const float g = static_cast<float>(std::sqrt(d));
-    for (int64_t i = 0; i < 2 * static_cast<int64_t>(M) + 2; ++i)
-        buffer[i] = buffer[i] * g;
+    setOuterBin(buffer, real[0], imag[0], rootOfEighth, g);
+    kernels<FmcltKernels>().innerBinsOf(real, imag, window, buffer, M, g);
+    setOuterBin(buffer + 2 * static_cast<int64_t>(M), real[M - 1], imag[M - 1], -rootOfEighth, g);
     fftwf_execute_dft_c2r(fmclt->planInverse, binsOf(buffer), buffer);
-    for (int32_t i = 0; i < M; ++i) {
-        output[i] = static_cast<float>(static_cast<double>(buffer[i]) / d + static_cast<double>(overlap[i]));
-        overlap[i] = static_cast<float>(static_cast<double>(buffer[M + i]) / d);
-    }
+    kernels<FmcltKernels>().overlapAdd(buffer, buffer + M, output, overlap, M, d);
 }
 
 void ORVA_FMCLTCDTiv(ORVA_FMCLT *fmclt, float *data)
@@ -147,8 +128,6 @@ void ORVA_FMCLTCDTiv(ORVA_FMCLT *fmclt, float *data)
     if (fmclt == nullptr)
         return;
     const int32_t M = fmclt->blockLength;
-    const float s = static_cast<float>(std::sqrt(static_cast<double>(2 * M)));
     fftwf_execute_r2r(fmclt->planTrig, data, data);
-    for (int32_t i = 0; i < M; ++i)
-        data[i] = data[i] / s;
+    kernels<FmcltKernels>().divide(data, M, static_cast<float>(std::sqrt(static_cast<double>(2 * M))));
 }

@@ -1,10 +1,11 @@
 // The record of a lapped transform processor.
 #pragma once
 
-#include <cstdint>
+#include <orva/ORVAfmclt.h>
+
 #include <fftw3.h>
 
-#include <orva/ORVAfmclt.h>
+#include <cstdint>
 
 struct ORVA_FMCLT {
     int32_t blockLength;    // M

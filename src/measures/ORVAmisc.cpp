@@ -1,7 +1,12 @@
 #include <orva/ORVAmisc.h>
 
+#include "measures/kernels/ORVAmeasures_kernels.h"
+
 #include <cmath>
 
+using namespace orva;
+
+// variance = (sum of x^2) / n - ((sum of x) / n)^2, all in float, the sums in index order
 float ORVA_CalcEnergy(const float *input, int32_t length)
 {
     if (length <= 0)
@@ -22,10 +27,7 @@ float ORVA_CalcEnergy(const float *input, int32_t length)
 
 float ORVA_CalcZeroCrossRate(const float *input, int32_t length)
 {
-    int32_t crossings = 0;
-    for (int32_t i = 1; i < length; ++i)
-        if (input[i - 1] * input[i] < 0.0f)
-            ++crossings;
+    const int32_t crossings = kernels<MeasuresKernels>().crossings(input, length);
     return static_cast<float>(crossings) / static_cast<float>(length);
 }
 

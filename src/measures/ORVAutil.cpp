@@ -5,16 +5,33 @@
 #include <cmath>
 #include <limits>
 
-// Edges of the Bark bands in hertz, by index.
-static constexpr std::array<int32_t, 25> bartFreq = {0,    60,   150,  250,  350,  450,   570,  700,  840,
-                                                     1000, 1170, 1370, 1600, 1850, 2150,  2500, 2900, 3400,
-                                                     4000, 4800, 5800, 7000, 8500, 10500, 13500};
-static constexpr int32_t lastEdge = 24;
+namespace orva
+{
+namespace
+{
 
-static constexpr double melsPerLog = 1127.01048;
+// Edges of the Bark bands in hertz, by index.
+constexpr std::array<int32_t, 25> bartFreq = {0,    60,   150,  250,  350,  450,   570,  700,  840,
+                                              1000, 1170, 1370, 1600, 1850, 2150,  2500, 2900, 3400,
+                                              4000, 4800, 5800, 7000, 8500, 10500, 13500};
+constexpr int32_t lastEdge = 24;
+
+constexpr double melsPerLog = 1127.01048;
 
 // The value of the Bark formula at 1 Hz.
-static constexpr double leastBark = 0.009880060319993549;
+constexpr double leastBark = 0.009880060319993549;
+
+// Truncated toward zero and limited to first .. last. The limits come first, as double, since a value beyond
+// the range of an integer must not be converted.
+int32_t edgeIndex(double bark, int32_t first, int32_t last)
+{
+    return static_cast<int32_t>(std::clamp(bark, static_cast<double>(first), static_cast<double>(last)));
+}
+
+} // namespace
+} // namespace orva
+
+using namespace orva;
 
 double ORVAUTIL_Freq2Mels(double frequency)
 {
@@ -32,13 +49,6 @@ double ORVAUTIL_Freq2Bark(double frequency)
         return leastBark;
     const double ratio = frequency / 7500.0;
     return 13.0 * std::atan(0.00076 * frequency) + 3.5 * std::atan(ratio * ratio);
-}
-
-// Truncated toward zero and limited to first .. last. The limits come first, as double, since a value beyond
-// the range of an integer must not be converted.
-static int32_t edgeIndex(double bark, int32_t first, int32_t last)
-{
-    return static_cast<int32_t>(std::clamp(bark, static_cast<double>(first), static_cast<double>(last)));
 }
 
 double ORVAUTIL_Bark2Freq(double bark)

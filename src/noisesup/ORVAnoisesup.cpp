@@ -7,8 +7,13 @@
 
 #include <algorithm>
 
+namespace orva
+{
+namespace
+{
+
 // Samples in 10 ms, or 0 for a rate that the suppressor does not run at.
-static int32_t frameSizeOf(int32_t sampleRate)
+int32_t frameSizeOf(int32_t sampleRate)
 {
     switch (sampleRate) {
     case 8000:
@@ -22,7 +27,7 @@ static int32_t frameSizeOf(int32_t sampleRate)
     }
 }
 
-static bool allocateBlocks(ORVA_NOISESUP &suppressor)
+bool allocateBlocks(ORVA_NOISESUP &suppressor)
 {
     if (suppressor.sampleRate != 32000)
         return true;
@@ -32,21 +37,25 @@ static bool allocateBlocks(ORVA_NOISESUP &suppressor)
     return suppressor.analysisBlock != nullptr && suppressor.synthesisBlock != nullptr;
 }
 
-static bool allocateFrames(ORVA_NOISESUP &suppressor)
+bool allocateFrames(ORVA_NOISESUP &suppressor)
 {
-    // Room for a whole band, which the core works on whatever the frame.
-    const auto size = static_cast<uint64_t>(std::max(suppressor.frameSize, bandLength)) * sizeof(int16_t);
+    const auto size = static_cast<uint64_t>(suppressor.frameSize) * sizeof(int16_t);
     suppressor.inputFrame = static_cast<int16_t *>(KTMEM_NewEx(suppressor.memDescr, size, 0));
     suppressor.outputFrame = static_cast<int16_t *>(KTMEM_NewEx(suppressor.memDescr, size, 0));
     return suppressor.inputFrame != nullptr && suppressor.outputFrame != nullptr;
 }
 
-static bool startNs(ORVA_NOISESUP &suppressor, int32_t policy)
+bool startNs(ORVA_NOISESUP &suppressor, int32_t policy)
 {
     return createNs(&suppressor.ns) == 0 &&
            WebRtcNs_Init(suppressor.ns, static_cast<uint32_t>(suppressor.sampleRate)) == 0 &&
            WebRtcNs_set_policy(suppressor.ns, policy) == 0;
 }
+
+} // namespace
+} // namespace orva
+
+using namespace orva;
 
 ORVA_NOISESUP *ORVA_CreateNoiseSupEx(int32_t sampleRate, int32_t policy)
 {

@@ -2,19 +2,30 @@
 #include <orva/ORVAwinfnc.h>
 
 #include "window/ORVAwinfnc_internal.h"
+#include "window/kernels/ORVAwindow_kernels.h"
+
+#include <kett/KTstring.h>
 
 #include <algorithm>
 #include <cstring>
 
-#include <kett/KTstring.h>
+namespace orva
+{
+namespace
+{
 
-static const WindowDef *findType(int32_t type)
+const WindowDef *findType(int32_t type)
 {
     for (const WindowDef &window : _WinDefTable)
         if (window.type == type)
             return &window;
     return nullptr;
 }
+
+} // namespace
+} // namespace orva
+
+using namespace orva;
 
 bool ORVA_CreateWindow(int32_t type, float *window, uint32_t length)
 {
@@ -29,8 +40,7 @@ bool ORVA_CreateWindow(int32_t type, float *window, uint32_t length)
 
 bool ORVA_ApplyWindow(const float *window, float *data, int32_t length)
 {
-    for (int32_t i = 0; i < length; ++i)
-        data[i] = data[i] * window[i];
+    kernels<WindowKernels>().apply(window, data, length);
     return true;
 }
 
@@ -40,8 +50,8 @@ int32_t ORVA_GetWindowType(const char *name)
         return 0;
     const size_t length = std::strlen(name);
     for (const WindowDef &window : _WinDefTable) {
-        const size_t longer =
-            std::max(length, std::strlen(window.name)); // makes it a comparison of the whole
+        // The longer of the two lengths makes it a comparison of the whole.
+        const size_t longer = std::max(length, std::strlen(window.name));
         if (KTSTRING_CompareInsensitiveN(window.name, name, static_cast<int64_t>(longer)) == 0)
             return window.type;
     }

@@ -3,6 +3,9 @@
 
 #include <cstdint>
 
+namespace orva
+{
+
 struct WindowDef {
     int32_t type;
     char name[128];
@@ -12,3 +15,5 @@ struct WindowDef {
 
 constexpr int32_t windowCount = 11;
 extern const WindowDef _WinDefTable[windowCount];
+
+} // namespace orva

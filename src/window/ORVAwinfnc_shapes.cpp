@@ -1,25 +1,30 @@
 // The shapes: one generator each, and the table that names them.
 #include "window/ORVAwinfnc_internal.h"
 
-#include <cmath>
+#include "common/numbers.h"
+#include "window/kernels/ORVAwindow_kernels.h"
 
-static constexpr double twoPi = 6.283185307179586;
+#include <algorithm>
 
-// The samples up to the middle, the middle one of an odd length included: floor((N + 1) / 2) without the
-// overflow.
-static constexpr uint32_t halfLength(uint32_t N)
+namespace orva
+{
+namespace
+{
+
+// The samples up to the middle, the middle one of an odd length included: floor((N + 1) / 2) without the overflow.
+constexpr uint32_t halfLength(uint32_t N)
 {
     return N / 2 + N % 2;
 }
 static_assert(halfLength(4) == 2 && halfLength(5) == 3 && halfLength(4294967295u) == 2147483648u);
 
-static void _retangular(float *w, uint32_t N)
+void _retangular(float *w, uint32_t N)
 {
     for (uint32_t i = 0; i < N; ++i)
         w[i] = 1.0f;
 }
 
-static void _halftriangular(float *w, uint32_t N)
+void _halftriangular(float *w, uint32_t N)
 {
     const float last = static_cast<float>(static_cast<double>(N) - 1.0);
     for (uint32_t i = 0; i < N; ++i)
@@ -27,7 +32,7 @@ static void _halftriangular(float *w, uint32_t N)
 }
 
 // H - 1 is the distance to the centre for even lengths only; an odd window overshoots on purpose.
-static void _triangular(float *w, uint32_t N)
+void _triangular(float *w, uint32_t N)
 {
     const uint32_t H = N / 2;
     const double slope = static_cast<double>(static_cast<float>(H)) - 1.0;
@@ -38,84 +43,61 @@ static void _triangular(float *w, uint32_t N)
     }
 }
 
-// Fills w[i] and w[N-1-i] with value(p), p = 2 pi i / D. The phase is accumulated, not i * step: the two
-// differ in their last bits, and hosts compare them.
-template <class Value> static void fillMirrored(float *w, uint32_t N, double D, Value value)
+// w[i] = w[N-1-i] = the sum at p = 2 pi i / D, the phase accumulated.
+void fillMirrored(float *w, uint32_t N, double D, const CosineSum &sum)
 {
     const uint32_t half = halfLength(N);
-    if (half == 0)
-        return;
-    w[0] = static_cast<float>(value(0.0));
-    w[N - 1] = w[0];
-    const double step = twoPi / D; // D is 0 at N = 1, where no phase is needed
-    double p = 0.0 + step;
-    for (uint32_t i = 1; i < half; ++i) {
-        const float v = static_cast<float>(value(p));
-        w[i] = v;
-        w[N - 1 - i] = v;
-        p = p + step;
-    }
+    kernels<WindowKernels>().fill(sum, twoPi / D, w, half); // D is 0 at N = 1, where the one phase is 0
+    std::reverse_copy(w, w + N / 2, w + half);
 }
 
-static void _hanning(float *w, uint32_t N)
+// (1 - cos(p)) / 2 in the same bits, since halving is exact.
+constexpr CosineSum hann = {2, {0.5, -0.5}};
+
+void _hanning(float *w, uint32_t N)
 {
-    fillMirrored(w, N, N - 1.0, [](double p) { return (1.0 - std::cos(p)) * 0.5; });
+    fillMirrored(w, N, N - 1.0, hann);
 }
 
-static void _hanning_periodic(float *w, uint32_t N)
+// A whole turn in N samples, not mirrored.
+void _hanning_periodic(float *w, uint32_t N)
 {
-    if (N == 0)
-        return;
-    const double step = twoPi / static_cast<double>(N);
-    w[0] = 0.0f;
-    double p = 0.0 + step;
-    for (uint32_t i = 1; i < N; ++i) {
-        w[i] = static_cast<float>(0.5 - 0.5 * std::cos(p));
-        p = p + step;
-    }
+    kernels<WindowKernels>().fill(hann, twoPi / N, w, N);
 }
 
-static void _hamming(float *w, uint32_t N)
+void _hamming(float *w, uint32_t N)
 {
-    fillMirrored(w, N, N - 1.0, [](double p) { return 0.54 - 0.46 * std::cos(p); });
+    fillMirrored(w, N, N - 1.0, {2, {0.54, -0.46}});
 }
 
 // Divides by N, unlike its neighbours, and is mirrored all the same.
-static void _blackman(float *w, uint32_t N)
+void _blackman(float *w, uint32_t N)
 {
-    fillMirrored(w, N, N, [](double p) { return 0.42 - 0.5 * std::cos(p) + 0.08 * std::cos(p + p); });
+    fillMirrored(w, N, N, {3, {0.42, -0.5, 0.08}});
 }
 
-static void _blackman_harris(float *w, uint32_t N)
+void _blackman_harris(float *w, uint32_t N)
 {
-    fillMirrored(w, N, N - 1.0, [](double p) {
-        return 0.35875 - 0.48829 * std::cos(p) + 0.14128 * std::cos(p + p) - 0.01168 * std::cos(p * 3.0);
-    });
+    fillMirrored(w, N, N - 1.0, {4, {0.35875, -0.48829, 0.14128, -0.01168}});
 }
 
-static void _blackman_nuttall(float *w, uint32_t N)
+void _blackman_nuttall(float *w, uint32_t N)
 {
-    fillMirrored(w, N, N - 1.0, [](double p) {
-        return 0.355768 - 0.487396 * std::cos(p) + 0.144232 * std::cos(p + p) - 0.012604 * std::cos(p * 3.0);
-    });
+    fillMirrored(w, N, N - 1.0, {4, {0.355768, -0.487396, 0.144232, -0.012604}});
 }
 
-static void _nuttal(float *w, uint32_t N)
+void _nuttal(float *w, uint32_t N)
 {
-    fillMirrored(w, N, N - 1.0, [](double p) {
-        return 0.3635819 - 0.4891775 * std::cos(p) + 0.1365995 * std::cos(p + p) -
-               0.0106411 * std::cos(p * 3.0);
-    });
+    fillMirrored(w, N, N - 1.0, {4, {0.3635819, -0.4891775, 0.1365995, -0.0106411}});
 }
 
 // Not scaled to a peak of one.
-static void _flap_top(float *w, uint32_t N)
+void _flap_top(float *w, uint32_t N)
 {
-    fillMirrored(w, N, N - 1.0, [](double p) {
-        return 1.0 - 1.93 * std::cos(p) + 1.29 * std::cos(p + p) - 0.388 * std::cos(p * 3.0) +
-               0.028 * std::cos(p * 4.0);
-    });
+    fillMirrored(w, N, N - 1.0, {5, {1.0, -1.93, 1.29, -0.388, 0.028}});
 }
+
+} // namespace
 
 // Names and their spelling are what hosts write in configuration strings.
 const WindowDef _WinDefTable[windowCount] = {
@@ -131,3 +113,5 @@ const WindowDef _WinDefTable[windowCount] = {
     {9, "Nuttal", 0.41671875, _nuttal},
     {10, "Flat-Top", 0.41671875, _flap_top},
 };
+
+} // namespace orva

@@ -1,19 +1,74 @@
 #include <orva/ORVAxcorr.h>
 
 #include "xcorr/ORVAxcorr_internal.h"
+#include "xcorr/kernels/ORVAxcorr_kernels.h"
 
 #include <kett/KTdebug.h>
 
 #include <algorithm>
-#include <cmath>
 #include <limits>
-#include <span>
 
-template <class Element> static Element *newAligned(KT_MEM *memory, int32_t count)
+namespace orva
+{
+namespace
+{
+
+template <class Element> Element *newAligned(KT_MEM *memory, int32_t count)
 {
     return static_cast<Element *>(
         KTMEM_NewAligned(memory, 16, static_cast<uint64_t>(count) * sizeof(Element)));
 }
+
+bool canExecute(const ORVA_XCORR *xcorr)
+{
+    return xcorr != nullptr && xcorr->fftLength > 0 && xcorr->bufferX != nullptr &&
+           xcorr->bufferY != nullptr && xcorr->spectrumX != nullptr && xcorr->spectrumY != nullptr &&
+           xcorr->fft != nullptr && xcorr->ifft != nullptr;
+}
+
+void combinePlain(ORVA_XCORR &xcorr)
+{
+    // The inverse transform is not normalised, so its factor cancels against the one in s, and the result is the sum of
+    // products divided by the longer length.
+    const auto longer = static_cast<float>(std::max(xcorr.lengthX, xcorr.lengthY));
+    const auto transform = static_cast<float>(xcorr.fftLength);
+    const float s = 1.0f / (longer * transform);
+    kernels<XcorrKernels>().combinePlain(xcorr.spectrumX, xcorr.spectrumY, xcorr.spectrumX, xcorr.bins, s);
+}
+
+void combinePhat(ORVA_XCORR &xcorr)
+{
+    const float g = 1.0f / static_cast<float>(xcorr.fftLength);
+    kernels<XcorrKernels>().combinePhat(xcorr.spectrumX, xcorr.spectrumY, xcorr.spectrumX, xcorr.bins, g);
+}
+
+// What both forms share; they differ in how they combine the spectra.
+int32_t correlate(ORVA_XCORR *xcorr, const float *x, const float *y, float *output,
+                  void (*combine)(ORVA_XCORR &))
+{
+    if (!canExecute(xcorr))
+        return -1;
+    const int32_t longer = xcorr->fftLength / 2;
+    float *endX = std::copy_n(x, xcorr->lengthX, xcorr->bufferX);
+    std::fill(endX, xcorr->bufferX + xcorr->fftLength, 0.0f); // where the last result was
+    std::copy_n(y, xcorr->lengthY, xcorr->bufferY); // zeros follow: no forward transform writes to its input
+    // A transform for which FFTW had no memory gives 0.
+    if (ORVA_FFTProcExecute(xcorr->fft, xcorr->bufferX, xcorr->spectrumX) == 0 ||
+        ORVA_FFTProcExecute(xcorr->fft, xcorr->bufferY, xcorr->spectrumY) == 0)
+        return -1;
+    combine(*xcorr);
+    if (ORVA_IFFTProcExecuteEx(xcorr->ifft, xcorr->spectrumX, xcorr->bufferX, false) == 0)
+        return -1;
+    // The circular result holds lags 0 .. L-1, the empty lag of the zero padding, and lags -(L-1) .. -1.
+    float *zeroLag = std::copy_n(xcorr->bufferX + longer + 1, longer - 1, output);
+    std::copy_n(xcorr->bufferX, longer, zeroLag);
+    return xcorr->fftLength - 1;
+}
+
+} // namespace
+} // namespace orva
+
+using namespace orva;
 
 ORVA_XCORR *ORVA_XcorrProcCreate(int32_t lengthX, int32_t lengthY)
 {
@@ -45,74 +100,6 @@ ORVA_XCORR *ORVA_XcorrProcCreate(int32_t lengthX, int32_t lengthY)
 int32_t ORVA_XcorrVectorLength(const ORVA_XCORR *xcorr)
 {
     return xcorr != nullptr ? xcorr->fftLength - 1 : -1;
-}
-
-// X conj(Y) s, all in float. The inverse transform is not normalised, so its factor cancels against the one
-// in s, and the result is the sum of products divided by the longer length.
-static void combinePlain(ORVA_XCORR &xcorr)
-{
-    const auto longer = static_cast<float>(std::max(xcorr.lengthX, xcorr.lengthY));
-    const auto transform = static_cast<float>(xcorr.fftLength);
-    const float s = 1.0f / (longer * transform);
-    for (int32_t k = 0; k < xcorr.bins; ++k) {
-        const ORVA_COMPLEX X = xcorr.spectrumX[k];
-        const ORVA_COMPLEX Y = xcorr.spectrumY[k];
-        xcorr.spectrumX[k].re = (X.im * Y.im + X.re * Y.re) * s;
-        xcorr.spectrumX[k].im = (X.im * Y.re - X.re * Y.im) * s;
-    }
-}
-
-// X conj(Y) brought to the magnitude g, the weight in double.
-static void combinePhat(ORVA_XCORR &xcorr)
-{
-    const float g = 1.0f / static_cast<float>(xcorr.fftLength);
-    for (int32_t k = 0; k < xcorr.bins; ++k) {
-        const ORVA_COMPLEX X = xcorr.spectrumX[k];
-        const ORVA_COMPLEX Y = xcorr.spectrumY[k];
-        float re = X.re * Y.re + X.im * Y.im;
-        float im = X.im * Y.re - X.re * Y.im;
-        const float p = re * re + im * im;
-        const double m = std::sqrt(static_cast<double>(p));
-        if (m > 0.0) {
-            const double w = static_cast<double>(g) / m;
-            re = static_cast<float>(static_cast<double>(re) * w);
-            im = static_cast<float>(static_cast<double>(im) * w);
-        }
-        xcorr.spectrumX[k] = {re, im};
-    }
-}
-
-static bool canExecute(const ORVA_XCORR *xcorr)
-{
-    return xcorr != nullptr && xcorr->fftLength > 0 && xcorr->bufferX != nullptr &&
-           xcorr->bufferY != nullptr && xcorr->spectrumX != nullptr && xcorr->spectrumY != nullptr &&
-           xcorr->fft != nullptr && xcorr->ifft != nullptr;
-}
-
-// What both forms share; they differ in how they combine the spectra.
-static int32_t correlate(ORVA_XCORR *xcorr, const float *x, const float *y, float *output,
-                         void (*combine)(ORVA_XCORR &))
-{
-    if (!canExecute(xcorr))
-        return -1;
-    const int32_t longer = xcorr->fftLength / 2;
-    std::fill_n(xcorr->bufferX, xcorr->fftLength, 0.0f);
-    std::fill_n(xcorr->bufferY, xcorr->fftLength, 0.0f);
-    std::fill_n(xcorr->spectrumX, xcorr->bins, ORVA_COMPLEX{});
-    std::fill_n(xcorr->spectrumY, xcorr->bins, ORVA_COMPLEX{});
-    std::copy_n(x, xcorr->lengthX, xcorr->bufferX);
-    std::copy_n(y, xcorr->lengthY, xcorr->bufferY);
-    // A transform for which FFTW had no memory gives 0.
-    if (ORVA_FFTProcExecute(xcorr->fft, xcorr->bufferX, xcorr->spectrumX) == 0 ||
-        ORVA_FFTProcExecute(xcorr->fft, xcorr->bufferY, xcorr->spectrumY) == 0)
-        return -1;
-    combine(*xcorr);
-    if (ORVA_IFFTProcExecuteEx(xcorr->ifft, xcorr->spectrumX, xcorr->bufferX, false) == 0)
-        return -1;
-    // The circular result holds lags 0 .. L-1, the empty lag of the zero padding, and lags -(L-1) .. -1.
-    float *zeroLag = std::copy_n(xcorr->bufferX + longer + 1, longer - 1, output);
-    std::copy_n(xcorr->bufferX, longer, zeroLag);
-    return xcorr->fftLength - 1;
 }
 
 int32_t ORVA_XcorrProcExecute(ORVA_XCORR *xcorr, const float *x, const float *y, float *output)

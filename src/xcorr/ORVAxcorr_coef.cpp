@@ -7,15 +7,20 @@
 #include <algorithm>
 #include <cmath>
 
-// The steps behind the refusals. False when memory is out; nothing is then written.
-static bool correlateOnce(ORVA_XCORR *xcorr, KT_MEM *memory, const float *x, int32_t lengthX, const float *y,
-                          int32_t lengthY, int32_t *lag, double &coefficient)
+namespace orva
+{
+namespace
+{
+
+// The steps that follow the refusals. False when memory is out; nothing is then written.
+bool correlateOnce(ORVA_XCORR *xcorr, KT_MEM *memory, const float *x, int32_t lengthX, const float *y,
+                   int32_t lengthY, int32_t *lag, double &coefficient)
 {
     const int32_t count = ORVA_XcorrVectorLength(xcorr);
     float *copyX = KTMEM_NewFloatVector(memory, lengthX);
     float *copyY = KTMEM_NewFloatVector(memory, lengthY);
-    float *result =
-        KTMEM_NewFloatVector(memory, std::max(count, 0)); // no lag at all where both vectors are empty
+    // Where both vectors are empty there is no lag at all.
+    float *result = KTMEM_NewFloatVector(memory, std::max(count, 0));
     if (xcorr == nullptr || copyX == nullptr || copyY == nullptr || result == nullptr)
         return false;
     std::copy_n(x, lengthX, copyX);
@@ -32,6 +37,11 @@ static bool correlateOnce(ORVA_XCORR *xcorr, KT_MEM *memory, const float *x, int
     coefficient = static_cast<double>(peak) / std::sqrt(powerY * powerX);
     return true;
 }
+
+} // namespace
+} // namespace orva
+
+using namespace orva;
 
 double ORVA_XcorrCoef(const float *x, int32_t lengthX, const float *y, int32_t lengthY, int32_t *lag)
 {

@@ -7,6 +7,8 @@
 #include <iterator>
 #include <vector>
 
+using namespace orva;
+
 TEST(WindowTable, HoldsTheDefinedRecordsInOrder)
 {
     ASSERT_EQ(std::size(_WinDefTable), definitions.size());

@@ -132,14 +132,6 @@ bool overlaps(const ORVA_COMPLEX *input, const ORVA_COMPLEX *output, int32_t cou
     return in < out + bytes && out < in + bytes;
 }
 
-// The even lanes negated: a sum with one is the difference, to the bit.
-Floats withEvensNegated(Floats x)
-{
-    using Pairs [[gnu::vector_size(ORVA_VECTOR_BYTES)]] = uint64_t;
-    return reinterpret_cast<Floats>(reinterpret_cast<Pairs>(x) ^
-                                    0x80000000u); // the even lane is the lower half
-}
-
 void products(const ORVA_COMPLEX *a, const ORVA_COMPLEX *b, ORVA_COMPLEX *output, int32_t count)
 {
     constexpr int32_t valuesPerVector = floatLanes / 2;

@@ -1,0 +1,132 @@
+#include "common/lanes.h"
+#include "fmclt/kernels/ORVAfmclt_kernels.h"
+
+namespace orva
+{
+namespace ORVA_LEVEL
+{
+namespace
+{
+
+constexpr int32_t binsPerVector = floatLanes / 2;
+
+// V[k] of a vector of bins: with a = U s,
+//
+//     straight    a.re w.re   a.im w.re
+//     crossed     a.im w.im   a.re w.im      taken from the real parts, added to the imaginary ones
+[[gnu::always_inline]] inline Floats twiddled(const float *bins, const float *window, float s)
+{
+    const Floats a = load<Floats>(bins) * s;
+    const auto w = load<Floats>(window);
+    return a * evensTwice(w) + withEvensNegated(exchanged(a) * oddsTwice(w));
+}
+
+// j V[k] + V[k+1], where `v` holds V[k] on and `next` what follows: j (re, im) = (-im, re).
+[[gnu::always_inline]] inline Floats combined(Floats v, Floats next)
+{
+    return afterFirstPair(v, next) + withEvensNegated(exchanged(v));
+}
+
+// Three vectors of bins give two of coefficients, whose parts are then separated; the third is the first of the next round.
+//
+//     v0 = V[k] ..   v1   v2
+//     j v0 + (v0 v1 from V[k+1] on),  j v1 + (v1 v2 from their second on)   ->   real[k] .. , imag[k] ..
+void coefficientsOf(const float *bins, const float *window, float *real, float *imag, int32_t M, float s)
+{
+    const int64_t last = static_cast<int64_t>(M) + 1 - (floatLanes + binsPerVector);
+    int64_t k = 0;
+    if (last >= 0) {
+        Floats v0 = twiddled(bins, window, s);
+        for (; k <= last; k += floatLanes) {
+            const float *from = bins + 2 * k;
+            const float *factors = window + 2 * k;
+            const Floats v1 = twiddled(from + floatLanes, factors + floatLanes, s);
+            const Floats v2 = twiddled(from + 2 * floatLanes, factors + 2 * floatLanes, s);
+            const Floats low = combined(v0, v1);
+            const Floats high = combined(v1, v2);
+            store(real + k, evens(low, high));
+            store(imag + k, odds(low, high));
+            v0 = v2;
+        }
+    }
+    kernelsAt<FmcltKernels, Level::plain>().coefficientsOf(bins + 2 * k, window + 2 * k, real + k, imag + k,
+                                                           static_cast<int32_t>(M - k), s);
+}
+
+// conj(w) (a + j b) of a vector of bins: (w.re a + w.im b, w.re b - w.im a).
+[[gnu::always_inline]] inline Floats untwiddled(Floats ab, const float *window)
+{
+    const auto w = load<Floats>(window);
+    return evensTwice(w) * ab + withOddsNegated(oddsTwice(w) * exchanged(ab));
+}
+
+// a and b are found with their parts apart, then brought into the order of the bins.
+void innerBinsOf(const float *real, const float *imag, const float *window, float *bins, int32_t M, float g)
+{
+    int64_t k = 1;
+    for (; k <= M - floatLanes; k += floatLanes) {
+        const Floats a = load<Floats>(real + k - 1) + load<Floats>(imag + k);
+        const Floats b = load<Floats>(imag + k - 1) - load<Floats>(real + k);
+        const Floats low = untwiddled(interleavedLow(a, b), window + 2 * k);
+        const Floats high = untwiddled(interleavedHigh(a, b), window + 2 * k + floatLanes);
+        store(bins + 2 * k, low * 0.25f * g);
+        store(bins + 2 * k + floatLanes, high * 0.25f * g);
+    }
+    const int64_t before = k - 1;
+    kernelsAt<FmcltKernels, Level::plain>().innerBinsOf(real + before, imag + before, window + 2 * before,
+                                                        bins + 2 * before, static_cast<int32_t>(M - before),
+                                                        g);
+}
+
+// quotient(x) is x / d in each lane.
+template <class Quotient>
+[[gnu::always_inline]] inline void overlapAddBy(Quotient quotient, const float *first, const float *second,
+                                                float *output, float *overlap, int32_t count, double d)
+{
+    int32_t i = 0;
+    for (; i <= count - doubleLanes; i += doubleLanes) {
+        const Doubles kept = widen(load<HalfFloats>(overlap + i));
+        store(output + i, narrow(quotient(widen(load<HalfFloats>(first + i))) + kept));
+        store(overlap + i, narrow(quotient(widen(load<HalfFloats>(second + i)))));
+    }
+    kernelsAt<FmcltKernels, Level::plain>().overlapAdd(first + i, second + i, output + i, overlap + i,
+                                                       count - i, d);
+}
+
+bool isPowerOfTwo(double d)
+{
+    uint64_t bits = 0;
+    __builtin_memcpy(&bits, &d, sizeof bits);
+    return (bits & 0x000FFFFFFFFFFFFFu) == 0;
+}
+
+// Where d is a power of two, to multiply by its inverse is exact too, and quicker.
+void overlapAdd(const float *first, const float *second, float *output, float *overlap, int32_t count,
+                double d)
+{
+    const double inverse = 1.0 / d;
+    if (isPowerOfTwo(d))
+        overlapAddBy([inverse](Doubles x) { return x * inverse; }, first, second, output, overlap, count, d);
+    else
+        overlapAddBy([d](Doubles x) { return x / d; }, first, second, output, overlap, count, d);
+}
+
+void divide(float *data, int32_t count, float s)
+{
+    int32_t i = 0;
+    for (; i <= count - floatLanes; i += floatLanes)
+        store(data + i, load<Floats>(data + i) / s);
+    kernelsAt<FmcltKernels, Level::plain>().divide(data + i, count - i, s);
+}
+
+} // namespace
+} // namespace ORVA_LEVEL
+
+template <> const FmcltKernels &kernelsAt<FmcltKernels, Level::ORVA_LEVEL>()
+{
+    static constexpr FmcltKernels table = {ORVA_LEVEL::coefficientsOf, ORVA_LEVEL::innerBinsOf,
+                                           ORVA_LEVEL::overlapAdd, ORVA_LEVEL::divide};
+    return table;
+}
+
+} // namespace orva
