@@ -16,7 +16,7 @@ namespace
 
 const WindowDef *findType(int32_t type)
 {
-    for (const WindowDef &window : _WinDefTable)
+    for (const WindowDef &window : windows())
         if (window.type == type)
             return &window;
     return nullptr;
@@ -49,7 +49,7 @@ int32_t ORVA_GetWindowType(const char *name)
     if (name == nullptr)
         return 0;
     const size_t length = std::strlen(name);
-    for (const WindowDef &window : _WinDefTable) {
+    for (const WindowDef &window : windows()) {
         // The longer of the two lengths makes it a comparison of the whole.
         const size_t longer = std::max(length, std::strlen(window.name));
         if (KTSTRING_CompareInsensitiveN(window.name, name, static_cast<int64_t>(longer)) == 0)

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstdint>
+#include <span>
 
 namespace orva
 {
@@ -13,7 +14,7 @@ struct WindowDef {
     void (*generator)(float *w, uint32_t N);
 };
 
-constexpr int32_t windowCount = 11;
-extern const WindowDef _WinDefTable[windowCount];
+// All of them, in the order of their codes.
+std::span<const WindowDef> windows();
 
 } // namespace orva

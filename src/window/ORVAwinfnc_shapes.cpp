@@ -97,10 +97,8 @@ void _flap_top(float *w, uint32_t N)
     fillMirrored(w, N, N - 1.0, {5, {1.0, -1.93, 1.29, -0.388, 0.028}});
 }
 
-} // namespace
-
 // Names and their spelling are what hosts write in configuration strings.
-const WindowDef _WinDefTable[windowCount] = {
+constexpr WindowDef _WinDefTable[] = {
     {0, "Rectangular", 1.0, _retangular},
     {1, "Triangular", 0.5, _triangular},
     {2, "Half-Triangular", 0.5, _halftriangular},
@@ -113,5 +111,12 @@ const WindowDef _WinDefTable[windowCount] = {
     {9, "Nuttal", 0.41671875, _nuttal},
     {10, "Flat-Top", 0.41671875, _flap_top},
 };
+
+} // namespace
+
+std::span<const WindowDef> windows()
+{
+    return _WinDefTable;
+}
 
 } // namespace orva

@@ -4,26 +4,25 @@
 
 #include <gtest/gtest.h>
 
-#include <iterator>
 #include <vector>
 
 using namespace orva;
 
 TEST(WindowTable, HoldsTheDefinedRecordsInOrder)
 {
-    ASSERT_EQ(std::size(_WinDefTable), definitions.size());
+    ASSERT_EQ(windows().size(), definitions.size());
     for (size_t i = 0; i < definitions.size(); ++i) {
         SCOPED_TRACE(definitions[i].name);
-        EXPECT_EQ(_WinDefTable[i].type, definitions[i].type);
-        EXPECT_STREQ(_WinDefTable[i].name, definitions[i].name);
-        EXPECT_EQ(_WinDefTable[i].normFactor, definitions[i].storedGain);
-        EXPECT_EQ(sizeof _WinDefTable[i].name, 128u);
+        EXPECT_EQ(windows()[i].type, definitions[i].type);
+        EXPECT_STREQ(windows()[i].name, definitions[i].name);
+        EXPECT_EQ(windows()[i].normFactor, definitions[i].storedGain);
+        EXPECT_EQ(sizeof windows()[i].name, 128u);
     }
 }
 
 TEST(WindowTable, EachGeneratorFillsTheLengthGivenAndNoMore)
 {
-    for (const WindowDef &window : _WinDefTable)
+    for (const WindowDef &window : windows())
         for (uint32_t length : {0u, 1u, 2u, 3u, 8u, 9u}) {
             std::vector<float> samples(length + 2, 77.0f);
             window.generator(samples.data() + 1, length);
