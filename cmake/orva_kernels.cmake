@@ -14,7 +14,8 @@ if(CMAKE_SYSTEM_PROCESSOR MATCHES "^(x86_64|AMD64)$")
     endif()
 endif()
 
-# orva_kernel_levels(<target>): makes the object libraries <target>_<level>, whose objects go wherever <target> goes.
+# orva_kernel_levels(<target>): makes the object libraries <target>_<level>, whose objects go wherever <target> goes. Its
+# property KERNEL_LEVELS lists them.
 function(orva_kernel_levels target)
     foreach(level ${ORVA_KERNEL_LEVELS})
         set(kernels ${target}_${level})
@@ -25,6 +26,7 @@ function(orva_kernel_levels target)
             -Wno-psabi)                                   # no vector crosses from one object to another
         target_link_libraries(${kernels} PRIVATE orva_library_options)
         target_sources(${target} INTERFACE $<TARGET_OBJECTS:${kernels}>)
+        set_property(TARGET ${target} APPEND PROPERTY KERNEL_LEVELS ${kernels})
     endforeach()
     if(ORVA_EMULATE_AVX512)
         target_compile_definitions(${target} PRIVATE ORVA_EMULATE_AVX512)

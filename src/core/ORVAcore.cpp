@@ -7,9 +7,19 @@
 #include <kett/KTversion.h>
 #include <orva/ORVAfft.h>
 
+namespace orva
+{
+namespace
+{
+
 // Uses of the library; zero or below means that it is down. Plain on purpose: load and unload are serialised by the
 // loader, and hosts call from one thread at a time.
-static int32_t __IsInitialized = 0;
+int32_t __IsInitialized = 0;
+
+} // namespace
+} // namespace orva
+
+using namespace orva;
 
 void ORVA_Initialize(void)
 {

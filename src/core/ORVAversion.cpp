@@ -6,7 +6,23 @@
 #include <cstddef>
 #include <cstdio>
 
-static char version_string[256];
+namespace orva
+{
+namespace
+{
+
+char version_string[256];
+
+void store(int32_t *target, int32_t number)
+{
+    if (target != nullptr)
+        *target = number;
+}
+
+} // namespace
+} // namespace orva
+
+using namespace orva;
 
 const char *ORVAVERSION_String(void)
 {
@@ -19,12 +35,6 @@ const char *ORVAVERSION_String(void)
     for (size_t i = 0; i < sizeof text; ++i)
         std::atomic_ref(version_string[i]).store(text[i], std::memory_order_relaxed);
     return version_string;
-}
-
-static void store(int32_t *target, int32_t number)
-{
-    if (target != nullptr)
-        *target = number;
 }
 
 void ORVAVERSION_Number(int32_t *major, int32_t *minor, int32_t *release, int32_t *build)

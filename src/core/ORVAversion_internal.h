@@ -4,7 +4,12 @@
 
 #include <cstdint>
 
+namespace orva
+{
+
 constexpr int32_t versionMajor = 3;
 constexpr int32_t versionMinor = 7;
 constexpr int32_t versionRelease = 18;
 constexpr int32_t versionBuild = 0;
+
+} // namespace orva

@@ -1,19 +1,23 @@
 // The FFT engine as the other families and the tests of its private steps see it.
 #pragma once
 
-#include <atomic>
-#include <cstdint>
-#include <fftw3.h>
-
 #include <kett/KTmutex.h>
 #include <kett/KTthread.h>
 #include <orva/ORVAfft.h>
+
+#include <fftw3.h>
+
+#include <atomic>
+#include <cstdint>
 
 // One real transform.
 struct ORVA_FFT {
     int32_t length;  // real samples
     fftwf_plan plan; // owned; null if FFTW refused the length
 };
+
+namespace orva
+{
 
 // The one lock around FFTW's planner: plan creation, plan destruction, wisdom import and export. Another
 // family takes it where the handle is not null, and never creates or destroys it.
@@ -24,10 +28,12 @@ extern bool __FFTW_WisdomLoaded;     // the load from the store has run to its e
 extern bool __FFTW_Initialized;      // between ORVA_InitializeFFT and ORVA_FinalizeFFT
 
 // Tells the preparation to stop. Set by ORVA_FinalizeFFT and never cleared: after a restart, a preparation
-// stops behind its first length. Relaxed: no ordering rests on it, and being late by a length is harmless.
+// stops after its first length. Relaxed: no ordering rests on it, and being late by a length is harmless.
 extern std::atomic<bool> __FFTW_StopOptimization;
 
 ORVA_FFT *__FFTW_CreatePlan(int32_t length, bool inverse);
 bool __FFTW_LoadWisdom();
 bool __FFTW_SaveWisdom();
 int32_t __InitializeFFTWPlans(void *unused);
+
+} // namespace orva

@@ -7,15 +7,20 @@
 #include <kett/KTsettings.h>
 #include <kett/KTutils.h>
 
-static constexpr int32_t __FFTWInitLen[11] = {16, 32, 64, 128, 256, 512, 1024, 2048, 4096, 8192, 16384};
+namespace orva
+{
+namespace
+{
 
-static const char *dataFolder()
+constexpr int32_t __FFTWInitLen[11] = {16, 32, 64, 128, 256, 512, 1024, 2048, 4096, 8192, 16384};
+
+const char *dataFolder()
 {
     return KTENV_GetEnvValue("KT_DATA_PATH");
 }
 
 // A host may name the folder a moment after it has asked for the preparation.
-static bool waitForFolder()
+bool waitForFolder()
 {
     constexpr int32_t pauseMsec = 50;
     KTUTILS_sleep_msec(pauseMsec);
@@ -26,6 +31,8 @@ static bool waitForFolder()
     }
     return dataFolder() != nullptr;
 }
+
+} // namespace
 
 int32_t __InitializeFFTWPlans(void *)
 {
@@ -47,3 +54,5 @@ int32_t __InitializeFFTWPlans(void *)
     __FFTW_SaveWisdom();
     return true;
 }
+
+} // namespace orva

@@ -1,29 +1,53 @@
 // Processors: transforms on the arrays of the caller. They only read the plan, so they need no lock.
 #include <orva/ORVAfft.h>
 
+#include "common/numbers.h"
 #include "fft/ORVAfft_internal.h"
-
-#include <algorithm>
-#include <cstdlib>
+#include "fft/kernels/ORVAfft_kernels.h"
 
 #include <kett/KTdebug.h>
 #include <kett/KTvector.h>
 
-static int32_t binCount(const ORVA_FFT *fft)
-{
-    return fft->length / 2 + 1;
-}
+#include <algorithm>
+#include <cstdlib>
 
-static bool canExecute(const ORVA_FFT *fft)
+namespace orva
+{
+namespace
+{
+
+bool canExecute(const ORVA_FFT *fft)
 {
     return fft != nullptr && fft->plan != nullptr;
 }
 
-static void transform(const ORVA_FFT *fft, const float *input, ORVA_COMPLEX *output)
+void transform(const ORVA_FFT *fft, const float *input, ORVA_COMPLEX *output)
 {
     // FFTW leaves the input of a real-to-complex transform as it is, but does not say so in its type.
     fftwf_execute_dft_r2c(fft->plan, const_cast<float *>(input), reinterpret_cast<fftwf_complex *>(output));
 }
+
+// Whole groups of four bins, which is what power and work arrays have room for.
+int32_t groupedCount(const ORVA_FFT *fft)
+{
+    return 4 * (fft->length / 8 + 1);
+}
+
+// N values hold the groups from a length of 4 on. Those after the bins are cleared, so that nothing that the
+// heap held reaches the output.
+ORVA_COMPLEX *newWorkArray(const ORVA_FFT *fft)
+{
+    const auto size = static_cast<size_t>(std::max(fft->length, leastWorkLength));
+    auto *work = static_cast<ORVA_COMPLEX *>(fftwf_malloc(size * sizeof(ORVA_COMPLEX)));
+    if (work != nullptr)
+        std::fill(work + spectrumBins(fft->length), work + groupedCount(fft), ORVA_COMPLEX{});
+    return work;
+}
+
+} // namespace
+} // namespace orva
+
+using namespace orva;
 
 ORVA_FFT *ORVA_FFTProcCreate(int32_t length)
 {
@@ -42,7 +66,7 @@ int32_t ORVA_FFTProcExecute(const ORVA_FFT *fft, const float *input, ORVA_COMPLE
     if (!canExecute(fft) || input == nullptr || output == nullptr)
         return 0;
     transform(fft, input, output);
-    return binCount(fft);
+    return spectrumBins(fft->length);
 }
 
 int32_t ORVA_IFFTProcExecuteEx(const ORVA_FFT *fft, ORVA_COMPLEX *input, float *output, bool normalise)
@@ -59,30 +83,6 @@ int32_t ORVA_IFFTProcExecuteEx(const ORVA_FFT *fft, ORVA_COMPLEX *input, float *
     return N;
 }
 
-// Whole groups of four bins, which is what power and work arrays have room for.
-static int32_t groupedCount(const ORVA_FFT *fft)
-{
-    return 4 * (fft->length / 8 + 1);
-}
-
-// power[k] = re re + im im
-static void squareBins(const ORVA_COMPLEX *bins, float *power, int32_t count)
-{
-    for (int32_t k = 0; k < count; ++k)
-        power[k] = bins[k].re * bins[k].re + bins[k].im * bins[k].im;
-}
-
-// N values hold the groups from a length of 4 on. Those behind the bins are cleared, so that nothing that the
-// heap held reaches the output.
-static ORVA_COMPLEX *newWorkArray(const ORVA_FFT *fft)
-{
-    const auto size = static_cast<size_t>(std::max(fft->length, 4));
-    auto *work = static_cast<ORVA_COMPLEX *>(fftwf_malloc(size * sizeof(ORVA_COMPLEX)));
-    if (work != nullptr)
-        std::fill(work + binCount(fft), work + groupedCount(fft), ORVA_COMPLEX{});
-    return work;
-}
-
 int32_t ORVA_FFTProcExecutePSDEx(const ORVA_FFT *fft, const float *input, float *power, ORVA_COMPLEX *work)
 {
     if (!canExecute(fft) || input == nullptr || power == nullptr)
@@ -91,10 +91,10 @@ int32_t ORVA_FFTProcExecutePSDEx(const ORVA_FFT *fft, const float *input, float 
     if (bins == nullptr)
         return 0;
     transform(fft, input, bins);
-    squareBins(bins, power, groupedCount(fft));
+    kernels<FftKernels>().powers(bins, power, groupedCount(fft));
     if (work == nullptr)
         fftwf_free(bins);
-    return binCount(fft);
+    return spectrumBins(fft->length);
 }
 
 bool ORVA_FFTProcDestroy(ORVA_FFT *fft)

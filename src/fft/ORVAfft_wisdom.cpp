@@ -3,14 +3,17 @@
 #include "fft/ORVAfft_wisdom_grammar.h"
 #include "platform/path.h"
 
+#include <kett/KTenv.h>
+#include <kett/KTio.h>
+#include <kett/KTsettings.h>
+
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
 #include <span>
 
-#include <kett/KTenv.h>
-#include <kett/KTio.h>
-#include <kett/KTsettings.h>
+namespace orva
+{
 
 bool __FFTW_WisdomLoaded = false;
 
@@ -127,3 +130,5 @@ bool __FFTW_SaveWisdom()
     MutexUnlock(__FFTW_PlanLock);
     return isSaved;
 }
+
+} // namespace orva

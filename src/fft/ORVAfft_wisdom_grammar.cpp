@@ -4,6 +4,8 @@
 #include <cstdint>
 #include <string_view>
 
+namespace orva
+{
 namespace
 {
 
@@ -122,3 +124,5 @@ bool fitsWisdomGrammar(std::span<const char> text)
             return false;
     return true;
 }
+
+} // namespace orva

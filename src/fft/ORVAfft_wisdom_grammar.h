@@ -3,6 +3,9 @@
 
 #include <span>
 
+namespace orva
+{
+
 // Tells whether a text begins with a wisdom in exactly the form in which FFTW 3.3 writes it:
 //
 //     wisdom := "(fftw-" version " fftwf_wisdom" sum line-feed { entry } ")"
@@ -18,3 +21,5 @@
 // refuses, in silence, is a text of another version or of another set of solvers, a solver that it does not
 // know, and wisdom that turns out not to apply when a plan is made by it.
 bool fitsWisdomGrammar(std::span<const char> text);
+
+} // namespace orva

@@ -56,9 +56,9 @@ ORVA_FMCLT *ORVA_FMCLTProcCreate(int32_t blockLength)
     if (fmclt == nullptr)
         return nullptr;
     fmclt->blockLength = blockLength;
-    MutexLock(__FFTW_PlanLock); // null, and then no lock, before the engine's start
+    MutexLock(orva::__FFTW_PlanLock); // null, and then no lock, before the engine's start
     const bool made = makePlans(*fmclt);
-    MutexUnlock(__FFTW_PlanLock);
+    MutexUnlock(orva::__FFTW_PlanLock);
     if (made)
         return fmclt;
     ORVA_FMCLTProcDestroy(fmclt);
@@ -69,12 +69,12 @@ int32_t ORVA_FMCLTProcDestroy(ORVA_FMCLT *fmclt)
 {
     if (fmclt == nullptr)
         return 0;
-    MutexLock(__FFTW_PlanLock);
+    MutexLock(orva::__FFTW_PlanLock);
     for (const fftwf_plan plan : {fmclt->planDirect, fmclt->planInverse, fmclt->planTrig})
         if (plan != nullptr)
             fftwf_destroy_plan(plan);
     fftwf_free(fmclt->buffer);
-    MutexUnlock(__FFTW_PlanLock);
+    MutexUnlock(orva::__FFTW_PlanLock);
     std::free(fmclt);
     return 1;
 }

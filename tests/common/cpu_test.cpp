@@ -1,6 +1,5 @@
 // The levels of the kernels.
 #include "common/cpu.h"
-
 #include "fft/kernels/ORVAfft_kernels.h"
 
 #include <gtest/gtest.h>

@@ -3,9 +3,10 @@
 #include "fft/ORVAfft_recorder.h"
 #include "support/random.h"
 
-#include <gtest/gtest.h>
 #include <orva/ORVAcore.h>
 #include <orva/ORVAfft.h>
+
+#include <gtest/gtest.h>
 
 using Calls = std::vector<std::string>;
 

@@ -2,8 +2,11 @@
 #include "fft/ORVAfft_internal.h"
 #include "fft/ORVAfft_recorder.h"
 
-#include <gtest/gtest.h>
 #include <orva/ORVAcore.h>
+
+#include <gtest/gtest.h>
+
+using namespace orva;
 
 using recorder::answers;
 using recorder::takeCalls;

@@ -2,12 +2,13 @@
 // looks at.
 #include "fft/ORVAfft_recorder.h"
 
-#include <cstdarg>
 #include <kett/KTcore.h>
 #include <kett/KTdebug.h>
 #include <kett/KTsettings.h>
 #include <kett/KTvector.h>
 #include <kett/KTversion.h>
+
+#include <cstdarg>
 
 using recorder::note;
 

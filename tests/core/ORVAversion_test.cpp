@@ -1,8 +1,10 @@
+#include <orva/ORVAversion.h>
+
+#include <gtest/gtest.h>
+
 #include <array>
 #include <atomic>
 #include <chrono>
-#include <gtest/gtest.h>
-#include <orva/ORVAversion.h>
 #include <regex>
 #include <string>
 #include <thread>

@@ -1,13 +1,14 @@
 // Power to decibels.
-#include <orva/orva.h>
-
 #include "ORVAcomplex_reference.h"
 #include "support/bits.h"
 #include "support/random.h"
 
+#include <orva/orva.h>
+
+#include <gtest/gtest.h>
+
 #include <algorithm>
 #include <cmath>
-#include <gtest/gtest.h>
 #include <limits>
 
 using support::sameBits;

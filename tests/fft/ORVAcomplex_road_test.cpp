@@ -1,9 +1,10 @@
 // The road of one spectrum frame, from a window to decibels, as a host takes it.
 #include <orva/orva.h>
 
+#include <gtest/gtest.h>
+
 #include <cmath>
 #include <complex>
-#include <gtest/gtest.h>
 #include <numbers>
 #include <vector>
 

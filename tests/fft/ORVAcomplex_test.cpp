@@ -1,14 +1,15 @@
 // Complex vectors, the response of a pre-emphasis, complex products.
-#include <orva/orva.h>
-
 #include "support/bits.h"
 #include "support/log.h"
 #include "support/random.h"
 
+#include <orva/orva.h>
+
+#include <gtest/gtest.h>
+
 #include <cmath>
 #include <complex>
 #include <cstring>
-#include <gtest/gtest.h>
 #include <numbers>
 
 using support::bitsOf;

@@ -6,6 +6,8 @@
 #include "support/process.h"
 #include "support/random.h"
 
+using namespace orva;
+
 using store::Store;
 using support::inOwnProcess;
 

@@ -1,7 +1,6 @@
 // The kernels of the transform family: the logarithm by its accuracy, each level against the plain form bit by bit.
-#include "fft/kernels/ORVAfft_kernels.h"
-
 #include "ORVAcomplex_reference.h"
+#include "fft/kernels/ORVAfft_kernels.h"
 #include "support/bits.h"
 #include "support/levels.h"
 #include "support/random.h"

@@ -4,6 +4,8 @@
 #include "support/interposer.h"
 #include "support/process.h"
 
+using namespace orva;
+
 using store::Store;
 using support::inOwnProcess;
 

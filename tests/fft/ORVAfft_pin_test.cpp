@@ -1,7 +1,9 @@
 // FFTW stays loaded when the library that brought it is unloaded. This program is linked with neither.
-#include <cstdlib>
-#include <dlfcn.h>
 #include <gtest/gtest.h>
+
+#include <cstdlib>
+
+#include <dlfcn.h>
 
 static bool isLoaded(const char *library)
 {

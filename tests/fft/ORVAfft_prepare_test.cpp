@@ -4,10 +4,13 @@
 #include "support/log.h"
 #include "support/process.h"
 
+#include <kett/KTsettings.h>
+
 #include <algorithm>
 #include <chrono>
-#include <kett/KTsettings.h>
 #include <thread>
+
+using namespace orva;
 
 using store::Store;
 using support::inOwnProcess;

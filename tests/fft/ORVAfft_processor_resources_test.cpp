@@ -1,9 +1,10 @@
 // What the processors and the spectrum utilities ask of the heap, of locks, of files and of the log.
-#include <orva/orva.h>
-
 #include "support/interposer.h"
 
+#include <orva/orva.h>
+
 #include <gtest/gtest.h>
+
 #include <vector>
 
 using support::Counts;

@@ -1,13 +1,14 @@
 // The processors as a host uses them.
-#include <orva/orva.h>
-
 #include "support/bits.h"
 #include "support/log.h"
 #include "support/random.h"
 
+#include <orva/orva.h>
+
+#include <gtest/gtest.h>
+
 #include <cmath>
 #include <complex>
-#include <gtest/gtest.h>
 #include <memory>
 #include <numbers>
 #include <thread>

@@ -1,9 +1,5 @@
 #include "fft/ORVAfft_recorder.h"
 
-#include <algorithm>
-#include <cstdarg>
-#include <cstdio>
-#include <cstring>
 #include <kett/KTdebug.h>
 #include <kett/KTenv.h>
 #include <kett/KTio.h>
@@ -11,6 +7,11 @@
 #include <kett/KTsettings.h>
 #include <kett/KTthread.h>
 #include <kett/KTutils.h>
+
+#include <algorithm>
+#include <cstdarg>
+#include <cstdio>
+#include <cstring>
 #include <utility>
 
 namespace recorder

@@ -2,9 +2,10 @@
 // wants.
 #pragma once
 
+#include <gtest/gtest.h>
+
 #include <cstdint>
 #include <functional>
-#include <gtest/gtest.h>
 #include <source_location>
 #include <string>
 #include <vector>

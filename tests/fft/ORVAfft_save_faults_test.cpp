@@ -5,11 +5,13 @@
 // which does it at every call of the C library for files; that walk runs in any case.
 #include "fft/ORVAfft_store.h"
 
+#include <gtest/gtest.h>
+
 #include <cerrno>
 #include <functional>
-#include <gtest/gtest.h>
 #include <map>
 #include <sstream>
+
 #include <sys/wait.h>
 
 using store::Store;

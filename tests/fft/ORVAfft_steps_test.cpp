@@ -5,6 +5,8 @@
 #include "fft/ORVAfft_store.h"
 #include "support/process.h"
 
+using namespace orva;
+
 using namespace recorder;
 using support::inOwnProcess;
 

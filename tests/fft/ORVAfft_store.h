@@ -4,9 +4,11 @@
 #include "fft/ORVAfft_internal.h"
 #include "support/folder.h"
 
-#include <cstdlib>
-#include <fftw3.h>
 #include <kett/KTenv.h>
+
+#include <fftw3.h>
+
+#include <cstdlib>
 #include <string>
 #include <vector>
 
@@ -64,8 +66,8 @@ inline void learn(int length)
 // Has the engine make a plan each way, and throws both away.
 inline void plan(int32_t length)
 {
-    ORVA_FFTProcDestroy(__FFTW_CreatePlan(length, false));
-    ORVA_FFTProcDestroy(__FFTW_CreatePlan(length, true));
+    ORVA_FFTProcDestroy(orva::__FFTW_CreatePlan(length, false));
+    ORVA_FFTProcDestroy(orva::__FFTW_CreatePlan(length, true));
 }
 
 // The wisdom that planning these lengths leaves, from none before to none after.

@@ -5,9 +5,12 @@
 #include "support/process.h"
 #include "support/random.h"
 
-#include <chrono>
 #include <kett/KTsettings.h>
+
+#include <chrono>
 #include <thread>
+
+using namespace orva;
 
 using store::Store;
 using support::inOwnProcess;

@@ -8,8 +8,11 @@
 #include "support/random.h"
 
 #include <cstdio>
-#include <fcntl.h>
 #include <string>
+
+#include <fcntl.h>
+
+using namespace orva;
 
 using store::Store;
 

@@ -3,10 +3,13 @@
 #include "fft/ORVAfft_store.h"
 #include "fft/ORVAfft_wisdom_grammar.h"
 
-#include <functional>
 #include <gtest/gtest.h>
+
+#include <functional>
 #include <string>
 #include <vector>
+
+using namespace orva;
 
 namespace
 {

@@ -5,12 +5,16 @@
 #include "support/process.h"
 #include "support/random.h"
 
-#include <algorithm>
 #include <kett/KTsettings.h>
+
+#include <algorithm>
 #include <sstream>
+
 #include <sys/resource.h>
 #include <sys/stat.h>
 #include <unistd.h>
+
+using namespace orva;
 
 using store::plan;
 using store::Store;

@@ -4,12 +4,16 @@
 #include "support/log.h"
 #include "support/process.h"
 
+#include <kett/KTsettings.h>
+
 #include <algorithm>
 #include <csignal>
+
 #include <fcntl.h>
-#include <kett/KTsettings.h>
 #include <sys/resource.h>
 #include <sys/stat.h>
+
+using namespace orva;
 
 using store::plan;
 using store::Store;

@@ -6,10 +6,14 @@
 #include "fft/ORVAfft_internal.h"
 #include "support/interposer.h"
 
+#include <kett/KTenv.h>
+
 #include <cstdlib>
 #include <cstring>
-#include <kett/KTenv.h>
+
 #include <unistd.h>
+
+using namespace orva;
 
 static void mark(const char *name)
 {

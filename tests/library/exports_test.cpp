@@ -2,9 +2,10 @@
 #include "names.h"
 #include "support/command.h"
 
+#include <gtest/gtest.h>
+
 #include <filesystem>
 #include <fstream>
-#include <gtest/gtest.h>
 #include <iterator>
 #include <regex>
 #include <sstream>

@@ -1,9 +1,10 @@
 // The public headers. That each compiles on its own, as C99 and as C++20, is seen where headers_alone is built.
+#include <gtest/gtest.h>
+
 #include <algorithm>
 #include <cstdint>
 #include <filesystem>
 #include <fstream>
-#include <gtest/gtest.h>
 #include <string>
 #include <vector>
 

@@ -3,17 +3,20 @@
 
 #include "support/folder.h"
 
+#include <orva/ORVAtypes.h>
+
+#include <gtest/gtest.h>
+
 #include <array>
 #include <chrono>
 #include <cstdint>
 #include <cstdlib>
-#include <dlfcn.h>
 #include <filesystem>
 #include <fstream>
-#include <gtest/gtest.h>
-#include <orva/ORVAtypes.h>
 #include <stdexcept>
 #include <string>
+
+#include <dlfcn.h>
 
 namespace host
 {

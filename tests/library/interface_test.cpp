@@ -5,6 +5,7 @@
 #include "support/program.h"
 
 #include <gtest/gtest.h>
+
 #include <regex>
 #include <sstream>
 

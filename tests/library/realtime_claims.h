@@ -1,11 +1,12 @@
 // What the headers say about real-time threads.
 #pragma once
 
+#include <gtest/gtest.h>
+
 #include <algorithm>
 #include <cctype>
 #include <filesystem>
 #include <fstream>
-#include <gtest/gtest.h>
 #include <iterator>
 #include <regex>
 #include <set>

@@ -1,11 +1,13 @@
 // FFTW takes memory of its own while it executes a transform of an awkward length. The processors add nothing to that.
 #include "support/interposer.h"
 
-#include <algorithm>
+#include <orva/ORVAfft.h>
+
 #include <fftw3.h>
 #include <gtest/gtest.h>
+
+#include <algorithm>
 #include <memory>
-#include <orva/ORVAfft.h>
 #include <ostream>
 #include <vector>
 

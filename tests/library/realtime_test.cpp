@@ -4,11 +4,13 @@
 #include "realtime_claims.h"
 #include "support/interposer.h"
 
-#include <array>
-#include <fftw3.h>
-#include <functional>
 #include <kett/kett.h>
 #include <orva/orva.h>
+
+#include <fftw3.h>
+
+#include <array>
+#include <functional>
 
 using support::Counts;
 

@@ -1,9 +1,10 @@
 // A host that uses FFTW itself, beside the library.
 #include "host.h"
 
+#include <fftw3.h>
+
 #include <algorithm>
 #include <cstring>
-#include <fftw3.h>
 #include <memory>
 #include <set>
 #include <sstream>

@@ -3,8 +3,9 @@
 #include "host.h"
 
 #include <algorithm>
-#include <malloc.h>
 #include <vector>
+
+#include <malloc.h>
 
 using namespace host;
 

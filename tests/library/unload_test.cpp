@@ -7,8 +7,9 @@
 #include <csignal>
 #include <set>
 #include <sstream>
-#include <sys/stat.h>
 #include <thread>
+
+#include <sys/stat.h>
 #include <unistd.h>
 #ifdef __x86_64__
 #include <xmmintrin.h>

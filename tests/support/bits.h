@@ -1,11 +1,12 @@
 // Comparison of results bit by bit, the measure wherever the bits are part of the contract.
 #pragma once
 
+#include <gtest/gtest.h>
+
 #include <bit>
 #include <cmath>
 #include <cstddef>
 #include <cstdint>
-#include <gtest/gtest.h>
 #include <iomanip>
 #include <span>
 #include <vector>

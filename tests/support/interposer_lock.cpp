@@ -2,6 +2,7 @@
 #include "support/interposer_internal.h"
 
 #include <ctime>
+
 #include <pthread.h>
 #include <semaphore.h>
 #include <unistd.h>

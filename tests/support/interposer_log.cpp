@@ -2,9 +2,10 @@
 // and nothing else.
 #include "support/interposer_internal.h"
 
+#include <kett/KTdebug.h>
+
 #include <cstdarg>
 #include <cstdio>
-#include <kett/KTdebug.h>
 
 using namespace support::interposer;
 

@@ -1,23 +1,26 @@
 #include "support/interposer.h"
 #include "support/log.h"
 
+#include <kett/KTmem.h>
+#include <kett/KTmutex.h>
+
+#include <gtest/gtest.h>
+
 #include <cerrno>
 #include <csignal>
 #include <cstdlib>
-#include <fcntl.h>
 #include <filesystem>
 #include <functional>
-#include <gtest/gtest.h>
-#include <kett/KTmem.h>
-#include <kett/KTmutex.h>
+#include <semaphore>
+#include <string>
+#include <thread>
+
+#include <fcntl.h>
 #include <malloc.h>
 #include <pthread.h>
 #include <semaphore.h>
-#include <semaphore>
-#include <string>
 #include <sys/stat.h>
 #include <sys/wait.h>
-#include <thread>
 #include <unistd.h>
 
 using support::Counts;

@@ -1,6 +1,7 @@
 // peak FILE PROGRAM ARGUMENTS... - runs a program and writes into FILE the most memory that it had at a time, in
 // kilobytes. A process begins with the peak of the one that starts it, so what starts it here is small.
 #include <cstdio>
+
 #include <sys/resource.h>
 #include <sys/wait.h>
 #include <unistd.h>

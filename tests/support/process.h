@@ -1,10 +1,12 @@
 // A case in a process of its own: whatever it leaves behind in a library reaches no other case.
 #pragma once
 
+#include <gtest/gtest.h>
+
 #include <cstdio>
 #include <cstdlib>
 #include <functional>
-#include <gtest/gtest.h>
+
 #include <sys/wait.h>
 #include <unistd.h>
 

@@ -4,13 +4,14 @@
 #include "support/folder.h"
 
 #include <cerrno>
-#include <fcntl.h>
-#include <spawn.h>
 #include <stdexcept>
 #include <string>
+#include <vector>
+
+#include <fcntl.h>
+#include <spawn.h>
 #include <sys/wait.h>
 #include <unistd.h>
-#include <vector>
 
 namespace support
 {

@@ -1,11 +1,12 @@
 // Random input for tests. Every test draws afresh; the seed is printed with the line that repeats the run.
 #pragma once
 
+#include <gtest/gtest.h>
+
 #include <bit>
 #include <cstdint>
 #include <cstdio>
 #include <cstdlib>
-#include <gtest/gtest.h>
 #include <random>
 #include <vector>
 

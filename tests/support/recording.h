@@ -3,6 +3,7 @@
 
 #include <gtest/gtest.h>
 #include <sndfile.h>
+
 #include <stdexcept>
 #include <string>
 #include <vector>
