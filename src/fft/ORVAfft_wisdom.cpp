@@ -31,7 +31,7 @@ bool findStore(StorePath &path)
     const char *folder = KTENV_GetEnvValue("KT_DATA_PATH");
     if (folder == nullptr || !KTSETTINGS_GetBoolEx(nullptr, "orva.fftw.use_wisdom=[1]"))
         return false;
-    std::snprintf(path.text, sizeof path.text, "%s%c%s", folder, orva::pathSeparator, "ruko.optimization");
+    std::snprintf(path.text, sizeof path.text, "%s%c%s", folder, pathSeparator, "ruko.optimization");
     return true;
 }
 
