@@ -59,25 +59,6 @@ void checkDecibels(const FftKernels &kernels, uint32_t first)
     }
 }
 
-// Ordinary numbers, any bit pattern, and the values at which branches turn.
-std::vector<float> mixed(support::Random &random, size_t size)
-{
-    constexpr float inf = std::numeric_limits<float>::infinity();
-    const float special[] = {0.0f, -0.0f,         1.0f,   -1.0f,           inf,
-                             -inf, std::nanf(""), 1e-45f, 1.17549435e-38f, 3.4e38f};
-    std::vector<float> values(size);
-    for (auto &x : values) {
-        const auto kind = random.integer(0, 9);
-        if (kind == 0)
-            x = special[random.integer(0, 9)];
-        else if (kind == 1)
-            x = random.anyFloat();
-        else
-            x = static_cast<float>(random.real(-2.0, 2.0));
-    }
-    return values;
-}
-
 // What `run` writes into a vector of `room` floats, `offset` floats from an aligned place; what it leaves stays a mark.
 template <class Run> std::vector<float> written(size_t room, size_t offset, Run run)
 {
@@ -135,8 +116,8 @@ TEST(FftKernels, GiveTheBitsOfThePlainFormAtEverySizeAndAlignment)
         for (int32_t count = 0; count <= 300; ++count) {
             const auto size = static_cast<size_t>(count);
             const auto offset = static_cast<size_t>(random.integer(0, 15));
-            const auto a = mixed(random, 2 * size + offset);
-            const auto b = mixed(random, 2 * size + offset);
+            const auto a = random.mixed(2 * size + offset);
+            const auto b = random.mixed(2 * size + offset);
             const auto *first = reinterpret_cast<const ORVA_COMPLEX *>(a.data() + offset);
             const auto *second = reinterpret_cast<const ORVA_COMPLEX *>(b.data() + offset);
             const DecibelScale scale = {static_cast<float>(random.real(0.0, 2.0)),
@@ -170,8 +151,8 @@ TEST(FftKernels, GiveThemWhereOutputAndInputAreOneOrOverlap)
         const FftKernels &fast = kernelsAt<FftKernels>(level);
         for (int32_t shift = -40; shift <= 40; ++shift) {
             constexpr int32_t count = 60;
-            const auto start = mixed(random, 2 * (count + 80));
-            const auto other = mixed(random, 2 * count);
+            const auto start = random.mixed(2 * (count + 80));
+            const auto other = random.mixed(2 * count);
             const auto run = [&](const FftKernels &kernels, bool isFirst) {
                 auto values = start;
                 auto *input = reinterpret_cast<ORVA_COMPLEX *>(values.data()) + 40;
@@ -183,7 +164,7 @@ TEST(FftKernels, GiveThemWhereOutputAndInputAreOneOrOverlap)
                 EXPECT_TRUE(sameBits(run(fast, isFirst), run(plainKernels(), isFirst)))
                     << nameOf(level) << ", shifted by " << shift;
         }
-        auto power = mixed(random, 256);
+        auto power = random.mixed(256);
         auto expected = power;
         plainKernels().decibels(expected.data(), expected.data(), 256, {1.0f, 1.0f, -120.0f});
         fast.decibels(power.data(), power.data(), 256, {1.0f, 1.0f, -120.0f});

@@ -7,6 +7,7 @@
 #include <cstdint>
 #include <cstdio>
 #include <cstdlib>
+#include <limits>
 #include <random>
 #include <vector>
 
@@ -53,6 +54,26 @@ public:
     float anyFloat()
     {
         return std::bit_cast<float>(static_cast<uint32_t>(engine()));
+    }
+
+    // Ordinary numbers among which any bit pattern and the values at which branches turn are strewn.
+    std::vector<float> mixed(size_t length)
+    {
+        constexpr float inf = std::numeric_limits<float>::infinity();
+        constexpr float special[] = {
+            0.0f,   -0.0f,           1.0f,   -1.0f, inf, -inf, std::numeric_limits<float>::quiet_NaN(),
+            1e-45f, 1.17549435e-38f, 3.4e38f};
+        std::vector<float> values(length);
+        for (auto &x : values) {
+            const auto kind = integer(0, 9);
+            if (kind == 0)
+                x = special[integer(0, 9)];
+            else if (kind == 1)
+                x = anyFloat();
+            else
+                x = static_cast<float>(real(-2.0, 2.0));
+        }
+        return values;
     }
 
 private:
