@@ -3,6 +3,7 @@
  *     cc core.c $(pkg-config --cflags --libs orva) -o core
  */
 #include <orva/orva.h>
+
 #include <stdio.h>
 
 int main(void)

@@ -3,9 +3,11 @@
  *     cc fft.c $(pkg-config --cflags --libs orva kett sndfile) -lm -o fft
  */
 #include <kett/kett.h>
-#include <math.h>
 #include <orva/orva.h>
+
 #include <sndfile.h>
+
+#include <math.h>
 #include <stdio.h>
 
 enum { length = 16384, room = length / 2 + 4 }; /* powers come by fours, up to three more than bins */

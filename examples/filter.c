@@ -4,7 +4,9 @@
  */
 #include <kett/kett.h>
 #include <orva/orva.h>
+
 #include <sndfile.h>
+
 #include <stdio.h>
 
 enum { blockFrames = 512, mostChannels = 8 };

@@ -3,7 +3,9 @@
  *     cc fmclt.c $(pkg-config --cflags --libs orva sndfile) -o fmclt
  */
 #include <orva/orva.h>
+
 #include <sndfile.h>
+
 #include <stdio.h>
 
 enum { M = 512 }; /* samples, and coefficients, of a block */

@@ -3,6 +3,7 @@
  *     cc interpolate.c $(pkg-config --cflags --libs orva) -o interpolate
  */
 #include <orva/orva.h>
+
 #include <stdio.h>
 
 enum { points = 5 };

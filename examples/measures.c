@@ -3,7 +3,9 @@
  *     cc measures.c $(pkg-config --cflags --libs orva sndfile) -o measures
  */
 #include <orva/orva.h>
+
 #include <sndfile.h>
+
 #include <stdio.h>
 
 enum { mostRate = 192000 };

@@ -3,9 +3,11 @@
  *     cc noisesup.c $(pkg-config --cflags --libs orva kett sndfile) -lm -o noisesup
  */
 #include <kett/kett.h>
-#include <math.h>
 #include <orva/orva.h>
+
 #include <sndfile.h>
+
+#include <math.h>
 #include <stdio.h>
 
 enum { rate = 16000, frame = rate / 100, delay = frame * 3 / 5 }; /* it comes out 6 ms late */

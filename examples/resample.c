@@ -3,10 +3,12 @@
  *     cc resample.c $(pkg-config --cflags --libs orva sndfile) -o resample
  */
 #include <orva/orva.h>
+
 #include <sndfile.h>
+
 #include <stdio.h>
 
-enum { from = 48000, to = 16000, block = 1024, room = block * to / from + 1 };
+enum { from = 48000, to = 16000, blockFrames = 1024, room = blockFrames * to / from + 1 };
 
 int main(int count, char **arguments)
 {
@@ -23,9 +25,9 @@ int main(int count, char **arguments)
         return 1;
     }
 
-    float in[block], out[room];
+    float in[blockFrames], out[room];
     sf_count_t length, made, all = 0, written = 0;
-    while ((length = sf_read_float(sound, in, block)) > 0) {
+    while ((length = sf_read_float(sound, in, blockFrames)) > 0) {
         made = ORVA_Resample(converter, in, out, (int32_t) length);
         written += sf_write_float(output, out, made);
         all += length;

@@ -3,10 +3,13 @@
  *     cc solafs.c $(pkg-config --cflags --libs orva sndfile) -o solafs
  */
 #include <orva/orva.h>
+
 #include <sndfile.h>
+
 #include <stdio.h>
 
-enum { rate = 48000, frameMs = 20, frame = frameMs * rate / 1000, block = 4800, room = 10 * block };
+enum { rate = 48000, frameMs = 20, frame = frameMs * rate / 1000 };
+enum { blockFrames = 4800, room = 10 * blockFrames };
 
 int main(int count, char **arguments)
 {
@@ -25,10 +28,10 @@ int main(int count, char **arguments)
         return 1;
     }
 
-    static float in[block], out[room];
+    static float in[blockFrames], out[room];
     sf_count_t pushed = 0, pulled = 0, written = 0;
     while (pushed < all) {
-        const sf_count_t offered = all - pushed < block ? all - pushed : block;
+        const sf_count_t offered = all - pushed < blockFrames ? all - pushed : blockFrames;
         for (sf_count_t n = sf_read_float(sound, in, offered); n < offered; ++n)
             in[n] = 0; /* silence after the end */
         pushed += ORVA_SolafsInputData(voice, 0, in, (int32_t) offered, 0.7f);

@@ -3,6 +3,7 @@
  *     cc window.c $(pkg-config --cflags --libs orva) -o window
  */
 #include <orva/orva.h>
+
 #include <stdio.h>
 
 enum { length = 1024, count = 4 };

@@ -4,7 +4,9 @@
  */
 #include <kett/kett.h>
 #include <orva/orva.h>
+
 #include <sndfile.h>
+
 #include <stdio.h>
 
 enum { length = 16384, lags = 2 * length - 1 }; /* four times the longest delay, or more, does best */

@@ -15,56 +15,102 @@
 #include "common/sound.h"
 
 #include <kett/kett.h>
-#include <math.h>
 #include <orva/orva.h>
+
+#include <math.h>
 #include <stdio.h>
 #include <string.h>
 
 typedef struct {
-    sound *first, *second;
-    int channel; /* of the second; the first has channel 1 */
-    int32_t frame, lags;
-    int64_t heard, *found; /* frames that are not silent; how many of them peak at each lag */
-    float *x, *y, *r, *mean;
+    Sound *first;
+    Sound *second;
+    int channel;    /* of the second; the first has channel 1 */
+    int32_t frame;  /* samples that are compared at a time */
+    int32_t lags;   /* that a frame has: lag t stands at t + frame - 1 */
+    int64_t heard;  /* frames that are not silent */
+    int64_t *found; /* how many of them peak at each lag */
+    float *x;       /* a frame of the first sound */
+    float *y;       /* and of the second */
+    float *r;       /* their correlation */
+    float *mean;    /* the mean of it */
     double coefficient;
-} search;
+} Search;
 
-static bool compare(search *s)
+static bool makeRoom(Search *s, KT_MEM *memory)
+{
+    s->lags = 2 * s->frame - 1;
+    s->x = KTMEM_NewFloatVector(memory, s->frame);
+    s->y = KTMEM_NewFloatVector(memory, s->frame);
+    s->r = KTMEM_NewFloatVector(memory, s->lags);
+    s->mean = KTMEM_NewFloatVector(memory, s->lags);
+    s->found = KTMEM_NewEx(memory, (uint64_t) s->lags * sizeof *s->found, 0);
+    if (s->x == NULL || s->y == NULL || s->r == NULL || s->mean == NULL || s->found == NULL)
+        return refuse("out of memory");
+    return true;
+}
+
+static bool readFrames(Search *s)
+{
+    return soundRead(s->first, 1, s->x, s->frame) > 0 && soundRead(s->second, s->channel, s->y, s->frame) > 0;
+}
+
+/* Below -60 dB re full scale there is nothing to compare. */
+static bool bothAreHeard(const Search *s)
+{
+    const double least = 1e-6 * s->frame;
+    return FVectorSumOfSquares(s->x, s->frame) >= least && FVectorSumOfSquares(s->y, s->frame) >= least;
+}
+
+static void compareFrames(Search *s, ORVA_XCORR *xcorr)
+{
+    ++s->heard;
+    ORVA_XcorrPhatProcess(xcorr, s->y, s->x, s->r); /* the later one first */
+    ++s->found[FVectorArgAbsMax(s->r, s->lags, NULL)];
+    for (int32_t i = 0; i < s->lags; ++i)
+        s->mean[i] += (s->r[i] - s->mean[i]) / (float) s->heard;
+    s->coefficient = fmax(s->coefficient, ORVA_XcorrCoef(s->y, s->frame, s->x, s->frame, NULL));
+}
+
+static bool compare(Search *s)
 {
     ORVA_XCORR *xcorr = ORVA_XcorrProcCreate(s->frame, s->frame);
-    while (xcorr != NULL && sound_read(s->first, 1, s->x, s->frame) > 0 &&
-           sound_read(s->second, s->channel, s->y, s->frame) > 0) {
-        progress_show(s->first->position, s->first->length);
-        const double quieter = fmin(FVectorSumOfSquares(s->x, s->frame), FVectorSumOfSquares(s->y, s->frame));
-        if (quieter < 1e-6 * s->frame) /* below -60 dB re full scale there is nothing to compare */
-            continue;
-        s->heard++;
-        ORVA_XcorrPhatProcess(xcorr, s->y, s->x, s->r); /* the later one first */
-        s->found[FVectorArgAbsMax(s->r, s->lags, NULL)]++;
-        for (int32_t i = 0; i < s->lags; ++i)
-            s->mean[i] += (s->r[i] - s->mean[i]) / (float) s->heard;
-        s->coefficient = fmax(s->coefficient, ORVA_XcorrCoef(s->y, s->frame, s->x, s->frame, NULL));
+    if (xcorr == NULL)
+        return refuse("out of memory");
+    while (readFrames(s)) {
+        progressShow(s->first->position, s->first->length);
+        if (bothAreHeard(s))
+            compareFrames(s, xcorr);
     }
-    progress_clear();
+    progressClear();
     ORVA_XcorrProcDestroy(xcorr);
     return s->heard > 0 || refuse("%s: no frame in which both sounds are heard", s->second->path);
 }
 
-static bool report(const search *s, const char *path)
+static int32_t commonestLag(const Search *s)
 {
     int32_t best = 0;
     for (int32_t i = 1; i < s->lags; ++i)
-        best = s->found[i] > s->found[best] ? i : best;
+        if (s->found[i] > s->found[best])
+            best = i;
+    return best;
+}
+
+static bool report(const Search *s, const char *path)
+{
     const double ms = 1000.0 / s->first->info.samplerate;
-    const int32_t zero = s->frame - 1, lag = best - zero, reach = s->frame / 16;
+    const int32_t best = commonestLag(s);
+    const int32_t zero = s->frame - 1;
+    const int32_t lag = best - zero;
+    const int32_t reach = s->frame / 16;
     char subtitle[128];
     snprintf(subtitle, sizeof subtitle, "lag %d samples, %.3f ms", lag, lag * ms);
-    plot *picture = plot_create(sound_name(s->second->path), subtitle, 1, 300, false);
-    plot_panel(picture, 0, axis_linear((lag - reach) * ms, (lag + reach) * ms, "Lag (ms)"),
-               axis_linear(-0.2, 1, "Correlation, phase transform"));
-    plot_samples(picture, 0, -zero * ms, ms, s->mean, s->lags, NULL);
-    const bool done = plot_save(picture, path);
-    plot_destroy(picture);
+
+    Plot *picture = plotCreate(soundName(s->second->path), subtitle, 1, 300, false);
+    plotPanel(picture, 0, axisLinear((lag - reach) * ms, (lag + reach) * ms, "Lag (ms)"),
+              axisLinear(-0.2, 1, "Correlation, phase transform"));
+    plotSamples(picture, 0, -zero * ms, ms, s->mean, s->lags, NULL);
+    const bool done = plotSave(picture, path);
+    plotDestroy(picture);
     if (done)
         printf("%s: lag %d samples, %.3f ms, in %lld of %lld frames; peak %.2f, coefficient %.2f\n", path,
                lag, lag * ms, (long long) s->found[best], (long long) s->heard, (double) s->mean[best],
@@ -72,28 +118,37 @@ static bool report(const search *s, const char *path)
     return done;
 }
 
+/* Compares two files, or two channels of the same one, and draws the result. */
+static bool run(Search *s, const char *first, const char *second, const char *picture)
+{
+    s->first = soundOpen(first);
+    if (s->first == NULL)
+        return false;
+    s->second = soundOpen(second);
+    if (s->second == NULL)
+        return false;
+    return soundHasChannel(s->second, s->channel) && compare(s) && report(s, picture);
+}
+
 int main(int count, char **arguments)
 {
-    const int given = count > 3 && strstr(arguments[2], ".png") == NULL ? 4 : 3;
-    search s = {.frame = 16384, .channel = given == 4 ? 1 : 2};
-    const option key = {"frame", OPTION_INTEGER, &s.frame, 64, 1 << 24, "a whole number from 64 to 16777216"};
-    const bool fits = count == given || count == given + 1;
-    bool done = fits || refuse("usage: delay SOUND [SECOND] PICTURE.png [frame=N]");
-    done = done && options_read(arguments[given], &key, 1);
-    s.lags = 2 * s.frame - 1;
+    Search s = {.frame = 16384};
+    const Option key = {"frame", integerOption, &s.frame, 64, 1 << 24, "a whole number from 64 to 16777216"};
+    const bool twoFiles = count > 3 && strstr(arguments[2], ".png") == NULL;
+    const int files = twoFiles ? 2 : 1;
+    const int config = files + 2; /* its place among the arguments, null where it is not given */
+    if (count != config && count != config + 1) {
+        refuse("usage: delay SOUND [SECOND] PICTURE.png [frame=N]");
+        return 1;
+    }
+    if (!optionsRead(arguments[config], &key, 1))
+        return 1;
+
+    s.channel = twoFiles ? 1 : 2;
     KT_MEM *memory = KTMEM_CreateMemDescrEx("delay", 0, 0);
-    s.x = KTMEM_NewFloatVector(memory, s.lags);
-    s.y = KTMEM_NewFloatVector(memory, s.lags);
-    s.r = KTMEM_NewFloatVector(memory, s.lags);
-    s.mean = KTMEM_NewFloatVector(memory, s.lags);
-    s.found = KTMEM_NewEx(memory, (uint64_t) s.lags * sizeof *s.found, 0);
-    done = done && ((s.x && s.y && s.r && s.mean && s.found) || refuse("out of memory"));
-    s.first = done ? sound_open(arguments[1]) : NULL;
-    s.second = s.first != NULL ? sound_open(arguments[given - 2]) : NULL;
-    done = s.second != NULL && sound_has_channel(s.second, s.channel) && compare(&s) &&
-           report(&s, arguments[given - 1]);
-    sound_close(s.first);
-    sound_close(s.second);
+    const bool done = makeRoom(&s, memory) && run(&s, arguments[1], arguments[files], arguments[files + 1]);
+    soundClose(s.first);
+    soundClose(s.second);
     KTMEM_DisposeMemDescr(memory);
     return done ? 0 : 1;
 }

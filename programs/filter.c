@@ -20,80 +20,108 @@
 #include "common/sound.h"
 
 #include <kett/KTvector.h>
-#include <math.h>
 #include <orva/orva.h>
+
+#include <math.h>
 #include <stdio.h>
 #include <stdlib.h>
 
-enum { blockFrames = 4096 };
-
-static bool run(_ORVA_FILTER *filter, sound *input, sound_output *output, float *loudest)
+/* Sends the sound through, block by block; puts the loudest sample that comes out into *loudest. */
+static bool filterAll(_ORVA_FILTER *filter, Sound *input, SoundOutput *output, float *loudest)
 {
     const int channels = input->info.channels;
     float *block = allocate((size_t) blockFrames * (size_t) channels, sizeof *block);
     bool done = true;
+    *loudest = 0;
     for (int64_t start = 0; done && start < input->length; start += blockFrames) {
-        const int64_t left = input->length - start, frames = left < blockFrames ? left : blockFrames;
-        const int32_t floats = (int32_t) frames * channels;
-        sound_read(input, 0, block, frames);
-        ORVA_Filter(filter, block, block, (uint32_t) floats);
-        *loudest = fmaxf(*loudest, FVectorAbsMax(block, floats));
-        done = sound_write(output, block, frames);
-        progress_show(start + frames, input->length);
+        const int64_t left = input->length - start;
+        const int64_t frames = left < blockFrames ? left : blockFrames;
+        const int32_t samples = (int32_t) frames * channels;
+        soundRead(input, 0, block, frames);
+        ORVA_Filter(filter, block, block, (uint32_t) samples);
+        *loudest = fmaxf(*loudest, FVectorAbsMax(block, samples));
+        done = soundWrite(output, block, frames);
+        progressShow(start + frames, input->length);
     }
     free(block);
     return done;
 }
 
-static bool measure(_ORVA_FILTER *mono, response *measured)
+static bool measure(_ORVA_FILTER *mono, Response *measured)
 {
-    float *answer = allocate(RESPONSE_SAMPLES, sizeof *answer);
+    float *answer = allocate(responseSamples, sizeof *answer);
     answer[0] = 1;
-    ORVA_Filter(mono, answer, answer, RESPONSE_SAMPLES);
-    const bool done = response_measure(answer, measured);
+    ORVA_Filter(mono, answer, answer, responseSamples);
+    const bool done = responseMeasure(answer, measured);
     free(answer);
     return done;
 }
 
-static bool draw(const response *measured, double rate, const char *config, const char *path)
+static bool draw(const Response *measured, double rate, const char *config, const char *path)
 {
-    const double top = 10 * ceil(fmax(measured->gain[measured->greatest], -200) / 10);
-    const double step = rate / RESPONSE_SAMPLES;
-    const axis hertz = axis_frequency(rate / 4800, rate / 2, true);
-    plot *picture = plot_create("Response of the filter", config, 2, 220, false);
-    plot_panel(picture, 0, hertz, axis_linear(top - 80, top, "Gain (dB)"));
-    plot_panel(picture, 1, hertz, axis_phase());
-    plot_samples(picture, 0, 0, step, measured->gain, RESPONSE_BINS, NULL);
-    plot_samples(picture, 1, 0, step, measured->phase, RESPONSE_BINS, NULL);
-    const bool done = plot_save(picture, path);
-    plot_destroy(picture);
+    const double greatest = measured->gain[measured->greatest];
+    const double top = 10 * ceil(fmax(greatest, -200) / 10);
+    const double step = rate / responseSamples;
+    const Axis hertz = axisFrequency(rate / 4800, rate / 2, true);
+
+    Plot *picture = plotCreate("Response of the filter", config, 2, 220, false);
+    plotPanel(picture, 0, hertz, axisLinear(top - 80, top, "Gain (dB)"));
+    plotPanel(picture, 1, hertz, axisPhase());
+    plotSamples(picture, 0, 0, step, measured->gain, responseBins, NULL);
+    plotSamples(picture, 1, 0, step, measured->phase, responseBins, NULL);
+    const bool done = plotSave(picture, path);
+    plotDestroy(picture);
+    return done;
+}
+
+/* Writes the sound and the picture, and says what is in them. */
+static bool writeBoth(_ORVA_FILTER *filter, Sound *input, const Response *measured, char **arguments)
+{
+    const char *wav = arguments[2];
+    const char *png = arguments[3];
+    const double rate = input->info.samplerate;
+    const int channels = input->info.channels;
+    SoundOutput *output = soundCreate(wav, input, input->info.samplerate, channels);
+    if (output == NULL)
+        return false;
+    float loudest;
+    bool done = filterAll(filter, input, output, &loudest) && draw(measured, rate, arguments[4], png);
+    done = soundFinish(output, done);
+    if (done) {
+        printf("%s: %.2f s, channels: %d, loudest sample: %.1f dB\n", wav, (double) input->length / rate,
+               channels, 20 * log10f(loudest));
+        printf("%s: 0 to %g Hz, greatest gain: %.1f dB at %.0f Hz\n", png, rate / 2,
+               measured->gain[measured->greatest], measured->greatest * rate / responseSamples);
+        soundNoteDamage(input);
+    }
+    return done;
+}
+
+static bool run(Sound *input, char **arguments)
+{
+    static Response measured;
+    const int rate = input->info.samplerate;
+    _ORVA_FILTER *mono =
+        filterFromText(arguments[4], rate, 1); /* the response is measured with one channel */
+    if (mono == NULL)
+        return false;
+    bool done = false;
+    _ORVA_FILTER *filter = filterFromText(arguments[4], rate, input->info.channels);
+    if (filter != NULL)
+        done = measure(mono, &measured) && writeBoth(filter, input, &measured, arguments);
+    ORVA_DestroyFilter(filter);
+    ORVA_DestroyFilter(mono);
     return done;
 }
 
 int main(int count, char **arguments)
 {
-    static response measured;
-    const bool ready = count == 5 || refuse("usage: filter SOUND OUTPUT.wav RESPONSE.png CONFIGURATION");
-    sound *input = ready ? sound_open(arguments[1]) : NULL;
-    const double rate = input ? input->info.samplerate : 0;
-    const int channels = input ? input->info.channels : 0;
-    _ORVA_FILTER *mono = input ? filter_from_text(arguments[4], (int) rate, 1) : NULL;
-    _ORVA_FILTER *filter = mono ? filter_from_text(arguments[4], (int) rate, channels) : NULL;
-    bool done = filter != NULL && measure(mono, &measured);
-    sound_output *output = done ? sound_create(arguments[2], input, input->info.samplerate, channels) : NULL;
-    float loudest = 0;
-    done = output != NULL && run(filter, input, output, &loudest) &&
-           draw(&measured, rate, arguments[4], arguments[3]);
-    done = sound_finish(output, done);
-    if (done) {
-        printf("%s: %.2f s, channels: %d, loudest sample: %.1f dB\n", arguments[2],
-               (double) input->length / rate, channels, 20 * log10f(loudest));
-        printf("%s: 0 to %g Hz, greatest gain: %.1f dB at %.0f Hz\n", arguments[3], rate / 2,
-               measured.gain[measured.greatest], measured.greatest * rate / RESPONSE_SAMPLES);
-        sound_note_damage(input);
+    if (count != 5) {
+        refuse("usage: filter SOUND OUTPUT.wav RESPONSE.png CONFIGURATION");
+        return 1;
     }
-    ORVA_DestroyFilter(filter);
-    ORVA_DestroyFilter(mono);
-    sound_close(input);
+    Sound *input = soundOpen(arguments[1]);
+    const bool done = input != NULL && run(input, arguments);
+    soundClose(input);
     return done ? 0 : 1;
 }

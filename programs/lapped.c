@@ -13,47 +13,56 @@
 #include "common/options.h"
 
 #include <kett/KTvector.h>
-#include <math.h>
 #include <orva/orva.h>
+
+#include <math.h>
 #include <stdio.h>
 #include <string.h>
 
 enum { mostBlock = 65536 };
-static float window[2 * (mostBlock + 1)], real[mostBlock], imag[mostBlock], last[mostBlock];
-static float before[mostBlock], behind[mostBlock]; /* the gate; levels in dB */
+
+static float window[2 * (mostBlock + 1)];
+static float real[mostBlock], imag[mostBlock];
+static float last[mostBlock];                     /* the block before the present one */
+static float before[mostBlock], after[mostBlock]; /* the gate; levels in dB */
 
 typedef struct {
-    ORVA_FMCLT *fmclt;                 /* serves all channels in turn */
-    int32_t M;                         /* samples, and coefficients, of a block */
-    float least;                       /* level that passes, dB */
-    double length, passed, all, error; /* samples of the sound; coefficients; sum of squares */
-    comparison picture;
-} lapping;
+    ORVA_FMCLT *fmclt;  /* serves all channels in turn */
+    int32_t M;          /* samples, and coefficients, of a block */
+    float least;        /* level that passes, dB */
+    double length;      /* samples of the sound */
+    double passed, all; /* coefficients */
+    double error;       /* sum of squares, without the gate */
+    Comparison picture;
+} Lapping;
 
 /* Zeroes what is below the gate of the block that is centred on a sample. */
-static void gate(lapping *l, double middle)
+static void gate(Lapping *l, double middle)
 {
     const double sine = sqrt(8.0 * l->M) / acos(-1.0); /* the coefficient of one of full scale */
     for (int32_t k = 0; k < l->M; ++k) {
         before[k] = (float) (20 * log10(hypot((double) real[k], (double) imag[k]) / sine));
         const bool passes = before[k] >= l->least;
         l->passed += passes;
-        behind[k] = passes ? before[k] : -INFINITY;
+        after[k] = passes ? before[k] : -INFINITY;
         real[k] = passes ? real[k] : 0;
         imag[k] = passes ? imag[k] : 0;
     }
     l->all += l->M;
-    const double left = (middle - 0.5 * l->M) / l->length, right = (middle + 0.5 * l->M) / l->length;
-    raster_add(l->picture.before, left, right, before, l->M);
-    raster_add(l->picture.after, left, right, behind, l->M);
+    const double left = (middle - 0.5 * l->M) / l->length;
+    const double right = (middle + 0.5 * l->M) / l->length;
+    rasterAdd(l->picture.before, left, right, before, l->M);
+    rasterAdd(l->picture.after, left, right, after, l->M);
 }
 
 /* Puts the gated block before it in the place of a block. */
-static void lap(void *context, block *one)
+static void lap(void *context, Block *one)
 {
-    lapping *l = context;
+    Lapping *l = context;
     const int32_t M = l->M;
-    float *history = one->state, *plain = history + M, *gated = plain + M;
+    float *history = one->state; /* of the way there, and of both ways back, without the gate and with it */
+    float *plain = history + M;
+    float *gated = plain + M;
     memcpy(last, history, (size_t) M * sizeof *last);
     ORVA_FMCLTDirect(l->fmclt, real, imag, one->samples, history, window);
     ORVA_FMCLTInverse(l->fmclt, real, imag, one->samples, plain, window);
@@ -64,35 +73,52 @@ static void lap(void *context, block *one)
     ORVA_FMCLTInverse(l->fmclt, real, imag, one->samples, gated, window);
 }
 
+static bool lapAll(Lapping *l, Sound *input, const char *wav, const char *png)
+{
+    SoundOutput *output = soundCreate(wav, input, input->info.samplerate, input->info.channels);
+    if (output == NULL)
+        return false;
+    const BlockProcess process = {l->M, l->M, 3 * (int64_t) l->M, lap, l};
+    const bool done = blocksRun(input, output, &process) &&
+                      comparisonSave(&l->picture, 100, "Before the gate (dB)", "Behind the gate (dB)", png);
+    return soundFinish(output, done);
+}
+
+static bool run(Lapping *l, Sound *input, const char *wav, const char *png)
+{
+    const int rate = input->info.samplerate;
+    l->length = (double) input->length;
+    l->fmclt = ORVA_FMCLTProcCreate(l->M);
+    if (l->fmclt == NULL)
+        return refuse("out of memory");
+    ORVA_FMCLTFreqWindow(window, l->M);
+    l->picture = comparisonBegin(soundName(input->path), "Levels of the lapped coefficients",
+                                 l->length / rate, rate / 2.0);
+    const bool done = lapAll(l, input, wav, png);
+    if (done) {
+        soundNoteDamage(input);
+        printf("%s: %.2f s, through the gate: %.1f %% of the coefficients; error without it: %.0f dB\n", wav,
+               l->length / rate, 100 * l->passed / l->all, 10 * log10(2 * l->error / l->all));
+    }
+    comparisonDestroy(&l->picture);
+    ORVA_FMCLTProcDestroy(l->fmclt);
+    return done;
+}
+
 int main(int count, char **arguments)
 {
-    lapping l = {.M = 512, .least = -60};
-    const option options[] = {{"block", OPTION_INTEGER, &l.M, 1, mostBlock, "a whole number from 1 to 65536"},
-                              {"gate", OPTION_REAL, &l.least, -300, 300, "a number from -300 to 300"}};
-    const bool ready = count == 4 || count == 5 ||
-                       refuse("usage: lapped SOUND OUTPUT.wav PICTURE.png [\"block=N; gate=DB\"]");
-    sound *input = ready && options_read(arguments[4], options, 2) ? sound_open(arguments[1]) : NULL;
-    const int channels = input ? input->info.channels : 0, rate = input ? input->info.samplerate : 0;
-    sound_output *output = input ? sound_create(arguments[2], input, rate, channels) : NULL;
-    bool done = output != NULL;
-    if (done) {
-        l.length = (double) input->length;
-        l.picture = comparison_begin(sound_name(arguments[1]), "Levels of the lapped coefficients",
-                                     l.length / rate, rate / 2.0);
-        l.fmclt = ORVA_FMCLTProcCreate(l.M);
-        ORVA_FMCLTFreqWindow(window, l.M);
-        const block_process process = {l.M, l.M, 3 * (int64_t) l.M, lap, &l};
-        done = (l.fmclt != NULL || refuse("out of memory")) && blocks_run(input, output, &process) &&
-               comparison_save(&l.picture, 100, "Before the gate (dB)", "Behind the gate (dB)", arguments[3]);
-        done = sound_finish(output, done);
-        ORVA_FMCLTProcDestroy(l.fmclt);
-        comparison_destroy(&l.picture);
+    Lapping l = {.M = 512, .least = -60};
+    const Option options[] = {{"block", integerOption, &l.M, 1, mostBlock, "a whole number from 1 to 65536"},
+                              {"gate", realOption, &l.least, -300, 300, "a number from -300 to 300"}};
+    if (count != 4 && count != 5) {
+        refuse("usage: lapped SOUND OUTPUT.wav PICTURE.png [\"block=N; gate=DB\"]");
+        return 1;
     }
-    if (done) {
-        sound_note_damage(input);
-        printf("%s: %.2f s, through the gate: %.1f %% of the coefficients; error without it: %.0f dB\n",
-               arguments[2], l.length / rate, 100 * l.passed / l.all, 10 * log10(2 * l.error / l.all));
-    }
-    sound_close(input);
+    if (!optionsRead(arguments[4], options, sizeof options / sizeof *options))
+        return 1;
+
+    Sound *input = soundOpen(arguments[1]);
+    const bool done = input != NULL && run(&l, input, arguments[2], arguments[3]);
+    soundClose(input);
     return done ? 0 : 1;
 }

@@ -17,28 +17,50 @@
 #include <stdio.h>
 #include <string.h>
 
+static bool run(Sound *input, int rate, const char *config, const char *path)
+{
+    Conversion c;
+    if (!conversionBegin(&c, input, rate, config)) {
+        conversionEnd(&c);
+        return false;
+    }
+    bool done = false;
+    SoundOutput *output = soundCreate(path, input, rate, c.channels);
+    if (output != NULL)
+        done = soundFinish(output, conversionRun(&c, input, output));
+    if (done) {
+        printf("%s: %lld frames at %d Hz became %lld at %d Hz\n", path, (long long) input->length, c.from,
+               (long long) c.total, rate);
+        soundNoteDamage(input);
+    }
+    conversionEnd(&c);
+    return done;
+}
+
 int main(int count, char **arguments)
 {
-    const option keys[] = {{"type", OPTION_TEXT, "polyphase poly zoh", 0, 0, "polyphase, poly or zoh"},
-                           {"order", OPTION_INTEGER, NULL, 1, 1 << 20, "a whole number from 1 to 1048576"},
-                           {"delaycompensation", OPTION_TEXT, "1 0 yes no", 0, 0, "yes or no"}};
-    bool done = count == 4 || count == 5 || refuse("usage: resample SOUND OUTPUT.wav RATE [CONFIGURATION]");
-    const char *config = count == 5 ? arguments[4] : "";
-    const int rate = done ? options_number(arguments[3], 1000000) : 0;
-    done = done && (rate > 0 || refuse("rate: %s is not from 1 to 1000000", arguments[3])) &&
-           (strlen(config) <= 256 || refuse("configuration: longer than 256 bytes")) &&
-           options_read(config, keys, sizeof keys / sizeof *keys);
-    sound *input = done ? sound_open(arguments[1]) : NULL;
-    conversion c = {0};
-    done = input != NULL && conversion_begin(&c, input, rate, config);
-    sound_output *output = done ? sound_create(arguments[2], input, rate, c.channels) : NULL;
-    done = sound_finish(output, output != NULL && conversion_run(&c, input, output));
-    if (done) {
-        printf("%s: %lld frames at %d Hz became %lld at %d Hz\n", arguments[2], (long long) input->length,
-               c.from, (long long) c.total, rate);
-        sound_note_damage(input);
+    const Option keys[] = {{"type", textOption, "polyphase poly zoh", 0, 0, "polyphase, poly or zoh"},
+                           {"order", integerOption, NULL, 1, 1 << 20, "a whole number from 1 to 1048576"},
+                           {"delaycompensation", textOption, "1 0 yes no", 0, 0, "yes or no"}};
+    if (count != 4 && count != 5) {
+        refuse("usage: resample SOUND OUTPUT.wav RATE [CONFIGURATION]");
+        return 1;
     }
-    conversion_end(&c);
-    sound_close(input);
+    const int rate = optionsNumber(arguments[3], 1000000);
+    if (rate == 0) {
+        refuse("rate: %s is not from 1 to 1000000", arguments[3]);
+        return 1;
+    }
+    const char *config = count == 5 ? arguments[4] : "";
+    if (strlen(config) > 256) {
+        refuse("configuration: longer than 256 bytes");
+        return 1;
+    }
+    if (!optionsRead(config, keys, sizeof keys / sizeof *keys))
+        return 1;
+
+    Sound *input = soundOpen(arguments[1]);
+    const bool done = input != NULL && run(input, rate, config, arguments[2]);
+    soundClose(input);
     return done ? 0 : 1;
 }

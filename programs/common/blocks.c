@@ -6,11 +6,11 @@
 #include <stdlib.h>
 
 /* Takes the channels of interleaved frames apart, has each processed, and puts them together again. */
-static void run_channels(const block_process *process, int channels, int64_t start, float *all, float *one,
-                         float *states)
+static void runChannels(const BlockProcess *process, int channels, int64_t start, float *all, float *one,
+                        float *states)
 {
     for (int channel = 0; channel < channels; ++channel) {
-        block present = {channel, start, one, states + process->state * channel};
+        Block present = {channel, start, one, states + process->state * channel};
         for (int64_t i = 0; i < process->length; ++i)
             one[i] = all[i * channels + channel];
         process->run(process->context, &present);
@@ -19,20 +19,23 @@ static void run_channels(const block_process *process, int channels, int64_t sta
     }
 }
 
-bool blocks_run(sound *input, sound_output *output, const block_process *process)
+bool blocksRun(Sound *input, SoundOutput *output, const BlockProcess *process)
 {
     const int channels = input->info.channels;
-    const int64_t length = process->length, delay = process->delay, end = input->length + delay;
+    const int64_t length = process->length;
+    const int64_t delay = process->delay;
+    const int64_t end = input->length + delay;
     float *all = allocate((size_t) channels, (size_t) (length + process->state) * sizeof *all);
-    float *states = all + length * channels, *one = allocate((size_t) length, sizeof *one);
+    float *states = all + length * channels;
+    float *one = allocate((size_t) length, sizeof *one);
     bool done = true;
     for (int64_t start = 0; done && start < end; start += length) {
-        sound_read(input, 0, all, length);
-        run_channels(process, channels, start, all, one, states);
+        soundRead(input, 0, all, length);
+        runChannels(process, channels, start, all, one, states);
         const int64_t first = delay > start ? delay - start : 0;
         const int64_t last = end - start < length ? end - start : length;
-        done = first >= last || sound_write(output, all + first * channels, last - first);
-        progress_show(start + length, end);
+        done = first >= last || soundWrite(output, all + first * channels, last - first);
+        progressShow(start + length, end);
     }
     free(one);
     free(all);

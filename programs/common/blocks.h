@@ -9,18 +9,18 @@ typedef struct {
     int64_t start;  /* the frame with which it begins */
     float *samples; /* of this channel alone; to be turned, in place, into what comes out */
     float *state;   /* the channel's own room, zeros at its first block */
-} block;
+} Block;
 
 typedef struct {
     int32_t length; /* frames in a block; the last one is filled up with zeros */
     int64_t delay;  /* frames by which what comes out lies behind what goes in */
     int64_t state;  /* floats that a channel needs from one block to the next */
-    void (*run)(void *context, block *one);
+    void (*run)(void *context, Block *one);
     void *context;
-} block_process;
+} BlockProcess;
 
 /* Sends all of input through and writes as many frames as it has: zeros behind its end bring out the last of
    the sound, and the first delay frames are left out. */
-bool blocks_run(sound *input, sound_output *output, const block_process *process);
+bool blocksRun(Sound *input, SoundOutput *output, const BlockProcess *process);
 
 #endif

@@ -12,7 +12,7 @@ static const double table[][3] = {
     {0.987053, 0.991438, 0.749504}};
 enum { steps = sizeof table / sizeof *table - 1 };
 
-uint32_t colormap_color(double level)
+uint32_t colormapColor(double level)
 {
     const double place = level > 0.0 ? (level < 1.0 ? level * steps : steps) : 0.0;
     const int below = place < steps ? (int) place : steps - 1;

@@ -6,6 +6,6 @@
 
 /* The colour of a level from 0, black, to 1, pale yellow, as 0x00RRGGBB. A level outside counts as the nearer
    end, one that is not a number as 0. */
-uint32_t colormap_color(double level);
+uint32_t colormapColor(double level);
 
 #endif

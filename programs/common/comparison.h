@@ -5,16 +5,16 @@
 #include "plot.h"
 
 typedef struct {
-    plot *picture;
-    raster *before, *after; /* to be filled with levels in dB */
-} comparison;
+    Plot *picture;
+    Raster *before, *after; /* to be filled with levels in dB */
+} Comparison;
 
 /* Both panels reach over these seconds and from 0 to top hertz. */
-comparison comparison_begin(const char *title, const char *subtitle, double seconds, double top);
+Comparison comparisonBegin(const char *title, const char *subtitle, double seconds, double top);
 
 /* Draws what the two were filled with, from -range to 0 dB, under a label each, and writes the picture. */
-bool comparison_save(comparison *both, double range, const char *before, const char *after, const char *path);
+bool comparisonSave(Comparison *both, double range, const char *before, const char *after, const char *path);
 
-void comparison_destroy(comparison *both);
+void comparisonDestroy(Comparison *both);
 
 #endif

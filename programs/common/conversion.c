@@ -5,25 +5,27 @@
 #include "messages.h"
 #include "progress.h"
 
-#include <errno.h>
 #include <kett/KTdebug.h>
+
+#include <errno.h>
 #include <stdio.h>
 #include <stdlib.h>
 #include <string.h>
-#include <unistd.h>
 
-enum { blockFrames = 4096 };
+#include <unistd.h>
 
 static void complain(void *done, int32_t level, int32_t code, const char *text)
 {
-    (void) level, (void) code;
+    (void) level;
+    (void) code;
     *(bool *) done = refuse("%s", text);
 }
 
-bool conversion_begin(conversion *c, const sound *input, int rate, const char *config)
+bool conversionBegin(Conversion *c, const Sound *input, int rate, const char *config)
 {
-    const int channels = input->info.channels, old = input->info.samplerate;
-    *c = (conversion){.channels = channels, .from = old, .to = rate};
+    const int channels = input->info.channels;
+    const int old = input->info.samplerate;
+    *c = (Conversion){.channels = channels, .from = old, .to = rate};
     c->total = (input->length * rate + old - 1) / old;
     c->each = allocate((size_t) channels, sizeof *c->each);
     bool done = true;
@@ -34,21 +36,22 @@ bool conversion_begin(conversion *c, const sound *input, int rate, const char *c
     return done;
 }
 
-bool conversion_run(const conversion *c, sound *input, sound_output *output)
+bool conversionRun(const Conversion *c, Sound *input, SoundOutput *output)
 {
     const int32_t most = c->to / c->from + 1; /* samples for one; a block gives one more */
     const int32_t block = most < blockFrames ? blockFrames / most : 1;
     const int32_t room = block * most + 1 + ORVA_ResampleFlushBufferSize(c->each[0]);
     float *in = allocate((size_t) (block + room) * (size_t) c->channels, sizeof *in);
     float *one = allocate((size_t) (block + room), sizeof *one);
-    float *out = in + (int64_t) block * c->channels, *converted = one + block;
+    float *out = in + (int64_t) block * c->channels;
+    float *converted = one + block;
     bool done = true;
     for (int64_t position = 0, left = c->total; done && left > 0; position += block) {
         const int64_t rest = input->length - position;
         const int32_t count = (int32_t) (rest < block ? rest : block);
         int32_t written = 0;
         if (count > 0)
-            sound_read(input, 0, in, count);
+            soundRead(input, 0, in, count);
         for (int channel = 0; channel < c->channels; ++channel) {
             for (int32_t i = 0; i < count; ++i)
                 one[i] = in[(int64_t) i * c->channels + channel];
@@ -57,16 +60,16 @@ bool conversion_run(const conversion *c, sound *input, sound_output *output)
             for (int32_t i = 0; i < written; ++i)
                 out[(int64_t) i * c->channels + channel] = converted[i];
         }
-        done = sound_write(output, out, written);
+        done = soundWrite(output, out, written);
         left -= written;
-        progress_show(position + count, input->length);
+        progressShow(position + count, input->length);
     }
     free(in);
     free(one);
     return done;
 }
 
-void conversion_end(conversion *c)
+void conversionEnd(Conversion *c)
 {
     for (int i = 0; i < c->channels && c->each[i] != NULL; ++i)
         ORVA_ResampleDestroy(c->each[i]);
@@ -74,7 +77,7 @@ void conversion_end(conversion *c)
 }
 
 /* A file without a name, for samples as they are in memory. */
-static SNDFILE *open_scratch(int rate, int channels)
+static SNDFILE *openScratch(int rate, int channels)
 {
     SF_INFO info = {.samplerate = rate, .channels = channels};
     info.format = SF_FORMAT_RAW | SF_FORMAT_FLOAT | SF_ENDIAN_CPU;
@@ -88,23 +91,25 @@ static SNDFILE *open_scratch(int rate, int channels)
     return file;
 }
 
-sound *conversion_of(sound *input, int rate)
+Sound *conversionOf(Sound *input, int rate)
 {
-    conversion c;
-    sound_output scratch = {.path = "temporary file", .channels = input->info.channels};
-    bool done = conversion_begin(&c, input, rate, NULL) &&
-                (scratch.file = open_scratch(rate, scratch.channels)) != NULL &&
-                conversion_run(&c, input, &scratch);
-    conversion_end(&c);
+    Conversion c;
+    SoundOutput scratch = {.path = "temporary file", .channels = input->info.channels};
+    bool done = conversionBegin(&c, input, rate, NULL);
+    if (done) {
+        scratch.file = openScratch(rate, scratch.channels);
+        done = scratch.file != NULL && conversionRun(&c, input, &scratch);
+    }
+    conversionEnd(&c);
     if (!done) {
         if (scratch.file != NULL)
             sf_close(scratch.file);
         return NULL;
     }
-    sound *result = allocate(1, sizeof *result);
-    *result = (sound){.path = input->path, .file = scratch.file, .info = input->info, .length = c.total};
+    Sound *result = allocate(1, sizeof *result);
+    *result = (Sound){.path = input->path, .file = scratch.file, .info = input->info, .length = c.total};
     result->info.samplerate = rate;
     result->info.frames = c.total;
-    result->block = allocate((size_t) SOUND_BLOCK * (size_t) scratch.channels, sizeof(float));
+    result->block = allocate((size_t) blockFrames * (size_t) scratch.channels, sizeof(float));
     return result;
 }

@@ -7,21 +7,21 @@
 
 #include <stdint.h>
 
-enum { ENVELOPE_STRETCHES = 4096 };
+enum { mostStretches = 4096 };
 
 /* All zero is an empty one. */
 typedef struct {
     int doublings; /* a stretch is 2 to this many frames */
     int64_t total; /* frames taken in */
-    float least[ENVELOPE_STRETCHES], most[ENVELOPE_STRETCHES];
-} envelope;
+    float least[mostStretches], most[mostStretches];
+} Envelope;
 
 /* Takes in frames, channels interleaved; the outline is that of all channels together. */
-void envelope_add(envelope *outline, const float *samples, int64_t frames, int channels);
+void envelopeAdd(Envelope *outline, const float *samples, int64_t frames, int channels);
 
 /* Draws an outline in a panel of its own, whose axes reach to these seconds and as far as its greatest value;
    what lies behind is left out. The label is that of the vertical axis. */
-void envelope_draw(const envelope *outline, plot *picture, int panel, int rate, double seconds,
-                   const char *label);
+void envelopeDraw(const Envelope *outline, Plot *picture, int panel, int rate, double seconds,
+                  const char *label);
 
 #endif

@@ -5,9 +5,9 @@
 #include <stdlib.h>
 #include <string.h>
 
-frames frames_begin(sound *input, int channel, int32_t size, int32_t hop)
+Frames framesBegin(Sound *input, int channel, int32_t size, int32_t hop)
 {
-    return (frames){.input = input,
+    return (Frames){.input = input,
                     .channel = channel,
                     .size = size,
                     .hop = hop,
@@ -16,16 +16,16 @@ frames frames_begin(sound *input, int channel, int32_t size, int32_t hop)
 }
 
 /* Moves the frame on by count samples, of which the last fill its end. */
-static void advance(frames *reader, int64_t count)
+static void advance(Frames *reader, int64_t count)
 {
     const int32_t size = reader->size;
     for (; count > size; count -= size)
-        sound_read(reader->input, reader->channel, reader->samples, size);
+        soundRead(reader->input, reader->channel, reader->samples, size);
     memmove(reader->samples, reader->samples + count, (size_t) (size - count) * sizeof(float));
-    sound_read(reader->input, reader->channel, reader->samples + (size - count), count);
+    soundRead(reader->input, reader->channel, reader->samples + (size - count), count);
 }
 
-bool frames_next(frames *reader, float *frame)
+bool framesNext(Frames *reader, float *frame)
 {
     if (reader->next >= reader->count)
         return false;
@@ -35,22 +35,22 @@ bool frames_next(frames *reader, float *frame)
     return true;
 }
 
-static double hops_to_fraction(const frames *reader, double hops)
+static double hopsToFraction(const Frames *reader, double hops)
 {
     return hops * reader->hop / (double) reader->input->length;
 }
 
-double frames_left(const frames *reader)
+double framesLeft(const Frames *reader)
 {
-    return hops_to_fraction(reader, (double) reader->next - 1.5);
+    return hopsToFraction(reader, (double) reader->next - 1.5);
 }
 
-double frames_right(const frames *reader)
+double framesRight(const Frames *reader)
 {
-    return reader->next < reader->count ? hops_to_fraction(reader, (double) reader->next - 0.5) : 1.0;
+    return reader->next < reader->count ? hopsToFraction(reader, (double) reader->next - 0.5) : 1.0;
 }
 
-void frames_end(frames *reader)
+void framesEnd(Frames *reader)
 {
     free(reader->samples);
 }

@@ -7,25 +7,25 @@
 #include "sound.h"
 
 typedef struct {
-    sound *input;
+    Sound *input;
     int channel;
     int32_t size, hop;
     int64_t count;  /* frames in all: ceil(length / hop) */
     int64_t next;   /* the number of the frame that comes next */
     float *samples; /* the present frame, size samples */
-} frames;
+} Frames;
 
 /* Reads input, which is at its start, by frames of size samples. */
-frames frames_begin(sound *input, int channel, int32_t size, int32_t hop);
+Frames framesBegin(Sound *input, int channel, int32_t size, int32_t hop);
 
 /* Writes the next frame, size samples; false behind the last. */
-bool frames_next(frames *reader, float *frame);
+bool framesNext(Frames *reader, float *frame);
 
 /* Where the stretch begins and ends for which the frame just read speaks, 0 and 1 being the ends of the file:
    half a hop to either side, and for the last frame all that is left. */
-double frames_left(const frames *reader);
-double frames_right(const frames *reader);
+double framesLeft(const Frames *reader);
+double framesRight(const Frames *reader);
 
-void frames_end(frames *reader);
+void framesEnd(Frames *reader);
 
 #endif

@@ -12,7 +12,7 @@ static void say(const char *format, va_list arguments)
     for (char *c = line; *c != '\0'; ++c)
         if ((unsigned char) *c < 0x20 || *c == 0x7f)
             *c = '?';
-    progress_clear();
+    progressClear();
     fprintf(stderr, "%s\n", line);
 }
 

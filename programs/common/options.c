@@ -4,6 +4,7 @@
 
 #include <kett/KTstring.h>
 #include <orva/ORVAwinfnc.h>
+
 #include <stdio.h>
 #include <stdlib.h>
 #include <string.h>
@@ -13,7 +14,7 @@ static const char separators[] = " \t\n\v\f\r;,";
 static const char notInKey[] = " \t\n\v\f\r;,=\"[]";
 
 /* The end of the value that starts at text, or null if there is none there. */
-static const char *value_end(const char *text)
+static const char *valueEnd(const char *text)
 {
     if (*text == '"') {
         const char *quote = strchr(text + 1, '"');
@@ -32,7 +33,7 @@ static const char *value_end(const char *text)
     return length > 0 ? text + length : NULL;
 }
 
-static bool key_known(const char *key, size_t length, const option *options, size_t count)
+static bool keyKnown(const char *key, size_t length, const Option *options, size_t count)
 {
     for (size_t i = 0; i < count; ++i)
         if (strlen(options[i].key) == length && strncmp(options[i].key, key, length) == 0)
@@ -46,7 +47,7 @@ static void append(char *list, size_t size, const char *name)
     snprintf(list + used, size - used, "%s%s", used > 0 ? ", " : "", name);
 }
 
-static bool refuse_key(const char *key, size_t length, const option *options, size_t count)
+static bool refuseKey(const char *key, size_t length, const Option *options, size_t count)
 {
     char known[256] = "";
     for (size_t i = 0; i < count; ++i)
@@ -55,7 +56,7 @@ static bool refuse_key(const char *key, size_t length, const option *options, si
 }
 
 /* What looks up one key passes over whatever is no pair, so the string is first read as a whole. */
-static bool check_pairs(const char *config, const option *options, size_t count)
+static bool checkPairs(const char *config, const Option *options, size_t count)
 {
     const char *text = config;
     while (*(text += strspn(text, separators)) != '\0') {
@@ -63,17 +64,17 @@ static bool check_pairs(const char *config, const option *options, size_t count)
         const char *equals = text + length + strspn(text + length, blanks);
         const char *end = NULL;
         if (length > 0 && *equals == '=')
-            end = value_end(equals + 1 + strspn(equals + 1, blanks));
+            end = valueEnd(equals + 1 + strspn(equals + 1, blanks));
         if (end == NULL || (*end != '\0' && strchr(separators, *end) == NULL))
             return refuse("configuration: no key=value pair at \"%s\"", text);
-        if (!key_known(text, length, options, count))
-            return refuse_key(text, length, options, count);
+        if (!keyKnown(text, length, options, count))
+            return refuseKey(text, length, options, count);
         text = end;
     }
     return true;
 }
 
-static bool read_integer(const char *config, const option *asked)
+static bool readInteger(const char *config, const Option *asked)
 {
     /* A text that is no number gives the default, whichever it is. */
     const int32_t value = KTSTRING_GetIntegerValueFromString(config, asked->key, 0);
@@ -85,7 +86,7 @@ static bool read_integer(const char *config, const option *asked)
     return true;
 }
 
-static bool read_real(const char *config, const option *asked)
+static bool readReal(const char *config, const Option *asked)
 {
     const float value = KTSTRING_GetFloatValueFromString(config, asked->key, 0.0f);
     if (value != KTSTRING_GetFloatValueFromString(config, asked->key, 1.0f) || value < (float) asked->least ||
@@ -96,17 +97,17 @@ static bool read_real(const char *config, const option *asked)
     return true;
 }
 
-static bool same_name(const char *name, const char *text)
+static bool sameName(const char *name, const char *text)
 {
     const size_t longer = strlen(name) > strlen(text) ? strlen(name) : strlen(text);
     return KTSTRING_CompareInsensitiveN(name, text, (int64_t) longer) == 0;
 }
 
 /* A name that the library does not know gives the type of "Rectangular", so the name is compared once more. */
-static bool read_window(const char *config, const option *asked, const char *text)
+static bool readWindow(const char *config, const Option *asked, const char *text)
 {
     const int32_t type = ORVA_GetWindowTypeFromStringConfig(config, asked->key, 0);
-    if (same_name(ORVA_GetWindowName(type), text)) {
+    if (sameName(ORVA_GetWindowName(type), text)) {
         *(int32_t *) asked->value = type;
         return true;
     }
@@ -118,7 +119,7 @@ static bool read_window(const char *config, const option *asked, const char *tex
 }
 
 /* The case counts. */
-static bool is_one_of(const char *words, const char *text)
+static bool isOneOf(const char *words, const char *text)
 {
     const size_t length = strlen(text);
     for (const char *word = words; *word != '\0'; word += strspn(word, " ")) {
@@ -130,47 +131,47 @@ static bool is_one_of(const char *words, const char *text)
     return false;
 }
 
-static bool read_option(const char *config, const option *asked)
+static bool readOption(const char *config, const Option *asked)
 {
     char text[128];
     if (KTSTRING_GetStringValueFromString(config, asked->key, NULL, text, sizeof text) == 0)
         return true;
     bool good = false;
     switch (asked->kind) {
-    case OPTION_INTEGER:
-        good = read_integer(config, asked);
+    case integerOption:
+        good = readInteger(config, asked);
         break;
-    case OPTION_REAL:
-        good = read_real(config, asked);
+    case realOption:
+        good = readReal(config, asked);
         break;
-    case OPTION_TEXT:
-        good = asked->value == NULL || is_one_of(asked->value, text);
+    case textOption:
+        good = asked->value == NULL || isOneOf(asked->value, text);
         break;
-    case OPTION_WINDOW:
-        return read_window(config, asked, text);
-    case OPTION_VECTOR:
+    case windowOption:
+        return readWindow(config, asked, text);
+    case vectorOption:
         good = KTSTRING_GetVectorSizeFromString(config, asked->key, NULL) != 0;
         break;
-    case OPTION_MATRIX:
+    case matrixOption:
         good = KTSTRING_GetMatrixSizeFromString(config, asked->key, NULL, NULL) != 0;
         break;
     }
     return good || refuse("configuration: %s=%s is not %s", asked->key, text, asked->meaning);
 }
 
-bool options_read(const char *config, const option *options, size_t count)
+bool optionsRead(const char *config, const Option *options, size_t count)
 {
     if (config == NULL)
         return true;
-    if (!check_pairs(config, options, count))
+    if (!checkPairs(config, options, count))
         return false;
     for (size_t i = 0; i < count; ++i)
-        if (!read_option(config, &options[i]))
+        if (!readOption(config, &options[i]))
             return false;
     return true;
 }
 
-int32_t options_number(const char *argument, int32_t most)
+int32_t optionsNumber(const char *argument, int32_t most)
 {
     char *end;
     const long number = strtol(argument, &end, 10);

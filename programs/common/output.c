@@ -8,10 +8,11 @@
 #include <stdio.h>
 #include <stdlib.h>
 #include <string.h>
+
 #include <sys/stat.h>
 #include <unistd.h>
 
-char *output_begin(const char *path, const char *ending)
+char *outputBegin(const char *path, const char *ending)
 {
     const size_t length = strlen(path);
     const size_t tail = strlen(ending);
@@ -37,7 +38,7 @@ char *output_begin(const char *path, const char *ending)
     return part;
 }
 
-bool output_end(const char *path, char *part, bool complete)
+bool outputEnd(const char *path, char *part, bool complete)
 {
     if (part == NULL)
         return false;

@@ -23,44 +23,44 @@ static double middle(double length, double place)
     return (point < (int) length ? point : (int) length - 1) + 0.5;
 }
 
-void plot_axis_across(cairo_t *cairo, const plot_area *area)
+void plotAxisAcross(cairo_t *cairo, const PlotArea *area)
 {
-    double ticks[AXIS_TICKS];
-    const int count = axis_ticks(&area->across, (int) (area->width / acrossPerTick), ticks);
-    lettering letters = {.size = 15, .anchor = 0.5};
+    double ticks[mostTicks];
+    const int count = axisTicks(&area->across, (int) (area->width / acrossPerTick), ticks);
+    Lettering letters = {.size = 15, .anchor = 0.5};
     for (int i = 0; i < count; ++i) {
         char text[32];
-        const double x = area->x + middle(area->width, axis_place(&area->across, ticks[i]));
+        const double x = area->x + middle(area->width, axisPlace(&area->across, ticks[i]));
         line(cairo, x, area->y, x, area->y - area->height, gridGrey);
         line(cairo, x, area->y, x, area->y + tickLength, plotInk);
-        axis_text(&area->across, ticks, count, i, text, sizeof text);
-        text_draw(cairo, letters, x, area->y + tickLength + 17, text);
+        axisText(&area->across, ticks, count, i, text, sizeof text);
+        textDraw(cairo, letters, x, area->y + tickLength + 17, text);
     }
     letters.size = 16;
-    text_draw(cairo, letters, area->x + area->width / 2, area->y + 48, area->across.label);
+    textDraw(cairo, letters, area->x + area->width / 2, area->y + 48, area->across.label);
 }
 
-void plot_axis_up(cairo_t *cairo, const plot_area *area, bool right)
+void plotAxisUp(cairo_t *cairo, const PlotArea *area, bool right)
 {
     const double edge = right ? area->x + area->width : area->x;
     const double outward = right ? 1 : -1;
-    double ticks[AXIS_TICKS];
-    const int count = axis_ticks(&area->up, (int) (area->height / upPerTick), ticks);
-    lettering letters = {.size = 15, .anchor = right ? 0 : 1};
+    double ticks[mostTicks];
+    const int count = axisTicks(&area->up, (int) (area->height / upPerTick), ticks);
+    Lettering letters = {.size = 15, .anchor = right ? 0 : 1};
     for (int i = 0; i < count; ++i) {
         char text[32];
-        const double y = area->y - middle(area->height, axis_place(&area->up, ticks[i]));
+        const double y = area->y - middle(area->height, axisPlace(&area->up, ticks[i]));
         if (!right)
             line(cairo, area->x, y, area->x + area->width, y, gridGrey);
         line(cairo, edge, y, edge + outward * tickLength, y, plotInk);
-        axis_text(&area->up, ticks, count, i, text, sizeof text);
-        text_draw(cairo, letters, edge + outward * (tickLength + 4), y + 5, text);
+        axisText(&area->up, ticks, count, i, text, sizeof text);
+        textDraw(cairo, letters, edge + outward * (tickLength + 4), y + 5, text);
     }
-    letters = (lettering){.size = 16, .anchor = 0.5};
-    text_draw_upright(cairo, letters, edge + (right ? 68 : -60), area->y - area->height / 2, area->up.label);
+    letters = (Lettering){.size = 16, .anchor = 0.5};
+    textDrawUpright(cairo, letters, edge + (right ? 68 : -60), area->y - area->height / 2, area->up.label);
 }
 
-void plot_frame(cairo_t *cairo, const plot_area *area)
+void plotFrame(cairo_t *cairo, const PlotArea *area)
 {
     cairo_set_source_rgb(cairo, plotInk, plotInk, plotInk);
     cairo_set_line_width(cairo, 1);

@@ -4,12 +4,12 @@
 
 static const double barGap = 20, barWidth = 18;
 
-raster *plot_raster(const plot *picture, int panel)
+Raster *plotRaster(const Plot *picture, int panel)
 {
-    return raster_create((int) picture->areas[panel].width, (int) picture->areas[panel].height);
+    return rasterCreate((int) picture->areas[panel].width, (int) picture->areas[panel].height);
 }
 
-static void fill(cairo_surface_t *image, const raster *grid, double low, double high)
+static void fill(cairo_surface_t *image, const Raster *grid, double low, double high)
 {
     cairo_surface_flush(image);
     unsigned char *bytes = cairo_image_surface_get_data(image);
@@ -18,12 +18,12 @@ static void fill(cairo_surface_t *image, const raster *grid, double low, double 
         const float *values = grid->values + (int64_t) row * grid->columns;
         uint32_t *colors = (uint32_t *) (void *) (bytes + (grid->rows - 1 - row) * stride);
         for (int column = 0; column < grid->columns; ++column)
-            colors[column] = colormap_color((values[column] - low) / (high - low));
+            colors[column] = colormapColor((values[column] - low) / (high - low));
     }
     cairo_surface_mark_dirty(image);
 }
 
-static void draw_colors(cairo_t *cairo, const plot_area *area, const raster *grid, double low, double high)
+static void drawColors(cairo_t *cairo, const PlotArea *area, const Raster *grid, double low, double high)
 {
     cairo_surface_t *image = cairo_image_surface_create(CAIRO_FORMAT_RGB24, grid->columns, grid->rows);
     if (cairo_surface_status(image) == CAIRO_STATUS_SUCCESS)
@@ -33,24 +33,24 @@ static void draw_colors(cairo_t *cairo, const plot_area *area, const raster *gri
     cairo_surface_destroy(image);
 }
 
-static void draw_bar(cairo_t *cairo, const plot_area *area, double low, double high, const char *label)
+static void drawBar(cairo_t *cairo, const PlotArea *area, double low, double high, const char *label)
 {
-    plot_area bar = {
+    PlotArea bar = {
         .x = area->x + area->width + barGap, .y = area->y, .width = barWidth, .height = area->height};
-    bar.up = axis_linear(low, high, label);
-    raster *scale = raster_create((int) bar.width, (int) bar.height);
+    bar.up = axisLinear(low, high, label);
+    Raster *scale = rasterCreate((int) bar.width, (int) bar.height);
     for (int row = 0; row < scale->rows; ++row)
         for (int column = 0; column < scale->columns; ++column)
             scale->values[row * scale->columns + column] =
                 (float) (low + (high - low) * (row + 0.5) / scale->rows);
-    draw_colors(cairo, &bar, scale, low, high);
-    plot_axis_up(cairo, &bar, true);
-    plot_frame(cairo, &bar);
-    raster_destroy(scale);
+    drawColors(cairo, &bar, scale, low, high);
+    plotAxisUp(cairo, &bar, true);
+    plotFrame(cairo, &bar);
+    rasterDestroy(scale);
 }
 
-void plot_image(plot *picture, int panel, const raster *grid, double low, double high, const char *label)
+void plotImage(Plot *picture, int panel, const Raster *grid, double low, double high, const char *label)
 {
-    draw_colors(picture->cairo, &picture->areas[panel], grid, low, high);
-    draw_bar(picture->cairo, &picture->areas[panel], low, high, label);
+    drawColors(picture->cairo, &picture->areas[panel], grid, low, high);
+    drawBar(picture->cairo, &picture->areas[panel], low, high, label);
 }

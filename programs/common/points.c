@@ -5,17 +5,17 @@
 
 #include <kett/KTstring.h>
 
-bool points_read(const char *config, points *curve)
+bool pointsRead(const char *config, Points *curve)
 {
-    double rows[POINTS_MOST][2];
+    double rows[mostPoints][2];
     int32_t columns = 0;
-    const option key = {"points", OPTION_MATRIX, NULL, 0, 0, "a matrix such as [100 3; 1000 0; 5000 -2]"};
-    if (!options_read(config, &key, 1))
+    const Option key = {"points", matrixOption, NULL, 0, 0, "a matrix such as [100 3; 1000 0; 5000 -2]"};
+    if (!optionsRead(config, &key, 1))
         return false;
     curve->count = 0;
     KTSTRING_GetMatrixSizeFromString(config, key.key, &curve->count, &columns);
-    if (columns != 2 || curve->count < 2 || curve->count > POINTS_MOST)
-        return refuse("configuration: give points, 2 to %d rows of two numbers", POINTS_MOST);
+    if (columns != 2 || curve->count < 2 || curve->count > mostPoints)
+        return refuse("configuration: give points, 2 to %d rows of two numbers", mostPoints);
     KTSTRING_GetDoubleMatrixValuesFromString(config, key.key, rows[0], curve->count, 2);
     for (int32_t i = 0; i < curve->count; ++i) {
         curve->x[i] = rows[i][0];

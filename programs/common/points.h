@@ -5,15 +5,15 @@
 #include <stdbool.h>
 #include <stdint.h>
 
-enum { POINTS_MOST = 256 };
+enum { mostPoints = 256 };
 
 typedef struct {
     int32_t count; /* 2 at least */
-    double x[POINTS_MOST], y[POINTS_MOST];
-} points;
+    double x[mostPoints], y[mostPoints];
+} Points;
 
 /* Reads the points. Refuses what is no matrix of two columns, fewer than two rows, more than there is room
    for, and x that do not rise from row to row. */
-bool points_read(const char *config, points *curve);
+bool pointsRead(const char *config, Points *curve);
 
 #endif

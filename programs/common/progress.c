@@ -4,6 +4,7 @@
 #include <stdbool.h>
 #include <stdio.h>
 #include <time.h>
+
 #include <unistd.h>
 
 static const double quietSeconds = 1.0 / 3.0;
@@ -23,7 +24,7 @@ static double seconds(void)
     return (double) now.tv_sec + 1e-9 * (double) now.tv_nsec;
 }
 
-void progress_show(int64_t done, int64_t total)
+void progressShow(int64_t done, int64_t total)
 {
     if (!state.started) {
         state.started = true;
@@ -33,7 +34,7 @@ void progress_show(int64_t done, int64_t total)
     if (!state.terminal)
         return;
     if (done >= total) {
-        progress_clear();
+        progressClear();
         return;
     }
     const double now = seconds();
@@ -44,7 +45,7 @@ void progress_show(int64_t done, int64_t total)
     fprintf(stderr, "\r%3.0f %%", 100.0 * (double) done / (double) total);
 }
 
-void progress_clear(void)
+void progressClear(void)
 {
     if (state.shown)
         fputs("\r\033[K", stderr); /* back to the first column, and erase to the end of the line */

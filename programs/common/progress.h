@@ -6,9 +6,9 @@
 
 /* Shows done of total as a percentage. Writes nothing unless stderr is a terminal, nothing during the first
    third of a second, and ten times a second at most, so it may be called for every frame. */
-void progress_show(int64_t done, int64_t total);
+void progressShow(int64_t done, int64_t total);
 
 /* Takes the line away before that. */
-void progress_clear(void);
+void progressClear(void);
 
 #endif

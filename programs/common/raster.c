@@ -5,10 +5,10 @@
 #include <math.h>
 #include <stdlib.h>
 
-raster *raster_create(int columns, int rows)
+Raster *rasterCreate(int columns, int rows)
 {
-    raster *grid = allocate(1, sizeof *grid);
-    *grid = (raster){columns, rows, allocate((size_t) columns * (size_t) rows, sizeof(float))};
+    Raster *grid = allocate(1, sizeof *grid);
+    *grid = (Raster){columns, rows, allocate((size_t) columns * (size_t) rows, sizeof(float))};
     for (int64_t i = 0; i < (int64_t) columns * rows; ++i)
         grid->values[i] = -INFINITY;
     return grid;
@@ -19,21 +19,21 @@ raster *raster_create(int columns, int rows)
    in which it begins. */
 typedef struct {
     int first, end;
-} span;
+} Span;
 
-static span covered(double first, double last, int count)
+static Span covered(double first, double last, int count)
 {
     const int begin = first > 0.0 ? (first < 1.0 ? (int) (first * count) : count - 1) : 0;
     const int end = last > 0.0 ? (last < 1.0 ? (int) (last * count) : count) : 0;
-    return (span){begin, end > begin ? end : begin + 1};
+    return (Span){begin, end > begin ? end : begin + 1};
 }
 
-void raster_add(raster *grid, double left, double right, const float *values, int64_t count)
+void rasterAdd(Raster *grid, double left, double right, const float *values, int64_t count)
 {
-    const span columns = covered(left, right, grid->columns);
+    const Span columns = covered(left, right, grid->columns);
     const double pitch = count > 1 ? 1.0 / (double) (count - 1) : 2.0; /* a single one fills it all */
     for (int64_t i = 0; i < count; ++i) {
-        const span rows = covered(((double) i - 0.5) * pitch, ((double) i + 0.5) * pitch, grid->rows);
+        const Span rows = covered(((double) i - 0.5) * pitch, ((double) i + 0.5) * pitch, grid->rows);
         for (int row = rows.first; row < rows.end; ++row)
             for (int column = columns.first; column < columns.end; ++column) {
                 float *point = &grid->values[(int64_t) row * grid->columns + column];
@@ -43,7 +43,7 @@ void raster_add(raster *grid, double left, double right, const float *values, in
     }
 }
 
-float raster_max(const raster *grid)
+float rasterMax(const Raster *grid)
 {
     float most = -INFINITY;
     for (int64_t i = 0; i < (int64_t) grid->columns * grid->rows; ++i)
@@ -52,7 +52,7 @@ float raster_max(const raster *grid)
     return most;
 }
 
-void raster_destroy(raster *grid)
+void rasterDestroy(Raster *grid)
 {
     free(grid->values);
     free(grid);

@@ -9,18 +9,18 @@
 typedef struct {
     int columns, rows;
     float *values; /* row by row, the lowest value of the vertical axis first */
-} raster;
+} Raster;
 
 /* All values are -infinity. */
-raster *raster_create(int columns, int rows);
+Raster *rasterCreate(int columns, int rows);
 
 /* Takes in one column of count values that stretches from left to right, 0 and 1 being the grid's edges. The
    first and the last of the values sit on the lower and the upper edge, the others evenly between them. */
-void raster_add(raster *grid, double left, double right, const float *values, int64_t count);
+void rasterAdd(Raster *grid, double left, double right, const float *values, int64_t count);
 
 /* The greatest value, which is the greatest of all that the grid has taken in. */
-float raster_max(const raster *grid);
+float rasterMax(const Raster *grid);
 
-void raster_destroy(raster *grid);
+void rasterDestroy(Raster *grid);
 
 #endif

@@ -2,19 +2,20 @@
 
 #include "messages.h"
 
-#include <math.h>
 #include <orva/ORVAcomplex.h>
 #include <orva/ORVAfft.h>
+
+#include <math.h>
 #include <stddef.h>
 
 static const double degrees = 57.295779513082321; /* in a radian */
 static const float lost = 110; /* dB below the greatest gain: the phase is rounding there */
 
-static bool take(const ORVA_COMPLEX *spectrum, response *measured)
+static bool take(const ORVA_COMPLEX *spectrum, Response *measured)
 {
     double last = 0;
     measured->greatest = 0;
-    for (int k = 0; k < RESPONSE_BINS; ++k) {
+    for (int k = 0; k < responseBins; ++k) {
         const double re = (double) spectrum[k].re, im = (double) spectrum[k].im,
                      phase = degrees * atan2(im, re);
         if (!isfinite(re) || !isfinite(im))
@@ -25,15 +26,15 @@ static bool take(const ORVA_COMPLEX *spectrum, response *measured)
         if (measured->gain[k] > measured->gain[measured->greatest])
             measured->greatest = k;
     }
-    for (int k = 0; k < RESPONSE_BINS; ++k)
+    for (int k = 0; k < responseBins; ++k)
         if (measured->gain[k] < measured->gain[measured->greatest] - lost)
             measured->phase[k] = NAN;
     return true;
 }
 
-bool response_measure(const float *answer, response *measured)
+bool responseMeasure(const float *answer, Response *measured)
 {
-    ORVA_FFT *fft = ORVA_FFTProcCreate(RESPONSE_SAMPLES);
+    ORVA_FFT *fft = ORVA_FFTProcCreate(responseSamples);
     ORVA_COMPLEX *spectrum = ORVA_CreateComplexVector(fft);
     bool done = spectrum != NULL || refuse("out of memory");
     if (done) {

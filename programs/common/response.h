@@ -4,17 +4,17 @@
 
 #include <stdbool.h>
 
-enum { RESPONSE_SAMPLES = 65536, RESPONSE_BINS = RESPONSE_SAMPLES / 2 + 1 };
+enum { responseSamples = 65536, responseBins = responseSamples / 2 + 1 };
 
-/* Bin k is the frequency k / RESPONSE_SAMPLES of the sampling rate. */
+/* Bin k is the frequency k / responseSamples of the sampling rate. */
 typedef struct {
-    float gain[RESPONSE_BINS];  /* dB */
-    float phase[RESPONSE_BINS]; /* degrees; not a number where it turns over from -180 to 180, and so far
+    float gain[responseBins];  /* dB */
+    float phase[responseBins]; /* degrees; not a number where it turns over from -180 to 180, and so far
                                    below the greatest gain that rounding decides it */
-    int greatest;               /* the bin of the greatest gain */
-} response;
+    int greatest;              /* the bin of the greatest gain */
+} Response;
 
-/* Transforms an answer of RESPONSE_SAMPLES samples. Refuses one that is not finite. */
-bool response_measure(const float *answer, response *measured);
+/* Transforms an answer of responseSamples samples. Refuses one that is not finite. */
+bool responseMeasure(const float *answer, Response *measured);
 
 #endif

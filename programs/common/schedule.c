@@ -9,7 +9,7 @@
 static const char separators[] = " ,\t\n";
 
 /* A plain decimal number with a digit in it; what follows it is left in *text. */
-static bool read_number(const char **text, double *number)
+static bool readNumber(const char **text, double *number)
 {
     const char *from = *text;
     const size_t length = strspn(from, "0123456789.");
@@ -20,16 +20,16 @@ static bool read_number(const char **text, double *number)
 }
 
 /* One word: value or seconds:value. */
-static bool read_value(schedule *values, const char *word, int length, float initial)
+static bool readValue(Schedule *values, const char *word, int length, float initial)
 {
     const char *rest = word;
     double seconds = 0, value = 0;
-    bool isRead = read_number(&rest, &value);
+    bool isRead = readNumber(&rest, &value);
     const bool hasTime = isRead && *rest == ':';
     if (hasTime) {
         seconds = value;
         ++rest;
-        isRead = read_number(&rest, &value);
+        isRead = readNumber(&rest, &value);
     }
     if (!isRead || rest != word + length || (!hasTime && values->count > 0))
         return refuse("%s: \"%.*s\" is not seconds:%s", values->name, length, word, values->name);
@@ -39,8 +39,8 @@ static bool read_value(schedule *values, const char *word, int length, float ini
         values->values[0] = initial;
         values->seconds[values->count++] = 0;
     }
-    if (values->count == SCHEDULE_VALUES)
-        return refuse("%s: more than %d values", values->name, SCHEDULE_VALUES);
+    if (values->count == mostValues)
+        return refuse("%s: more than %d values", values->name, mostValues);
     if (values->count > 0 && seconds <= values->seconds[values->count - 1])
         return refuse("%s: the time of \"%.*s\" does not come after the one before", values->name, length,
                       word);
@@ -49,12 +49,12 @@ static bool read_value(schedule *values, const char *word, int length, float ini
     return true;
 }
 
-bool schedule_read(schedule *values, const char *text, float initial)
+bool scheduleRead(Schedule *values, const char *text, float initial)
 {
     values->count = 0;
     for (const char *word = text + strspn(text, separators); *word != '\0';) {
         const size_t length = strcspn(word, separators);
-        if (!read_value(values, word, (int) length, initial))
+        if (!readValue(values, word, (int) length, initial))
             return false;
         word += length;
         word += strspn(word, separators);
@@ -62,7 +62,7 @@ bool schedule_read(schedule *values, const char *text, float initial)
     return values->count > 0 || refuse("%s: no value is given", values->name);
 }
 
-float schedule_at(const schedule *values, int64_t sample, double rate, int64_t *count)
+float scheduleAt(const Schedule *values, int64_t sample, double rate, int64_t *count)
 {
     int at = 0;
     for (; at + 1 < values->count; ++at) {

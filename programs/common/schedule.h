@@ -6,22 +6,22 @@
 #include <stdbool.h>
 #include <stdint.h>
 
-enum { SCHEDULE_VALUES = 256 };
+enum { mostValues = 256 };
 
 typedef struct {
     const char *name;   /* of the number, for the messages */
     double least, most; /* its range, both included */
     int count;          /* values; at least 1, the first from 0 seconds on */
-    double seconds[SCHEDULE_VALUES];
-    float values[SCHEDULE_VALUES];
-} schedule;
+    double seconds[mostValues];
+    float values[mostValues];
+} Schedule;
 
 /* Reads the values, which blanks or commas separate. A first value without a time begins at 0; if the first
    one has a later time, initial stands before it. Refuses what is no number, values out of range, times that
    do not rise, and more values than there is room for. */
-bool schedule_read(schedule *values, const char *text, float initial);
+bool scheduleRead(Schedule *values, const char *text, float initial);
 
 /* The value for a sample; *count, a number of samples from there on, is cut to those for which it holds. */
-float schedule_at(const schedule *values, int64_t sample, double rate, int64_t *count);
+float scheduleAt(const Schedule *values, int64_t sample, double rate, int64_t *count);
 
 #endif

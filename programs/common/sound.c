@@ -16,18 +16,18 @@ static int64_t least(int64_t a, int64_t b)
 }
 
 /* Some encoders leave the length out of a file's head; then it is counted. */
-static int64_t count_frames(sound *input)
+static int64_t countFrames(Sound *input)
 {
     if (input->info.frames < SF_COUNT_MAX)
         return input->info.frames;
     int64_t total = 0, got;
-    while ((got = sf_readf_float(input->file, input->block, SOUND_BLOCK)) > 0)
+    while ((got = sf_readf_float(input->file, input->block, blockFrames)) > 0)
         total += got;
     return sf_seek(input->file, 0, SEEK_SET) == 0 ? total : 0;
 }
 
 /* Why a file could not be opened: the system's reason where there is one, else the library's. */
-static const char *open_error(const char *path)
+static const char *openError(const char *path)
 {
     FILE *file = fopen(path, "rb");
     const bool readable = file != NULL && fgetc(file) != EOF;
@@ -41,35 +41,35 @@ static const char *open_error(const char *path)
     return reason;
 }
 
-static bool open_file(sound *input)
+static bool openFile(Sound *input)
 {
     input->file = sf_open(input->path, SFM_READ, &input->info);
     if (input->file == NULL)
-        return refuse("%s: %s", input->path, open_error(input->path));
-    input->block = allocate((size_t) SOUND_BLOCK * (size_t) input->info.channels, sizeof(float));
-    input->length = count_frames(input);
+        return refuse("%s: %s", input->path, openError(input->path));
+    input->block = allocate((size_t) blockFrames * (size_t) input->info.channels, sizeof(float));
+    input->length = countFrames(input);
     return input->length > 0 || refuse("%s: holds no samples", input->path);
 }
 
-sound *sound_open(const char *path)
+Sound *soundOpen(const char *path)
 {
-    sound *input = allocate(1, sizeof *input);
+    Sound *input = allocate(1, sizeof *input);
     input->path = path;
-    if (!open_file(input)) {
-        sound_close(input);
+    if (!openFile(input)) {
+        soundClose(input);
         return NULL;
     }
     return input;
 }
 
-bool sound_has_channel(const sound *input, int channel)
+bool soundHasChannel(const Sound *input, int channel)
 {
     const int channels = input->info.channels;
     return channel <= channels || refuse("%s: has %d channel%s, so there is no channel %d", input->path,
                                          channels, channels > 1 ? "s" : "", channel);
 }
 
-int64_t sound_read(sound *input, int channel, float *samples, int64_t count)
+int64_t soundRead(Sound *input, int channel, float *samples, int64_t count)
 {
     const int channels = input->info.channels;
     const int width = channel == 0 ? channels : 1; /* samples kept of each frame */
@@ -77,7 +77,7 @@ int64_t sound_read(sound *input, int channel, float *samples, int64_t count)
     const int64_t wanted = least(count, input->length - input->position);
     int64_t done = 0;
     while (done < wanted) {
-        const int64_t got = sf_readf_float(input->file, input->block, least(wanted - done, SOUND_BLOCK));
+        const int64_t got = sf_readf_float(input->file, input->block, least(wanted - done, blockFrames));
         if (got <= 0) {
             input->endedEarly = true;
             break;
@@ -96,7 +96,7 @@ int64_t sound_read(sound *input, int channel, float *samples, int64_t count)
     return done;
 }
 
-void sound_note_damage(const sound *input)
+void soundNoteDamage(const Sound *input)
 {
     if (input->notFinite > 0)
         note("%s: %lld samples are not finite; they were taken as 0", input->path,
@@ -106,7 +106,7 @@ void sound_note_damage(const sound *input)
              (long long) input->position, (long long) input->length);
 }
 
-void sound_close(sound *input)
+void soundClose(Sound *input)
 {
     if (input == NULL)
         return;
@@ -116,7 +116,7 @@ void sound_close(sound *input)
     free(input);
 }
 
-const char *sound_name(const char *path)
+const char *soundName(const char *path)
 {
     const char *slash = strrchr(path, '/');
     return slash != NULL ? slash + 1 : path;
@@ -124,7 +124,7 @@ const char *sound_name(const char *path)
 
 /* RF64 is WAV for more than four gigabytes; with the downgrade, a smaller file becomes an ordinary WAV file.
  */
-static bool create_file(sound_output *output, const sound *like, int rate)
+static bool createFile(SoundOutput *output, const Sound *like, int rate)
 {
     SF_INFO info = {.samplerate = rate, .channels = output->channels};
     info.format = SF_FORMAT_RF64 | (like->info.format & SF_FORMAT_SUBMASK);
@@ -138,32 +138,32 @@ static bool create_file(sound_output *output, const sound *like, int rate)
     return true;
 }
 
-sound_output *sound_create(const char *path, const sound *like, int rate, int channels)
+SoundOutput *soundCreate(const char *path, const Sound *like, int rate, int channels)
 {
-    sound_output *output = allocate(1, sizeof *output);
+    SoundOutput *output = allocate(1, sizeof *output);
     output->path = path;
     output->channels = channels;
-    output->part = output_begin(path, ".wav");
-    if (output->part == NULL || !create_file(output, like, rate)) {
-        sound_finish(output, false);
+    output->part = outputBegin(path, ".wav");
+    if (output->part == NULL || !createFile(output, like, rate)) {
+        soundFinish(output, false);
         return NULL;
     }
     return output;
 }
 
-bool sound_write(sound_output *output, const float *samples, int64_t frames)
+bool soundWrite(SoundOutput *output, const float *samples, int64_t frames)
 {
     return sf_writef_float(output->file, samples, frames) == frames ||
            refuse("%s: %s", output->path, sf_strerror(output->file));
 }
 
-bool sound_finish(sound_output *output, bool complete)
+bool soundFinish(SoundOutput *output, bool complete)
 {
     if (output == NULL)
         return false;
     if (output->file != NULL && sf_close(output->file) != 0 && complete)
         complete = refuse("%s: could not be written to its end", output->path);
-    complete = output_end(output->path, output->part, complete);
+    complete = outputEnd(output->path, output->part, complete);
     free(output);
     return complete;
 }

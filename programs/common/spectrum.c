@@ -2,16 +2,17 @@
 
 #include "messages.h"
 
-#include <math.h>
 #include <orva/ORVAcomplex.h>
 #include <orva/ORVAwinfnc.h>
+
+#include <math.h>
 #include <string.h>
 
-bool spectrum_begin(spectrum *s, int32_t window, int32_t size)
+bool spectrumBegin(Spectrum *s, int32_t window, int32_t size)
 {
     const int32_t bins = size / 2 + 1, room = bins + 3; /* powers and levels are computed by fours */
     KT_MEM *memory = KTMEM_CreateMemDescrEx("spectrum", 0, 0);
-    *s = (spectrum){.size = size, .bins = bins, .memory = memory};
+    *s = (Spectrum){.size = size, .bins = bins, .memory = memory};
     s->frame = KTMEM_NewFloatVector(memory, size);
     s->power = KTMEM_NewFloatVector(memory, room);
     s->levels = KTMEM_NewFloatVector(memory, room);
@@ -26,27 +27,27 @@ bool spectrum_begin(spectrum *s, int32_t window, int32_t size)
            refuse("configuration: the window has no gain at size=%d", size);
 }
 
-void spectrum_transform(spectrum *s)
+void spectrumTransform(Spectrum *s)
 {
     ORVA_ApplyWindow(s->window, s->frame, s->size);
     ORVA_FFTProcExecutePSDEx(s->fft, s->frame, s->power, s->work);
 }
 
-void spectrum_follow(spectrum *s, float *past, const float *newer, int32_t count)
+void spectrumFollow(Spectrum *s, float *past, const float *newer, int32_t count)
 {
     const size_t kept = (size_t) (s->size - count);
     memmove(past, past + count, kept * sizeof *past);
     memcpy(past + kept, newer, (size_t) count * sizeof *past);
     memcpy(s->frame, past, (size_t) s->size * sizeof *past);
-    spectrum_transform(s);
+    spectrumTransform(s);
 }
 
-void spectrum_measure(spectrum *s, const float *gain, double range)
+void spectrumMeasure(Spectrum *s, const float *gain, double range)
 {
     ORVA_PSDtoDB(s->size, s->power, s->levels, gain, s->norm, range);
 }
 
-void spectrum_end(spectrum *s)
+void spectrumEnd(Spectrum *s)
 {
     ORVA_FFTProcDestroy(s->fft);
     KTMEM_DisposeMemDescr(s->memory);

@@ -16,23 +16,23 @@ typedef struct {
     ORVA_COMPLEX *work;
     ORVA_FFT *fft;
     KT_MEM *memory;
-} spectrum;
+} Spectrum;
 
 /* Makes ready for frames of size samples under a window, given by its code. Refuses a window without gain at
    this size. */
-bool spectrum_begin(spectrum *s, int32_t window, int32_t size);
+bool spectrumBegin(Spectrum *s, int32_t window, int32_t size);
 
 /* Puts the power of the frame into power. The frame is windowed in place. */
-void spectrum_transform(spectrum *s);
+void spectrumTransform(Spectrum *s);
 
 /* The same for a stream: moves past, the last size samples of it and zeros at its start, on by count newer
    ones, and takes it as the frame. */
-void spectrum_follow(spectrum *s, float *past, const float *newer, int32_t count);
+void spectrumFollow(Spectrum *s, float *past, const float *newer, int32_t count);
 
 /* Puts the level of power into levels, no lower than -range. The gain of each bin multiplies its magnitude;
    room and alignment as power; null is 1 everywhere. */
-void spectrum_measure(spectrum *s, const float *gain, double range);
+void spectrumMeasure(Spectrum *s, const float *gain, double range);
 
-void spectrum_end(spectrum *s);
+void spectrumEnd(Spectrum *s);
 
 #endif

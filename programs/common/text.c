@@ -62,17 +62,17 @@ static void cut(cairo_t *cairo, char *text, double room)
     }
 }
 
-static void choose_font(cairo_t *cairo, lettering how)
+static void chooseFont(cairo_t *cairo, Lettering how)
 {
     cairo_select_font_face(cairo, "DejaVu Sans", CAIRO_FONT_SLANT_NORMAL,
                            how.bold ? CAIRO_FONT_WEIGHT_BOLD : CAIRO_FONT_WEIGHT_NORMAL);
     cairo_set_font_size(cairo, how.size);
 }
 
-static void draw(cairo_t *cairo, lettering how, double x, double y, double angle, const char *text)
+static void draw(cairo_t *cairo, Lettering how, double x, double y, double angle, const char *text)
 {
     char *line = clean(text);
-    choose_font(cairo, how);
+    chooseFont(cairo, how);
     if (how.room > 0.0)
         cut(cairo, line, how.room);
     cairo_save(cairo);
@@ -85,20 +85,20 @@ static void draw(cairo_t *cairo, lettering how, double x, double y, double angle
     free(line);
 }
 
-void text_draw(cairo_t *cairo, lettering how, double x, double y, const char *text)
+void textDraw(cairo_t *cairo, Lettering how, double x, double y, const char *text)
 {
     draw(cairo, how, x, y, 0.0, text);
 }
 
-void text_draw_upright(cairo_t *cairo, lettering how, double x, double y, const char *text)
+void textDrawUpright(cairo_t *cairo, Lettering how, double x, double y, const char *text)
 {
     draw(cairo, how, x, y, -acos(-1.0) / 2.0, text);
 }
 
-double text_width(cairo_t *cairo, lettering how, const char *text)
+double textWidth(cairo_t *cairo, Lettering how, const char *text)
 {
     char *line = clean(text);
-    choose_font(cairo, how);
+    chooseFont(cairo, how);
     const double width = advance(cairo, line);
     free(line);
     return width;

@@ -3,6 +3,7 @@
 #define PROGRAMS_TEXT_H
 
 #include <cairo.h>
+
 #include <stdbool.h>
 
 /* Which point of the text stands at the place given: 0 its left end, 0.5 its middle, 1 its right end. */
@@ -11,15 +12,15 @@ typedef struct {
     bool bold;
     double anchor;
     double room; /* a wider text is cut and ends in an ellipsis; 0: no limit */
-} lettering;
+} Lettering;
 
 /* Writes one line on the base line y. The text may be any bytes, a file's name for example: what is not
    UTF-8, and control characters, become U+FFFD. */
-void text_draw(cairo_t *cairo, lettering how, double x, double y, const char *text);
+void textDraw(cairo_t *cairo, Lettering how, double x, double y, const char *text);
 
 /* The same, turned a quarter to the left: it reads from below to above, and its base line is x. */
-void text_draw_upright(cairo_t *cairo, lettering how, double x, double y, const char *text);
+void textDrawUpright(cairo_t *cairo, Lettering how, double x, double y, const char *text);
 
-double text_width(cairo_t *cairo, lettering how, const char *text);
+double textWidth(cairo_t *cairo, Lettering how, const char *text);
 
 #endif

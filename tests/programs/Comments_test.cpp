@@ -1,8 +1,9 @@
 // The comment of each program shows what it prints.
 #include "program.h"
 
-#include <filesystem>
 #include <gtest/gtest.h>
+
+#include <filesystem>
 #include <sstream>
 
 namespace

@@ -13,8 +13,9 @@ extern "C" {
 #include "common/colormap.h"
 }
 
-#include <gtest/gtest.h>
 #include <orva/ORVAnoisesup.h>
+
+#include <gtest/gtest.h>
 
 namespace
 {
@@ -161,8 +162,8 @@ TEST(DenoiseProgram, AskedForThirtyTwoKilohertzItSaysThatSilenceComesOut)
     // Two panels of 804 by 230 points; 1 of 16 kHz is at the 14th from below.
     const Picture picture = readPicture(folder / "out.png");
     constexpr int x = 84 + 402, in = 72 + 230 - 15, out = in + 230 + 66;
-    EXPECT_LE(distance(picture.at(x, in), colormap_color(0.94)), 12);
-    EXPECT_EQ(picture.at(x, out), colormap_color(0));
+    EXPECT_LE(distance(picture.at(x, in), colormapColor(0.94)), 12);
+    EXPECT_EQ(picture.at(x, out), colormapColor(0));
     EXPECT_EQ(colorsIn(picture, 84, 72 + 230 + 66, 804, 230), 1U);
 }
 
@@ -175,8 +176,8 @@ TEST(DenoiseProgram, DrawsWhatGoesInAndWhatComesOut)
     for (const double place : {0.1, 0.5, 0.99})
         for (const int top : {72, 72 + 230 + 66}) {
             const int x = 84 + static_cast<int>(place * 804);
-            EXPECT_LE(distance(picture.at(x, top + 115), colormap_color(0.94)), 12) << place << ' ' << top;
-            EXPECT_EQ(picture.at(x, top + 30), colormap_color(0)) << place << ' ' << top;
+            EXPECT_LE(distance(picture.at(x, top + 115), colormapColor(0.94)), 12) << place << ' ' << top;
+            EXPECT_EQ(picture.at(x, top + 30), colormapColor(0)) << place << ' ' << top;
         }
 }
 

@@ -3,8 +3,9 @@ extern "C" {
 #include "common/envelope.h"
 }
 
-#include <algorithm>
 #include <gtest/gtest.h>
+
+#include <algorithm>
 #include <memory>
 #include <vector>
 
@@ -23,17 +24,17 @@ TEST(Envelope, HoldsLeastAndMostOfEveryStretch)
 {
     for (const int64_t frames : {1, 3, 4096, 4097, 8192, 8193, 50000})
         for (const int channels : {1, 3}) {
-            const auto outline = std::make_unique<envelope>();
+            const auto outline = std::make_unique<Envelope>();
             std::vector<float> samples;
             for (int64_t n = 0; n < frames; ++n)
                 for (int c = 0; c < channels; ++c)
                     samples.push_back(sampleAt(n, c));
             const int64_t cut = frames / 3; // in two parts
-            envelope_add(outline.get(), samples.data(), cut, channels);
-            envelope_add(outline.get(), samples.data() + cut * channels, frames - cut, channels);
+            envelopeAdd(outline.get(), samples.data(), cut, channels);
+            envelopeAdd(outline.get(), samples.data() + cut * channels, frames - cut, channels);
 
             int64_t width = 1;
-            while (width * ENVELOPE_STRETCHES < frames)
+            while (width * mostStretches < frames)
                 width *= 2;
             EXPECT_EQ(outline->total, frames);
             EXPECT_EQ(int64_t{1} << outline->doublings, width);

@@ -7,9 +7,11 @@
 #include "support/random.h"
 #include "support/recording.h"
 
-#include <algorithm>
-#include <gtest/gtest.h>
 #include <orva/ORVAfilter.h>
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
 
 namespace
 {

@@ -98,10 +98,10 @@ TEST(LappedProgram, TheGateTakesAwayWhatIsFaintAndLeavesTheRest)
     // Two panels of 804 by 230 points; 12 kHz is half their height, and -66 dB 0.34 of the colour scale.
     constexpr int x = 84 + 402, before = 72 + 115, behind = 72 + 230 + 66 + 115;
     EXPECT_EQ(picture.height, 72 + 2 * (230 + 66));
-    EXPECT_LE(distance(picture.at(x, before), colormap_color(0.34)), 12);
-    EXPECT_EQ(picture.at(x, behind), colormap_color(0));
+    EXPECT_LE(distance(picture.at(x, before), colormapColor(0.34)), 12);
+    EXPECT_EQ(picture.at(x, behind), colormapColor(0));
     for (const int top : {72, 72 + 230 + 66}) // 3 kHz
-        EXPECT_LE(distance(picture.at(x, top + 230 - 29), colormap_color(0.88)), 12);
+        EXPECT_LE(distance(picture.at(x, top + 230 - 29), colormapColor(0.88)), 12);
 }
 
 TEST(LappedProgram, WorksOnSilence)

@@ -61,14 +61,14 @@ TEST(MeasuresProgram, ASineHasItsPlaceOnTheMelAxisItsEnergyAndItsCrossings)
         EXPECT_NEAR(curveAt(result.picture, 1, 0.5), 1 + energy / 80, 0.01) << "its axis ends at 0 dB";
         EXPECT_NEAR(curveAt(result.picture, 2, 0.5), 2 * hertz / 1000 / std::ceil(result.crossings), 0.02);
 
-        const axis mel = axis_mel(24000);
+        const Axis mel = axisMel(24000);
         int loudest = top;
         for (int y = top; y < top + height; ++y)
             if ((result.picture.at(left + width / 2, y) & 0xff00U) >
                 (result.picture.at(left + width / 2, loudest) & 0xff00U))
                 loudest = y;
-        EXPECT_NEAR(1 - (loudest + 0.5 - top) / height, axis_place(&mel, hertz), 0.015) << hertz;
-        EXPECT_LE(distance(result.picture.at(left + width / 2, loudest), colormap_color(1 - 6.02 / 80)), 12);
+        EXPECT_NEAR(1 - (loudest + 0.5 - top) / height, axisPlace(&mel, hertz), 0.015) << hertz;
+        EXPECT_LE(distance(result.picture.at(left + width / 2, loudest), colormapColor(1 - 6.02 / 80)), 12);
     }
 }
 

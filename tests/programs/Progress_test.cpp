@@ -2,11 +2,13 @@
 #include "program.h"
 #include "sounds.h"
 
-#include <chrono>
 #include <gtest/gtest.h>
+
+#include <chrono>
+#include <thread>
+
 #include <pty.h>
 #include <sys/stat.h>
-#include <thread>
 
 namespace
 {

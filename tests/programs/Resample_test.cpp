@@ -6,10 +6,12 @@
 #include "support/bits.h"
 #include "support/recording.h"
 
-#include <algorithm>
-#include <gtest/gtest.h>
-#include <memory>
 #include <orva/ORVAresample.h>
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <memory>
 
 namespace
 {

@@ -20,15 +20,15 @@ namespace
 SF_INFO written(const support::Folder &folder, int likeFormat, const std::vector<float> &samples,
                 int channels)
 {
-    sound *like =
-        sound_open(writeSound(folder / "like", sine(1000, 0.5, 4000), {.format = likeFormat}).c_str());
+    Sound *like =
+        soundOpen(writeSound(folder / "like", sine(1000, 0.5, 4000), {.format = likeFormat}).c_str());
     const std::string path = folder / "new.wav";
-    sound_output *output = sound_create(path.c_str(), like, 44100, channels);
+    SoundOutput *output = soundCreate(path.c_str(), like, 44100, channels);
     const auto count = static_cast<int64_t>(samples.size()) / channels;
     for (int64_t done = 0, block = 1; done < count; done += block, block *= 3)
-        EXPECT_TRUE(sound_write(output, samples.data() + done * channels, std::min(block, count - done)));
-    EXPECT_TRUE(sound_finish(output, true));
-    sound_close(like);
+        EXPECT_TRUE(soundWrite(output, samples.data() + done * channels, std::min(block, count - done)));
+    EXPECT_TRUE(soundFinish(output, true));
+    soundClose(like);
     SF_INFO info;
     support::readSamples(path, info);
     return info;
@@ -45,7 +45,7 @@ TEST(SoundRead, GivesOneChannelOrAllInBlocksOfAnySize)
     const auto samples = random.noise(length * channels);
     const std::string path = writeSound(folder / "three.wav", samples, {.channels = channels});
     for (int channel = 0; channel <= channels; ++channel) {
-        sound *input = sound_open(path.c_str());
+        Sound *input = soundOpen(path.c_str());
         ASSERT_NE(input, nullptr);
         EXPECT_EQ(input->length, static_cast<int64_t>(length));
         const size_t width = channel == 0 ? channels : 1;
@@ -54,7 +54,7 @@ TEST(SoundRead, GivesOneChannelOrAllInBlocksOfAnySize)
             std::vector<float> block(width * static_cast<size_t>(random.integer(1, 9000)), 7.0F);
             const auto asked = static_cast<int64_t>(block.size() / width);
             const int64_t expected = std::min(asked, input->length - input->position);
-            EXPECT_EQ(sound_read(input, channel, block.data(), asked), expected);
+            EXPECT_EQ(soundRead(input, channel, block.data(), asked), expected);
             read.insert(read.end(), block.begin(), block.end());
         }
         for (size_t i = 0; i < read.size(); ++i) {
@@ -62,7 +62,7 @@ TEST(SoundRead, GivesOneChannelOrAllInBlocksOfAnySize)
             const float expected = place < samples.size() ? samples[place] : 0.0F;
             ASSERT_EQ(read[i], expected) << "channel " << channel << " at " << i;
         }
-        sound_close(input);
+        soundClose(input);
     }
 }
 
@@ -106,13 +106,13 @@ TEST(SoundWrite, NothingAppearsBeforeItIsComplete)
     const support::Folder folder;
     const std::string path = folder / "new.wav";
     support::writeFile(path, "older");
-    sound *like = sound_open(support::recordingPath());
-    sound_output *output = sound_create(path.c_str(), like, 48000, 1);
+    Sound *like = soundOpen(support::recordingPath());
+    SoundOutput *output = soundCreate(path.c_str(), like, 48000, 1);
     const float samples[] = {1, 2, 3};
-    EXPECT_TRUE(sound_write(output, samples, 3));
+    EXPECT_TRUE(soundWrite(output, samples, 3));
     EXPECT_EQ(support::readFile(path), "older");
-    EXPECT_FALSE(sound_finish(output, false));
-    sound_close(like);
+    EXPECT_FALSE(soundFinish(output, false));
+    soundClose(like);
     EXPECT_EQ(support::readFile(path), "older");
     EXPECT_EQ(folder.entries(), std::vector<std::string>{"new.wav"});
 }
@@ -120,15 +120,15 @@ TEST(SoundWrite, NothingAppearsBeforeItIsComplete)
 TEST(SoundWrite, RefusesWhatIsNoWavFile)
 {
     const support::Folder folder;
-    sound *like = sound_open(support::recordingPath());
+    Sound *like = soundOpen(support::recordingPath());
     testing::internal::CaptureStderr();
-    EXPECT_EQ(sound_create((folder / "new.mp3").c_str(), like, 48000, 1), nullptr);
-    EXPECT_EQ(sound_create((folder / "no/new.wav").c_str(), like, 48000, 1), nullptr);
-    EXPECT_EQ(sound_create((folder / "new.wav").c_str(), like, 48000, 0), nullptr);
+    EXPECT_EQ(soundCreate((folder / "new.mp3").c_str(), like, 48000, 1), nullptr);
+    EXPECT_EQ(soundCreate((folder / "no/new.wav").c_str(), like, 48000, 1), nullptr);
+    EXPECT_EQ(soundCreate((folder / "new.wav").c_str(), like, 48000, 0), nullptr);
     const std::string said = testing::internal::GetCapturedStderr();
     EXPECT_EQ(std::count(said.begin(), said.end(), '\n'), 3) << said;
-    EXPECT_FALSE(sound_finish(nullptr, true));
-    sound_close(like);
+    EXPECT_FALSE(soundFinish(nullptr, true));
+    soundClose(like);
     EXPECT_TRUE(folder.entries().empty());
 }
 
@@ -141,12 +141,12 @@ TEST(Frames, AreCentredOnEveryHopAndPaddedWithZeros)
         const auto size = static_cast<int32_t>(random.integer(1, 600));
         const auto hop = static_cast<int32_t>(random.integer(1, 1500));
         const auto samples = random.noise(static_cast<size_t>(length));
-        sound *input = sound_open(writeSound(folder / "noise.wav", samples).c_str());
-        frames reader = frames_begin(input, 1, size, hop);
+        Sound *input = soundOpen(writeSound(folder / "noise.wav", samples).c_str());
+        Frames reader = framesBegin(input, 1, size, hop);
         std::vector<float> frame(static_cast<size_t>(size));
         int64_t number = 0;
         double edge = 0;
-        for (; frames_next(&reader, frame.data()); ++number) {
+        for (; framesNext(&reader, frame.data()); ++number) {
             std::vector<float> expected;
             for (int64_t i = 0; i < size; ++i) {
                 const int64_t place = number * hop - size / 2 + i;
@@ -155,13 +155,13 @@ TEST(Frames, AreCentredOnEveryHopAndPaddedWithZeros)
             ASSERT_TRUE(support::sameBits(frame, expected))
                 << length << ' ' << size << ' ' << hop << ' ' << number;
             if (number > 0) {
-                EXPECT_EQ(frames_left(&reader), edge); // to the last bit: one begins where the other ends
+                EXPECT_EQ(framesLeft(&reader), edge); // to the last bit: one begins where the other ends
             }
-            edge = frames_right(&reader);
+            edge = framesRight(&reader);
         }
         EXPECT_EQ(number, (length + hop - 1) / hop);
         EXPECT_EQ(edge, 1.0);
-        frames_end(&reader);
-        sound_close(input);
+        framesEnd(&reader);
+        soundClose(input);
     }
 }

@@ -9,6 +9,7 @@ extern "C" {
 }
 
 #include <gtest/gtest.h>
+
 #include <limits>
 
 namespace
@@ -88,7 +89,7 @@ TEST(Spectrogram, SineStandsAtItsFrequencyWithTheColourOfItsLevelUnderEveryWindo
         writeSound(folder / "sine.wav", sine(6000, c.amplitude, 9600));
         const Picture picture = spectrogram("sine.wav", "range=80; window=" + std::string(c.window), folder);
         for (const double across : {0.3, 0.5, 0.7})
-            EXPECT_LE(distance(colorAt(picture, across, 0.25), colormap_color(c.level)), 4) // 6 of 24 kHz
+            EXPECT_LE(distance(colorAt(picture, across, 0.25), colormapColor(c.level)), 4) // 6 of 24 kHz
                 << c.window << ' ' << c.amplitude << " at " << across;
     }
 }
@@ -99,7 +100,7 @@ TEST(Spectrogram, NothingShowsBesideASine)
     writeSound(folder / "sine.wav", sine(6000, 1, 9600));
     const Picture picture = spectrogram("sine.wav", defaults, folder);
     for (const double up : {0.0, 0.1, 0.23, 0.27, 0.5, 0.75, 0.9, 1.0})
-        EXPECT_LE(distance(colorAt(picture, 0.5, up), colormap_color(0)), 4) << up;
+        EXPECT_LE(distance(colorAt(picture, 0.5, up), colormapColor(0)), 4) << up;
 }
 
 TEST(Spectrogram, ShowsTheChannelAskedFor)
@@ -112,10 +113,10 @@ TEST(Spectrogram, ShowsTheChannelAskedFor)
         samples[i * channels + 6] = tone[i];
     writeSound(folder / "eight.wav", samples, {.channels = channels});
     const Picture seventh = spectrogram("eight.wav", "channel=7", folder);
-    EXPECT_LE(distance(colorAt(seventh, 0.5, 0.5), colormap_color(1)), 4);
+    EXPECT_LE(distance(colorAt(seventh, 0.5, 0.5), colormapColor(1)), 4);
     const Picture eighth = spectrogram("eight.wav", "channel=8", folder);
     EXPECT_EQ(colorsIn(eighth, left, top, width, height), 1U);
-    EXPECT_EQ(colorAt(eighth, 0.5, 0.5), colormap_color(0));
+    EXPECT_EQ(colorAt(eighth, 0.5, 0.5), colormapColor(0));
 }
 
 TEST(Spectrogram, ReadsEveryFormatOfTheLibrary)
@@ -166,7 +167,7 @@ TEST(Spectrogram, FileShorterThanAFrameStillGivesAPicture)
         writeSound(folder / "short.wav", std::vector<float>(length, 0.5F));
         const Picture picture = spectrogram("short.wav", defaults, folder);
         EXPECT_GT(colorsIn(picture, left, top, width, height) + (length == 1 ? 1U : 0U), 1U) << length;
-        EXPECT_NE(colorAt(picture, 0.5, 0), colormap_color(0)) << length;
+        EXPECT_NE(colorAt(picture, 0.5, 0), colormapColor(0)) << length;
     }
 }
 
@@ -209,7 +210,7 @@ TEST(Spectrogram, SamplesFarAboveFullScaleHaveTheTopColour)
     for (const float amplitude : {2.0F, 1e10F, 1e18F}) {
         writeSound(folder / "loud.wav", sine(6000, amplitude, 9600));
         const Picture picture = spectrogram("loud.wav", defaults, folder);
-        EXPECT_EQ(colorAt(picture, 0.5, 0.25), colormap_color(1)) << amplitude;
+        EXPECT_EQ(colorAt(picture, 0.5, 0.25), colormapColor(1)) << amplitude;
     }
 }
 
@@ -221,9 +222,9 @@ TEST(Spectrogram, ClickInALongFileStaysVisible)
     samples[1600000] = 1.0F;
     writeSound(folder / "click.wav", samples, {8000, 1, SF_FORMAT_WAV | SF_FORMAT_PCM_U8});
     const Picture picture = spectrogram("click.wav", "size=64; hop=16", folder);
-    EXPECT_NE(colorAt(picture, 0.5, 0.5), colormap_color(0));
-    EXPECT_EQ(colorAt(picture, 0.45, 0.5), colormap_color(0));
-    EXPECT_EQ(colorAt(picture, 0.55, 0.5), colormap_color(0));
+    EXPECT_NE(colorAt(picture, 0.5, 0.5), colormapColor(0));
+    EXPECT_EQ(colorAt(picture, 0.45, 0.5), colormapColor(0));
+    EXPECT_EQ(colorAt(picture, 0.55, 0.5), colormapColor(0));
 }
 
 TEST(Spectrogram, LongFileTakesNoMoreMemoryThanAShortOne)
@@ -261,8 +262,8 @@ TEST(Spectrogram, FileThatEndsEarlyIsShownWithANote)
     EXPECT_TRUE(line.starts_with("a.flac: ends after ")) << line;
     EXPECT_TRUE(line.ends_with(" of 100000 frames; the rest was taken as silence")) << line;
     const Picture picture = readPicture(folder / "p.png");
-    EXPECT_NE(colorAt(picture, 0.2, 0.5), colormap_color(0));
-    EXPECT_EQ(colorAt(picture, 0.8, 0.5), colormap_color(0));
+    EXPECT_NE(colorAt(picture, 0.2, 0.5), colormapColor(0));
+    EXPECT_EQ(colorAt(picture, 0.8, 0.5), colormapColor(0));
 }
 
 TEST(Spectrogram, TitleTakesAnyFileName)

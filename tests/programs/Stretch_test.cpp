@@ -5,8 +5,9 @@
 #include "sounds.h"
 #include "support/recording.h"
 
-#include <algorithm>
 #include <gtest/gtest.h>
+
+#include <algorithm>
 
 namespace
 {

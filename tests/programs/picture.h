@@ -1,8 +1,9 @@
 // A PNG file, decoded.
 #pragma once
 
-#include <algorithm>
 #include <cairo.h>
+
+#include <algorithm>
 #include <cstdint>
 #include <cstdlib>
 #include <stdexcept>

@@ -3,10 +3,11 @@
 
 #include "support/random.h"
 
+#include <sndfile.h>
+
 #include <cmath>
 #include <filesystem>
 #include <numbers>
-#include <sndfile.h>
 #include <stdexcept>
 #include <string>
 #include <vector>
