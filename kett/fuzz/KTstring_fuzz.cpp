@@ -16,7 +16,7 @@ namespace
 
 constexpr char untouchedCharacter = '\x55';
 constexpr double untouched = -12345.5;
-constexpr int32_t margin = 4; // elements behind the room that must stay as they were
+constexpr int32_t margin = 4; // elements after the room, which must stay as they were
 
 void require(bool holds, const char *what)
 {
@@ -26,7 +26,7 @@ void require(bool holds, const char *what)
     }
 }
 
-// A null-terminated text in a block of its exact size, so that a sanitizer sees a read behind it.
+// A null-terminated text in a block of its exact size, so that a sanitizer sees a read past its end.
 std::vector<char> textOf(const uint8_t *begin, const uint8_t *end)
 {
     std::vector<char> text(begin, end);
@@ -34,7 +34,7 @@ std::vector<char> textOf(const uint8_t *begin, const uint8_t *end)
     return text;
 }
 
-// The text of `size` bytes of room holds the beginning of `expected`, and nothing was written behind it.
+// The text of `size` bytes of room holds the beginning of `expected`, and nothing is written after it.
 void requireCut(const std::vector<char> &output, int32_t size, std::string_view expected)
 {
     const auto text = expected.substr(0, static_cast<size_t>(size) - 1);
@@ -42,7 +42,7 @@ void requireCut(const std::vector<char> &output, int32_t size, std::string_view 
     require(output[text.size()] == '\0', "the text is terminated");
     require(std::all_of(output.begin() + static_cast<std::ptrdiff_t>(text.size()) + 1, output.end(),
                         [](char c) { return c == untouchedCharacter; }),
-            "nothing is written behind the text");
+            "nothing is written after the text");
 }
 
 bool checkText(const char *config, const char *key)
@@ -88,7 +88,7 @@ void requireElements(const std::vector<double> &output, const std::vector<double
             "the elements are the same");
     require(std::all_of(output.begin() + static_cast<std::ptrdiff_t>(count), output.end(),
                         [](double x) { return x == untouched; }),
-            "nothing is written behind the elements");
+            "nothing is written after the elements");
 }
 
 struct Size {

@@ -22,7 +22,6 @@ void report(int32_t level, int32_t code, const char *format, va_list arguments)
 {
     if (format == nullptr)
         return;
-    // In the host's locale: the text is for its readers.
     const FormattedText message(std::vsnprintf, format, arguments);
     const Hold hold(Data::log);
     if (currentSink != nullptr)

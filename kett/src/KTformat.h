@@ -21,8 +21,9 @@ public:
 
     const char *text;
     size_t length;
-    bool isComplete; // false: memory was out and the text is cut, or the formatter refused and the text is
-                     // the format itself
+
+    // False: memory was out and the text is cut, or the formatter refused and the text is the format itself.
+    bool isComplete;
 
 private:
     char room[1024];

@@ -14,7 +14,7 @@
 
 struct KT_FILE {
     kett::SystemFile system;
-    bool isLost;     // a write came out short
+    bool isLost;     // a write was short
     int64_t written; // bytes
     char *target;    // path, null for a file that is read
     char *temporary; // path of what is written, beside the target
@@ -100,7 +100,7 @@ bool finish(KT_FILE *file)
         removeFile(file->temporary);
         return false;
     }
-    // The file is in its place already, so a failure here is none of the replacement.
+    // The file is in its place already, where a failure of this leaves it.
     file->target[folderLength(file->target)] = '\0';
     flushFolder(file->target);
     return true;

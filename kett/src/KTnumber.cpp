@@ -107,7 +107,7 @@ template <class Real> bool parseReal(std::string_view text, Real &value)
     Real parsed = 0;
     const auto result = std::from_chars(text.data(), text.data() + text.size(), parsed);
     if (result.ec == std::errc::result_out_of_range) {
-        // Told alike for too large and too small, which the place of the first digit tells apart.
+        // The same error for too large and too small: the place of the first digit tells which it is.
         if (decimal.integerDigits() > 0)
             return false;
         parsed = decimal.negative ? -Real{0} : Real{0};

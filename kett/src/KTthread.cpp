@@ -11,7 +11,7 @@
 struct KT_THREAD {
     KT_THREAD *next;
     kett::SystemThread system;
-    kett::SystemLock joinLock; // held by the one that joins, so that the others wait as long
+    kett::SystemLock joinLock; // held while one joins, so that the others wait until it has
     bool isJoined;             // under joinLock
 };
 

@@ -102,7 +102,7 @@ TEST(IoRead, GoesOnWhereTheLastReadEndedAndStopsAtTheEnd)
     EXPECT_EQ(KTIO_ReadData(file, buffer + 4, 3), 3u);
     EXPECT_STREQ(buffer, "0123456.");
     EXPECT_EQ(KTIO_ReadData(file, buffer, 8), 3u);
-    EXPECT_STREQ(buffer, "7893456.") << "what is behind the end stays";
+    EXPECT_STREQ(buffer, "7893456.") << "what stands after the end of the file is untouched";
     EXPECT_EQ(KTIO_ReadData(file, buffer, 8), 0u);
     EXPECT_EQ(KTIO_FileSize(file), 10);
     EXPECT_TRUE(KTIO_CloseFile(file));

@@ -192,7 +192,7 @@ TEST(MemDisposeDisplayed, FreesWhatHasBeenShownAndNotDisposedOf)
 {
     KT_MEM *memory[5];
     for (auto &descriptor : memory) {
-        descriptor = KTMEM_CreateMemDescrEx("left behind", 0, 0);
+        descriptor = KTMEM_CreateMemDescrEx("not freed", 0, 0);
         KTMEM_NewEx(descriptor, 1000, 0);
     }
     for (const int i : {0, 1, 2, 3, 1}) // one of them twice, and never number 4

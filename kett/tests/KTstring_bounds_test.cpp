@@ -5,7 +5,7 @@
 #include <string>
 #include <time.h>
 
-// A buffer's content behind what may be written.
+// What a buffer holds after the bytes that may be written.
 static constexpr char untouchedCharacter = '\x55';
 static constexpr double untouched = -12345.5;
 
@@ -79,30 +79,22 @@ TEST(ConfigVector, NoMoreIsWrittenThanThereIsOrFits)
     EXPECT_EQ(output, untouched);
 }
 
+// Row by row without a break: where the room has other rows, the second one begins in the first one's room.
 TEST(ConfigMatrix, NoMoreIsWrittenThanThereIsOrFits)
 {
     static const struct {
         int32_t rows, columns, expected;
     } table[] = {
-        {2, 3, 6},
-        {3, 2, 6},
-        {1, 6, 6},
-        {1, 3, 3},
-        {2, 2, 4}, // row by row without a break: the second row begins in the first row's
-                   // room
-        {1, 1, 1},
-        {100, 100, 6},
-        {INT32_MAX, INT32_MAX, 6},
+        {2, 3, 6},         {3, 2, 6},
+        {1, 6, 6},         {1, 3, 3},
+        {2, 2, 4},         {1, 1, 1},
+        {100, 100, 6},     {INT32_MAX, INT32_MAX, 6},
         {65536, 65536, 6}, // 2^32
         {65536, 32768, 6}, // 2^31
-        {0, 3, 0},
-        {3, 0, 0},
-        {-1, 3, 0},
-        {3, -1, 0},
-        {-2, -3, 0},
-        {INT32_MIN, INT32_MIN, 0},
-        {INT32_MIN, 2, 0},
-        {-65536, -65536, 0},
+        {0, 3, 0},         {3, 0, 0},
+        {-1, 3, 0},        {3, -1, 0},
+        {-2, -3, 0},       {INT32_MIN, INT32_MIN, 0},
+        {INT32_MIN, 2, 0}, {-65536, -65536, 0},
     };
     for (const auto &row : table) {
         std::vector<double> output(10, untouched);

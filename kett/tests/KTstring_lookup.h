@@ -28,7 +28,7 @@ inline std::ostream &operator<<(std::ostream &out, const Matrix &matrix)
     return out << matrix.rows << " x " << matrix.columns << ' ' << testing::PrintToString(matrix.values);
 }
 
-// The text in a block of its exact size, so that a sanitizer sees a read behind it.
+// The text in a block of its exact size, so that a sanitizer sees a read past its end.
 class Exact
 {
 public:

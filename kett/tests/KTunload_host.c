@@ -73,7 +73,7 @@ static void ignore(void *context, int32_t level, int32_t code, const char *text)
     (void) context, (void) level, (void) code, (void) text;
 }
 
-/* Leaves behind whatever the library may be left with. */
+/* Leaves the library with one of everything that a host may not have given back. */
 static int use(void)
 {
     USE(KTSETTINGS_GetIntEx);
@@ -117,7 +117,7 @@ static int use(void)
     pKTTHREAD_AddThread(tell, &second, 0); /* nobody joins it */
     waitForTheEndOf(&second);
 
-    KT_MEM *shown = pKTMEM_CreateMemDescrEx("left behind", 0, 0);
+    KT_MEM *shown = pKTMEM_CreateMemDescrEx("not freed", 0, 0);
     pKTMEM_NewEx(shown, 1000, 0);
     pKTMEM_DisplayMemDescr(shown);
 

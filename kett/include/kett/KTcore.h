@@ -20,7 +20,7 @@ KT_API int32_t KTCORE_Initialize(void);
 
 /** Takes one use away.
  *
- *  @return the number of uses after the call; a call without a use to take away leaves 0 and returns 0.
+ *  @return the number of uses after the call; without one to take away it stays 0.
  *
  *  Threads: any, at any time.   Real time: yes (no heap, lock, log or system call).
  */

@@ -4,7 +4,7 @@
  *
  *  A message reaches the sink exactly as it was formatted, in one call, with nothing added or trimmed; a line
  *  feed is there only if the message ends in one. The default sink writes each message by one system call. A
- *  message may have any length; only where memory is out, it is cut to 1023 characters. A format that printf
+ *  message may have any length; it is cut to 1023 characters only when memory is out. A format that printf
  *  refuses is written as it stands, and a null format writes nothing.
  *
  *      static void keep(void *context, int32_t level, int32_t code, const char *text) { ... }
@@ -18,7 +18,7 @@
 
 #include <kett/KTtypes.h>
 
-/** The levels as a sink is told them. */
+/** The levels that a sink is told. */
 typedef enum {
     KTDEBUG_LEVEL_LOG = 0,     /**< plain log line */
     KTDEBUG_LEVEL_WARNING = 1, /**< warning */

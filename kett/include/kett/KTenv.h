@@ -1,6 +1,6 @@
 /* SPDX-License-Identifier: GPL-2.0-or-later */
 /** @file
- *  Environment values: what the host publishes inside the process, and behind it the C environment.
+ *  Environment values: those that the host publishes inside the process, else those of the C environment.
  */
 #ifndef KETT_KTENV_H
 #define KETT_KTENV_H
@@ -17,12 +17,12 @@
  */
 KT_API bool KTENV_SetEnvValue(const char *name, const char *value);
 
-/** The value of a variable: a published one, else what `getenv` gives.
+/** The value of a variable: the published one if there is one, else what `getenv` gives.
  *
  *  @param name  the variable's name; null or an empty one finds nothing.
  *  @return      the value, or null when the variable is not set. Never freed by the caller: a published text
- *               stays valid until libkett is unloaded, one from the C environment as long as that leaves it
- *               alone.
+ *               stays valid until libkett is unloaded, one from the C environment until the variable is
+ *               changed there.
  *
  *  Threads: any, at any time, but not while another changes the C environment (`setenv`, `putenv`), as with
  *  `getenv`.   Real time: no (takes a lock).

@@ -4,10 +4,10 @@
  *
  *  A file opened with "w" is written beside its target under a unique temporary name; KTIO_CloseFile()
  *  flushes it to the disk and puts it in the target's place in one step. A crash, a full disk or a second
- *  process thus leaves the old content or the new one, never a mixture; a process killed in between may leave
- *  the temporary file, ".kett-*.tmp", behind. The new file keeps the old one's permissions, and a symbolic
- *  link is followed, also one that leads to a file not there yet. Only regular files are opened; nothing here
- *  waits for a pipe or a device.
+ *  process thus leaves the old content or the new one, never a mixture; if the process is killed before the
+ *  close, the temporary file, ".kett-*.tmp", may remain. The new file keeps the old one's permissions, and a
+ *  symbolic link is followed, even one that leads to a file not there yet. Only regular files are opened;
+ *  nothing here waits for a pipe or a device.
  *
  *      KT_FILE *file = KTIO_Open("/var/lib/host/store", "w");
  *      KTIO_WriteData(file, text, length);
@@ -35,10 +35,9 @@ KT_API bool KTIO_FileExists(const char *path);
  *
  *  @param path  the path, not null.
  *  @param mode  "r" to read, "w" to replace the content when the file is closed.
- *  @return      the file, or null when it cannot be opened: no such file (with "w": no such folder), a folder
- *               or anything else that is no regular file, no right to read or to write it (also where the
- *               folder, or the file to be replaced, refuses), another mode, memory out. Nothing has then
- *               changed.
+ *  @return      the file. Null, with nothing changed, when there is no such file (with "w": no such folder),
+ *               what stands there is not a regular file, the caller may not read it (with "w": may not write
+ *               it, or may not put a file into its folder), `mode` is neither "r" nor "w", or memory is out.
  *
  *  Threads: any; one file belongs to one thread at a time.   Real time: no (allocates, system calls).
  */
@@ -71,7 +70,7 @@ KT_API uint64_t KTIO_ReadData(KT_FILE *file, void *buffer, uint64_t size);
  *  @param buffer  `size` bytes; null writes nothing, which is a short write unless `size` is 0.
  *  @param size    bytes to write.
  *  @return        bytes written. After a short write the file is lost: KTIO_CloseFile() then leaves the
- *                 target as it was. 0 to a file opened with "r".
+ *                 target as it was. 0 for a file opened with "r".
  *
  *  Threads: one at a time for a file.   Real time: no (system call).
  */
@@ -79,11 +78,10 @@ KT_API uint64_t KTIO_WriteData(KT_FILE *file, const void *buffer, uint64_t size)
 
 /** Closes a file; for one opened with "w", makes what was written the content of its target.
  *
- *  @param file  an open file, or null, which does nothing and gives false. The handle is gone after the call.
- *  @return      true if all went well; false when a write, the flush or the replacement failed. The target is
- *               then as it was before KTIO_Open(), and the temporary file is gone. Once the new content
- *               stands in its place the result is true, even where the folder itself cannot be flushed to the
- *               disk.
+ *  @param file  an open file, no longer valid after the call; null does nothing and gives false.
+ *  @return      true, or false when a write, the flush or the replacement failed: the target is then as it
+ *               was before KTIO_Open(), and the temporary file is removed. Once the new content is in place
+ *               the result is true, even if the folder itself cannot be flushed to the disk.
  *
  *  Threads: one at a time for a file.   Real time: no (system calls, frees memory).
  */

@@ -31,10 +31,10 @@ KT_API KT_MEM *KTMEM_CreateMemDescrEx(const char *name, uint32_t blockSize, uint
 /** Allocates a block owned by the descriptor.
  *
  *  @param memory  the descriptor; null gives null.
- *  @param size    bytes; 0 gives a valid pointer to none.
+ *  @param size    bytes; 0 gives a pointer that is not null, to no bytes.
  *  @param flags   not used.
- *  @return        the block, zeroed and aligned to 16 bytes, or null when memory is out or the size cannot be
- *                 had.
+ *  @return        the block, zeroed and aligned to 16 bytes, or null when memory is out or `size` is too
+ *                 large.
  *
  *  Threads: one at a time for a descriptor.   Real time: no (allocates).
  */
@@ -44,9 +44,9 @@ KT_API void *KTMEM_NewEx(KT_MEM *memory, uint64_t size, uint32_t flags);
  *
  *  @param memory     the descriptor; null gives null.
  *  @param alignment  bytes, a power of two; less than 16 counts as 16.
- *  @param size       bytes; 0 gives a valid pointer to none.
- *  @return           the block, zeroed, or null when memory is out, the size cannot be had or `alignment` is
- *                    no power of two.
+ *  @param size       bytes; 0 gives a pointer that is not null, to no bytes.
+ *  @return           the block, zeroed, or null when memory is out, `size` is too large or `alignment` is not
+ *                    a power of two.
  *
  *  Threads: one at a time for a descriptor.   Real time: no (allocates).
  */
@@ -55,7 +55,8 @@ KT_API void *KTMEM_NewAligned(KT_MEM *memory, uint64_t alignment, uint64_t size)
 /** Allocates an array of floats owned by the descriptor.
  *
  *  @param memory  the descriptor; null gives null.
- *  @param count   number of floats; 0 gives a valid pointer to none, a negative count null.
+ *  @param count   number of floats; 0 gives a pointer that is not null, to no floats; a negative count gives
+ *                 null.
  *  @return        the array, all 0.0f and aligned to 16 bytes, or null when memory is out.
  *
  *  Threads: one at a time for a descriptor.   Real time: no (allocates).
@@ -64,7 +65,7 @@ KT_API float *KTMEM_NewFloatVector(KT_MEM *memory, int32_t count);
 
 /** Frees the descriptor and every block that it owns.
  *
- *  @param memory  the descriptor, gone after the call; null does nothing.
+ *  @param memory  the descriptor, no longer valid after the call; null does nothing.
  *  @return        1, or 0 for null.
  *
  *  Threads: any, while no other uses the descriptor.   Real time: no (frees memory).
@@ -80,8 +81,9 @@ KT_API int32_t KTMEM_DisposeMemDescr(KT_MEM *memory);
  */
 KT_API void KTMEM_DisplayMemDescr(KT_MEM *memory);
 
-/** Frees every descriptor that has been shown by KTMEM_DisplayMemDescr() and not been disposed of since, for
- *  hosts that want back what an owner has left behind. What is left of them is freed when libkett is unloaded.
+/** Frees every descriptor that KTMEM_DisplayMemDescr() has shown and nobody has disposed of since. It serves
+ *  hosts that want back the memory that owners have not freed; what is left when libkett is unloaded is freed
+ *  then.
  *
  *  @return the number of descriptors freed.
  *

@@ -22,7 +22,7 @@ KT_API KT_MUTEX *MutexInit(void);
  *
  *  @param mutex  the mutex; null does nothing.
  *
- *  Threads: any that does not hold it yet.   Real time: no (waits).
+ *  Threads: any that does not hold it already.   Real time: no (waits).
  */
 KT_API void MutexLock(KT_MUTEX *mutex);
 
@@ -34,9 +34,9 @@ KT_API void MutexLock(KT_MUTEX *mutex);
  */
 KT_API void MutexUnlock(KT_MUTEX *mutex);
 
-/** Destroys a mutex for which nobody waits and that nobody holds.
+/** Destroys a mutex that nobody holds or waits for.
  *
- *  @param mutex  the mutex, gone after the call; null does nothing.
+ *  @param mutex  the mutex, no longer valid after the call; null does nothing.
  *
  *  Threads: any, while no other uses it.   Real time: no (frees memory).
  */

@@ -2,16 +2,17 @@
 /** @file
  *  Settings: named values that live in memory as long as libkett is loaded.
  *
- *  A setting is asked for by one literal text, the key, an equals sign and a default, bracketed or bare:
+ *  A setting is asked for by one text: the key, an equals sign and a default, with or without brackets:
  *
  *      int64_t longest = KTSETTINGS_GetIntEx(NULL, "orva.fftw.max_plan_len=[4096]");
  *
  *  The answer is the first of these that parses: the stored value; else a default set by
- *  KTSETTINGS_SetDefaultEx(); else the default in the text. That last one is never remembered. Blanks around
- *  a key or a value do not count. A value that does not parse as the asked type counts as absent, and so does
- *  a number out of range. Integers are decimal; a fraction or exponent is allowed, and what is behind the
- *  point is cut off. Booleans are 1/0, true/false, yes/no or on/off in any case, and any other integer but 0
- *  is true. A text is formatted in the C locale, with the point as decimal sign. Keys are case-sensitive.
+ *  KTSETTINGS_SetDefaultEx(); else the default in the text, which is not stored. Blanks around a key or a
+ *  value do not count. A value that does not parse as the asked type counts as absent, and so does a number
+ *  out of range. Integers are decimal; a fraction or exponent is allowed, and what stands after the point is
+ *  cut off. Booleans are 1/0, true/false, yes/no or on/off in any case, and any other integer but 0 is true.
+ *  Keys are case-sensitive. The operations that set a value format it in the C locale, with the point as
+ *  decimal sign.
  *
  *      KTSETTINGS_SetEx(NULL, "orva.fftw.max_plan_len=%d", 1024);
  *
@@ -36,7 +37,7 @@ typedef struct KT_SETTINGS KT_SETTINGS;
  *
  *  @param settings        null, the global store.
  *  @param keyWithDefault  "key=[default]" or "key=default".
- *  @return                the value; false when there is none that parses.
+ *  @return                the value; false when none parses.
  */
 KT_API bool KTSETTINGS_GetBoolEx(KT_SETTINGS *settings, const char *keyWithDefault);
 
@@ -44,25 +45,25 @@ KT_API bool KTSETTINGS_GetBoolEx(KT_SETTINGS *settings, const char *keyWithDefau
  *
  *  @param settings        null, the global store.
  *  @param keyWithDefault  "key=[default]" or "key=default".
- *  @return                the value, all 64 bits; 0 when there is none that parses.
+ *  @return                the value, all 64 bits; 0 when none parses.
  */
 KT_API int64_t KTSETTINGS_GetIntEx(KT_SETTINGS *settings, const char *keyWithDefault);
 
-/** Sets a key's default, which goes before the one in a getter's text.
+/** Sets a key's default, which takes precedence over the one in a getter's text.
  *
  *  @param settings  null, the global store.
  *  @param format    printf-style "key=value", followed by what it asks for.
- *  @return          true, or false when `format` is null or refused by printf, the text holds no key and
- *                   value, or memory is out; nothing has then changed.
+ *  @return          true. False, with nothing changed, when `format` is null or printf refuses it, the text
+ *                   has no key or no value, or memory is out.
  */
 KT_API bool KTSETTINGS_SetDefaultEx(KT_SETTINGS *settings, const char *format, ...) KTSETTINGS_FORMAT;
 
-/** Stores a value, which goes before every default.
+/** Stores a value, which takes precedence over every default.
  *
  *  @param settings  null, the global store.
  *  @param format    printf-style "key=value", followed by what it asks for.
- *  @return          true, or false when `format` is null or refused by printf, the text holds no key and
- *                   value, or memory is out; nothing has then changed.
+ *  @return          true. False, with nothing changed, when `format` is null or printf refuses it, the text
+ *                   has no key or no value, or memory is out.
  */
 KT_API bool KTSETTINGS_SetEx(KT_SETTINGS *settings, const char *format, ...) KTSETTINGS_FORMAT;
 

@@ -27,21 +27,22 @@
  *
  *  White space is the six ASCII blanks. It is allowed after '[' and around ']', ';' and ','; a last row may
  *  be followed by ';'. A key is a run of characters other than white space and ; , = " [ ] and is
- *  case-sensitive. The value is what follows '=' and blanks on it; a separator or the end there means no pair
- *  ("type=; order=4" has no type).
+ *  case-sensitive. The value begins after '=' and the blanks that follow it; where a separator or the end of
+ *  the text stands there instead, there is no pair ("type=; order=4" has no type).
  *
  *  A word runs to the next white space, ';' or ',', and '=' may stand in it. Quotes have no escapes; quoted
  *  text may be empty or hold separators, is never a vector, and is a number or a boolean when that is all it
- *  holds. A bracket runs to the one that closes it, whatever stands between them; '[]' is a text, but no
+ *  holds. A bracket runs to the one that closes it, whatever stands between them; '[]' is a text, but not a
  *  vector.
  *
- *  Quotes and brackets open only where a value begins. An unclosed one makes no pair and ends the reading; a
- *  closed one makes no pair when anything but a separator follows on it. Whatever is no pair is skipped to
- *  the next separator. Of equal keys the last pair holds, also when its value is not of the asked type.
+ *  Quotes and brackets open only where a value begins. One that is never closed makes no pair and ends the
+ *  reading; one that is closed makes no pair when anything but a separator directly follows it. What does not
+ *  make a pair is skipped up to the next separator. Of equal keys the last pair holds, even when its value is
+ *  not of the asked type.
  *
- *  Numbers are decimal with the point as decimal sign, whatever the locale, with an optional sign, and use
- *  their whole word; "5." and ".5" are numbers, hexadecimal, infinity and not-a-number are none. What does
- *  not parse as the asked type, or is out of its range, counts as absent and gives the default.
+ *  A number is decimal, with an optional sign and in every locale the point as decimal sign, and takes up its
+ *  whole word: "5." and ".5" are numbers; hexadecimal, infinity and not-a-number are not. What does not parse
+ *  as the asked type, or is out of its range, counts as absent and gives the default.
  *
  *  In every operation a null configuration is an empty one. All are pure functions of their arguments: any
  *  thread, at any time, real time: yes (no heap, lock, log or system call; time grows with the length of the
@@ -103,8 +104,8 @@ KT_API bool KTSTRING_GetBooleanValueFromString(const char *config, const char *k
  */
 KT_API int32_t KTSTRING_GetVectorSizeFromString(const char *config, const char *key, int32_t *size);
 
-/** Reads the elements of a vector in order, each rounded once from the text. One that is no number or too
- *  large makes it no vector.
+/** Reads the elements of a vector in order, each rounded once from the text. With an element that is not a
+ *  number or is too large, the key holds no vector.
  *
  *  @param config    the configuration string.
  *  @param key       the key; null is absent.

@@ -32,12 +32,12 @@ KT_API KT_THREAD *KTTHREAD_AddThread(KTTHREAD_FUNCTION function, void *argument,
 /** Blocks until the thread has ended. Several threads may wait for one, and a thread that has ended long
  *  since, or has been joined before, is joined at once.
  *
- *  A child of fork() has none of its parent's threads: there it does not wait for one of them.
+ *  A child of fork() has none of its parent's threads, and so never waits for one of them.
  *
  *  @param thread  the thread; null does nothing.
  *  @param flags   not used.
- *  @return        1; 0 for null, at once for a thread that would join itself, and in a child of fork() for a
- *                 thread of its parent that had not ended before the fork.
+ *  @return        1 when the thread has ended. 0, at once, for null, for a thread that would wait for itself,
+ *                 and in a child of fork() for a thread of its parent that had not ended before the fork.
  *
  *  Threads: any.   Real time: no (waits).
  */

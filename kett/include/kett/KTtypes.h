@@ -8,7 +8,7 @@
 #include <stdbool.h>
 #include <stdint.h>
 
-/** Makes a name visible outside the library, in the way of the compiler; what else it takes is told to the linker. */
+/** Makes a name visible outside the library; the one place that depends on the compiler and the system. */
 #ifdef __GNUC__
 #define KT_VISIBLE __attribute__((visibility("default")))
 #else

@@ -9,7 +9,7 @@
 
 #include <kett/KTtypes.h>
 
-/** Sleeps at least the given time, signals notwithstanding.
+/** Sleeps at least the given time, whatever signals arrive.
  *
  *  @param milliseconds  0 or less returns at once.
  *

@@ -15,7 +15,7 @@ const char pathSeparator = '/';
 namespace
 {
 
-// `call` once more as long as a signal interrupts it.
+// Makes a call again until no signal interrupts it.
 template <class Call> auto uninterrupted(Call call)
 {
     auto result = call();
