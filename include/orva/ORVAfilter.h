@@ -294,8 +294,8 @@ ORVA_API _ORVA_FILTER *ORVA_CreateFilterFromBiquads(int32_t numChannels, uint32_
  *  From order 7 on it is below 1e-6, except in odd multiples of 3, where a series ends early: at 1.2 these
  *  have ripples of up to 2e-5 too much or too little. Order 1 is best left to another approximation.
  *
- *  Keep stop edges of ellip at 1.01 times the passband edge or more. Below that, the series of the design are
- *  too short at every order, and the filter departs from the true elliptic one. At 1.001 the passband of
+ *  Keep the edges of ellip apart by a ratio of 1.01 or more. Below that, the series of the design are too short
+ *  at every order, and the filter departs from the true elliptic one. At 1.001 the passband of
  *  order 8 and of order 10 is off by 0.006 dB and that of order 12 by 0.12 dB. At 1.00014 it is off by
  *  0.05 dB at order 10, 1.7 dB at order 12 and more than 60 dB at orders 3 and 9, and the gain may rise above
  *  0 dB; the zeros move as well, so that close to them attenuations in the stopband differ by 48 dB and more.

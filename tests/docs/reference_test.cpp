@@ -15,7 +15,8 @@ void makeProject(const support::Folder &folder, const std::string &page = "# Tit
 {
     for (const char *part : {"script", "docs/images", "include/orva", "kett/include/kett"})
         fs::create_directories(folder.path / part);
-    for (const char *part : {"script/docs", "docs/Doxyfile", "docs/pages.py", "docs/pages.css"})
+    for (const char *part :
+         {"script/common.sh", "script/docs", "docs/Doxyfile", "docs/pages.py", "docs/pages.css"})
         fs::copy(project / part, folder.path / part);
     fs::create_symlink("/bin/true", folder.path / "script/bootstrap");
     support::writeFile(folder / "docs/README.md", page);
