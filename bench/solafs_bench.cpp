@@ -61,9 +61,10 @@ int64_t stretchPlainly(const Samples &samples, float speed)
     return frames;
 }
 
-int64_t stretchBySoundTouch(const Samples &samples, float speed)
+template <bool seeksQuickly> int64_t stretchBySoundTouch(const Samples &samples, float speed)
 {
     soundtouch::SoundTouch scaler;
+    scaler.setSetting(SETTING_USE_QUICKSEEK, seeksQuickly ? 1 : 0);
     scaler.setSampleRate(rate);
     scaler.setChannels(1);
     scaler.setTempo(static_cast<double>(speed));
@@ -133,7 +134,8 @@ const bool registered = [] {
         const std::string name = std::string("speed ") + speed;
         addOurs(name + "/orva", std::stof(speed));
         add(name + "/plain", std::stof(speed), stretchPlainly);
-        add(name + "/soundtouch", std::stof(speed), stretchBySoundTouch);
+        add(name + "/soundtouch", std::stof(speed), stretchBySoundTouch<false>);
+        add(name + "/soundtouch quick", std::stof(speed), stretchBySoundTouch<true>);
     }
     return true;
 }();

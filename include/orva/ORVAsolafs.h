@@ -48,6 +48,8 @@
  *  44100 Hz); input then takes 0, or output writes 0. Positions pass through single precision, so that from
  *  16777216 samples on (6 minutes at 44100 Hz) the analysis moves in steps of 2, 4, 8 ... samples.
  *
+ *  Memory. A record takes at most 4 sampleRate + 19 F + 10000 bytes, all of them at creation.
+ *
  *  Bits. For equal calls the output is equal to the last bit on every machine.
  *
  *  Source: D. J. Hejna and B. R. Musicus, "The SOLAFS time-scale modification algorithm", BBN technical

@@ -26,8 +26,8 @@ bool allocateArrays(ORVA_SOLAFS *solafs)
     solafs->fadeRamp = KTMEM_NewFloatVector(memory, solafs->overlapLength);
     // One block for the search: its work, on a cache line, and the reference.
     const auto workLength = static_cast<uint64_t>(searchWorkLength(solafs));
-    const uint64_t searchSize = workLength * sizeof(double) + static_cast<uint64_t>(points) * sizeof(float);
-    solafs->searchWork = static_cast<double *>(KTMEM_NewAligned(memory, 64, searchSize));
+    const uint64_t searchSize = (workLength + static_cast<uint64_t>(points)) * sizeof(float);
+    solafs->searchWork = static_cast<float *>(KTMEM_NewAligned(memory, 64, searchSize));
     solafs->referenceOffsets =
         static_cast<int32_t *>(KTMEM_NewEx(memory, static_cast<uint64_t>(points) * sizeof(int32_t), 0));
     solafs->buffer = KTMEM_NewFloatVector(memory, std::max(solafs->bufferCapacity, 0));
@@ -35,7 +35,7 @@ bool allocateArrays(ORVA_SOLAFS *solafs)
     if (solafs->fadeRamp == nullptr || solafs->searchWork == nullptr || solafs->referenceOffsets == nullptr ||
         solafs->buffer == nullptr || solafs->overlap == nullptr)
         return false;
-    solafs->reference = reinterpret_cast<float *>(solafs->searchWork + workLength);
+    solafs->reference = solafs->searchWork + workLength;
     return true;
 }
 

@@ -59,7 +59,7 @@ struct ORVA_SOLAFS {
     int32_t nextSegment;     // the entry to bring into force next
     int32_t segmentCount;    // entries in use
     int32_t pendingSegments; // recorded but not yet in force
-    double *searchWork;      // searchWorkLength() numbers, in the block of `reference`
+    float *searchWork;       // searchWorkLength() numbers, in the block of `reference`
 };
 
 namespace orva

@@ -32,26 +32,23 @@ int64_t gridLengthOf(int64_t points, int64_t candidates)
 
 int64_t gridRoomOf(const ORVA_SOLAFS *solafs)
 {
-    return inGroups(gridLengthOf(pointsOf(solafs), inGroups(candidatesOf(solafs))));
+    return inGroups(gridLengthOf(pointsOf(solafs), candidatesOf(solafs)) + candidateGroup);
 }
 
 Search searchOf(const ORVA_SOLAFS *solafs)
 {
     const int64_t room = gridRoomOf(solafs);
-    double *grid = solafs->searchWork;
-    double *crosses = grid + 2 * room;
     return {.points = pointsOf(solafs),
             .candidates = candidatesOf(solafs),
             .reference = solafs->reference,
-            .grid = grid,
-            .shifted = grid + room,
-            .crosses = crosses,
-            .wideReference = crosses + inGroups(candidatesOf(solafs)),
+            .grid = solafs->searchWork,
+            .eights = solafs->searchWork + gridCopies * room,
+            .scores = solafs->searchWork + (gridCopies + 1) * room,
             .gridRoom = room};
 }
 
 // Every fourth sample from stream position `first` on. A position that holds no sample reads as 0.
-void fillGrid(const ORVA_SOLAFS *solafs, int64_t first, double *grid, int32_t count)
+void fillGrid(const ORVA_SOLAFS *solafs, int64_t first, float *grid, int32_t count)
 {
     const int64_t begin = slotOf(solafs, first);
     const int64_t end = begin + int64_t{skewStep} * (count - 1) + 1;
@@ -62,7 +59,7 @@ void fillGrid(const ORVA_SOLAFS *solafs, int64_t first, double *grid, int32_t co
     }
     for (int32_t i = 0; i < count; ++i) {
         const int64_t slot = begin + int64_t{skewStep} * i;
-        grid[i] = slot >= 0 && slot < held ? static_cast<double>(solafs->buffer[slot]) : 0.0;
+        grid[i] = slot >= 0 && slot < held ? solafs->buffer[slot] : 0.0f;
     }
 }
 
@@ -70,7 +67,7 @@ void fillGrid(const ORVA_SOLAFS *solafs, int64_t first, double *grid, int32_t co
 
 int64_t searchWorkLength(const ORVA_SOLAFS *solafs)
 {
-    return 2 * gridRoomOf(solafs) + inGroups(candidatesOf(solafs)) + pointsOf(solafs);
+    return (gridCopies + 1) * gridRoomOf(solafs) + inGroups(candidatesOf(solafs));
 }
 
 void findSkew(ORVA_SOLAFS *solafs, int32_t analysis)

@@ -9,10 +9,10 @@ namespace plain
 namespace
 {
 
-void takeEveryFourth(const float *from, double *to, int32_t count)
+void takeEveryFourth(const float *from, float *to, int32_t count)
 {
     for (int64_t i = 0; i < count; ++i)
-        to[i] = static_cast<double>(from[4 * i]);
+        to[i] = from[4 * i];
 }
 
 // With r the reference and x the input at the comparison points of candidate j, sums over i = 0, 1, 2 ... in order:
@@ -27,7 +27,7 @@ int32_t bestCandidate(const Search &search)
         double energy = 1.0;
         double cross = 0.0;
         for (int32_t i = 0; i < search.points; ++i) {
-            const double x = search.grid[gridPerPoint * i + j];
+            const auto x = static_cast<double>(search.grid[gridPerPoint * i + j]);
             energy += x * x;
             cross += static_cast<double>(search.reference[i]) * x;
         }

@@ -1,15 +1,18 @@
-// Lanes are candidates, which lie side by side on the grid. A point lies two places after the one before, so at every
-// second point of AVX2 the candidates of a vector would lie across two; a copy of the grid shifted by two places takes
-// these, and each load is an aligned one:
+// The search in two steps. First all scores in float, off by a known margin; then, in double and in the order of plain.cpp,
+// those of the candidates that the margin leaves in the running, mostly one or two vectors of them.
 //
-//     grid                g0 g1 g2 g3 | g4 g5 g6 g7 | ...         points 0, 2, 4 ...
-//     grid, shifted       g2 g3 g4 g5 | g6 g7 g8 g9 | ...         points 1, 3, 5 ...
+// Lanes are candidates, which lie side by side on the grid. A point lies two places after the one before; copies of the
+// grid, each shifted by two places, make the vector of every point one that is loaded from a multiple of 32 bytes:
 //
-// After both stand the crosses of all candidates, and the reference in double.
+//     copy 0    g0 g1 g2 g3 g4 g5 g6 g7 | ...     points 0, 4 ...
+//     copy 1    g2 g3 g4 g5 g6 g7 g8 g9 | ...     points 1, 5 ...
+//     copy 2    g4 ...                            points 2, 6 ...
+//     copy 3    g6 ...                            points 3, 7 ...
 //
-// Energies cost as much as crosses, and roots and quotients more. Each energy is at least 1, so no score exceeds its cross:
-// a vector of candidates none of whose crosses comes up to the best score so far needs no energies. The best score so far is
-// at first that of the largest cross.
+// The margin. With n points and R^2 = sum r^2, a sum of products in float is off by at most n 2^-24 R sqrt(energy - 1),
+// and energies by n 2^-24 of themselves; so scores are off by less than twice n 2^-24 R sqrt((E - 1) / E), E being the
+// largest energy. It is taken four times as wide. Outside of ordinary ranges nothing is left out: there the margin would
+// have to tell of overflow, of subnormal numbers and of what is no number.
 #include "common/lanes.h"
 #include "solafs/kernels/ORVAsolafs_kernels.h"
 
@@ -20,47 +23,155 @@ namespace ORVA_LEVEL
 namespace
 {
 
-using Longs [[gnu::vector_size(ORVA_VECTOR_BYTES)]] = int64_t;
+// Independent sums: enough to keep the adders busy, few enough for the registers.
+constexpr int32_t atOnce = 8;
+constexpr int32_t block = atOnce * floatLanes;
+static_assert(candidateGroup % block == 0);
 
-constexpr int32_t atOnce =
-    8; // independent sums: enough to keep the adders busy, few enough for the registers
-static_assert(candidateGroup % (atOnce * doubleLanes) == 0);
+constexpr int32_t energyPoints = 8; // summed once for all the candidates that share them
 
-const double *rowOf(const Search &search, int32_t point)
+template <class Mask> bool isAnySet(Mask lanes)
 {
-    return (point % 2 == 0 ? search.grid : search.shifted) + gridPerPoint * (point - point % 2);
-}
-
-bool isAnySet(Longs lanes)
-{
+    using Longs [[gnu::vector_size(ORVA_VECTOR_BYTES)]] = int64_t;
+    const auto longs = reinterpret_cast<Longs>(lanes);
     int64_t all = 0;
 #pragma GCC unroll 8
     for (int32_t lane = 0; lane < doubleLanes; ++lane)
-        all |= lanes[lane];
+        all |= longs[lane];
     return all != 0;
 }
 
-void takeEveryFourth(const float *from, double *to, int32_t count)
+float largestLane(Floats lanes)
 {
-    kernelsAt<SolafsKernels, Level::plain>().takeEveryFourth(from, to, count);
+    float largest = lanes[0];
+    for (int32_t lane = 1; lane < floatLanes; ++lane)
+        largest = lanes[lane] > largest ? lanes[lane] : largest;
+    return largest;
 }
 
-// cross(j) for all candidates, and some more up to a whole group.
-void sumCrosses(const Search &search)
+void takeEveryFourth(const float *from, float *to, int32_t count)
 {
-    for (int32_t first = 0; first < search.candidates; first += atOnce * doubleLanes) {
-        Doubles sum[atOnce] = {};
-        for (int32_t i = 0; i < search.points; ++i) {
-            const double *row = rowOf(search, i) + first;
-            const auto r = allLanes<Doubles>(search.wideReference[i]);
+    int32_t i = 0;
+    for (; i < count - floatLanes; i += floatLanes) { // the last vector would read beyond its samples
+        const float *part = from + 4 * i;
+        const Floats low = evens(load<Floats>(part), load<Floats>(part + floatLanes));
+        const Floats high = evens(load<Floats>(part + 2 * floatLanes), load<Floats>(part + 3 * floatLanes));
+        store(to + i, evens(low, high));
+    }
+    kernelsAt<SolafsKernels, Level::plain>().takeEveryFourth(from + 4 * i, to + i, count - i);
+}
+
+// Calls use(point, row) for the points begin .. end - 1 of the candidates from `first` on; begin is a multiple of gridCopies.
+template <class Use>
+[[gnu::always_inline]] inline void forPoints(const Search &search, int32_t first, int32_t begin, int32_t end,
+                                             Use use)
+{
+    const float *row = search.grid + first + gridPerPoint * begin;
+    for (int32_t i = begin; i < end; i += gridCopies, row += gridPerPoint * gridCopies)
+        for (int32_t copy = 0; copy < gridCopies && i + copy < end; ++copy)
+            use(i + copy, row + copy * search.gridRoom);
+}
+
+// eights[g] = sum of x^2 over the first eight points of a candidate at place g
+void sumEights(const Search &search)
+{
+    const int32_t end = search.candidates + gridPerPoint * (search.points - energyPoints);
+    for (int32_t first = 0; first < end; first += block) {
+        Floats sum[atOnce] = {};
+        forPoints(search, first, 0, energyPoints, [&](int32_t, const float *row) {
 #pragma GCC unroll 8
-            for (int32_t v = 0; v < atOnce; ++v)
-                sum[v] += r * load<Doubles>(row + v * doubleLanes);
-        }
+            for (int32_t v = 0; v < atOnce; ++v) {
+                const auto x = load<Floats>(row + v * floatLanes);
+                sum[v] += x * x;
+            }
+        });
 #pragma GCC unroll 8
         for (int32_t v = 0; v < atOnce; ++v)
-            store(search.crosses + first + v * doubleLanes, sum[v]);
+            store(search.eights + first + v * floatLanes, sum[v]);
     }
+}
+
+// The energies in float, into `scores`. Gives the largest.
+float estimateEnergies(const Search &search)
+{
+    const int32_t inEights = search.points - search.points % energyPoints;
+    Floats largest = {};
+    for (int32_t first = 0; first < search.candidates; first += block) {
+        Floats energy[atOnce];
+#pragma GCC unroll 8
+        for (int32_t v = 0; v < atOnce; ++v)
+            energy[v] = allLanes<Floats>(1.0f);
+        for (int32_t i = 0; i < inEights; i += energyPoints) {
+            const float *row = search.eights + gridPerPoint * i + first;
+#pragma GCC unroll 8
+            for (int32_t v = 0; v < atOnce; ++v)
+                energy[v] += load<Floats>(row + v * floatLanes);
+        }
+        forPoints(search, first, inEights, search.points, [&](int32_t, const float *row) {
+#pragma GCC unroll 8
+            for (int32_t v = 0; v < atOnce; ++v) {
+                const auto x = load<Floats>(row + v * floatLanes);
+                energy[v] += x * x;
+            }
+        });
+#pragma GCC unroll 8
+        for (int32_t v = 0; v < atOnce; ++v) {
+            store(search.scores + first + v * floatLanes, energy[v]);
+            largest = energy[v] > largest ? energy[v] : largest;
+        }
+    }
+    return largestLane(largest);
+}
+
+// The scores in float, each as score |score|, which takes no root. `scores` holds the energies.
+void estimateScores(const Search &search)
+{
+    for (int32_t first = 0; first < search.candidates; first += block) {
+        Floats cross[atOnce] = {};
+        forPoints(search, first, 0, search.points, [&](int32_t point, const float *row) {
+            const auto r = allLanes<Floats>(search.reference[point]);
+#pragma GCC unroll 8
+            for (int32_t v = 0; v < atOnce; ++v)
+                cross[v] += r * load<Floats>(row + v * floatLanes);
+        });
+#pragma GCC unroll 8
+        for (int32_t v = 0; v < atOnce; ++v) {
+            float *score = search.scores + first + v * floatLanes;
+            const Floats size = cross[v] < 0.0f ? -cross[v] : cross[v];
+            store(score, cross[v] * size / load<Floats>(score));
+        }
+    }
+    for (int32_t j = search.candidates; j % block != 0; ++j)
+        search.scores[j] = -1.0f; // no candidate
+}
+
+float largestScore(const Search &search)
+{
+    Floats largest = {};
+    for (int32_t first = 0; first < search.candidates; first += floatLanes) {
+        const auto score = load<Floats>(search.scores + first);
+        largest = score > largest ? score : largest;
+    }
+    return largestLane(largest);
+}
+
+// What an estimated score |score| must reach for its candidate to be in the running; minus infinity when all are.
+float leastScore(const Search &search, float largestEnergy)
+{
+    double power = 0.0;
+    for (int32_t i = 0; i < search.points; ++i) {
+        const auto r = static_cast<double>(search.reference[i]);
+        power += r * r;
+    }
+    constexpr double large = 1e18;
+    constexpr double small = 1e-30;
+    const auto best = static_cast<double>(largestScore(search));
+    const auto energy = static_cast<double>(largestEnergy);
+    const double margin =
+        8.0 * (search.points + 8) * 0x1p-24 * __builtin_sqrt(power * (energy - 1.0) / energy);
+    const double least = __builtin_sqrt(best) - margin;
+    const bool isOrdinary = best > small && power < large && energy < large && least > 0.0;
+    return isOrdinary ? static_cast<float>(least * least) : -__builtin_inff();
 }
 
 struct Best {
@@ -68,84 +179,77 @@ struct Best {
     int32_t candidate = 0;
 };
 
-// Takes in the candidates of `atOnce` vectors, of which the first ones are given.
-void takeIn(Best &best, const Search &search, const int32_t (&firsts)[atOnce])
+// Takes in the exact scores of the candidates of two vectors of floats, which begin at these.
+void takeInTwo(Best &best, const Search &search, const int32_t (&firsts)[2])
 {
-    Doubles energy[atOnce];
-#pragma GCC unroll 8
-    for (int32_t v = 0; v < atOnce; ++v)
-        energy[v] = allLanes<Doubles>(1.0);
+    constexpr int32_t parts = 4;
+    const int32_t starts[parts] = {firsts[0], firsts[0] + doubleLanes, firsts[1], firsts[1] + doubleLanes};
+    Doubles cross[parts] = {};
+    Doubles energy[parts];
+#pragma GCC unroll 4
+    for (int32_t part = 0; part < parts; ++part)
+        energy[part] = allLanes<Doubles>(1.0);
     for (int32_t i = 0; i < search.points; ++i) {
-        const double *row = rowOf(search, i);
-#pragma GCC unroll 8
-        for (int32_t v = 0; v < atOnce; ++v) {
-            const auto x = load<Doubles>(row + firsts[v]);
-            energy[v] += x * x;
+        const float *row = search.grid + gridPerPoint * i;
+        const auto r = allLanes<Doubles>(static_cast<double>(search.reference[i]));
+#pragma GCC unroll 4
+        for (int32_t part = 0; part < parts; ++part) {
+            const Doubles x = widen(load<HalfFloats>(row + starts[part]));
+            energy[part] += x * x;
+            cross[part] += r * x;
         }
     }
-    // A root and a quotient only where they may matter: cross^2 >= best^2 energy, but for the roundings.
-    constexpr double slack = 1.0 - 1e-9;
-    for (int32_t v = 0; v < atOnce; ++v) {
-        const auto cross = load<Doubles>(search.crosses + firsts[v]);
-        const double least = slack * best.score * best.score;
-        if (!isAnySet((cross * cross >= least * energy[v]) & (cross >= best.score)))
+    double crosses[parts * doubleLanes];
+    double energies[parts * doubleLanes];
+    __builtin_memcpy(crosses, cross, sizeof crosses);
+    __builtin_memcpy(energies, energy, sizeof energies);
+    for (int32_t i = 0; i < parts * doubleLanes; ++i) {
+        const int32_t candidate = firsts[i / floatLanes] + i % floatLanes;
+        // A root and a quotient only for what comes near; the factor makes room for the roundings.
+        const double near = (1.0 - 1e-9) * best.score * best.score * energies[i];
+        if (!(crosses[i] > 0.0 && crosses[i] * crosses[i] > near) || candidate >= search.candidates)
             continue;
-        for (int32_t lane = 0; lane < doubleLanes; ++lane) {
-            const double score = cross[lane] / __builtin_sqrt(energy[v][lane]);
-            const int32_t candidate = firsts[v] + lane;
-            if (score > best.score || (score == best.score && candidate < best.candidate))
-                best = {score, candidate};
-        }
+        const double score = crosses[i] / __builtin_sqrt(energies[i]);
+        if (score > best.score)
+            best = {score, candidate};
     }
-}
-
-// The first candidate of the vector in which the largest cross stands, or -1 if none is above 0.
-int32_t vectorOfLargest(const double *crosses, int32_t candidates)
-{
-    Doubles most = {};
-    Longs at = allLanes<Longs>(int64_t{-1});
-    for (int32_t first = 0; first < candidates; first += doubleLanes) {
-        const auto cross = load<Doubles>(crosses + first);
-        const Longs isMore = cross > most;
-        most = isMore ? cross : most;
-        at = isMore ? allLanes<Longs>(int64_t{first}) : at;
-    }
-    int32_t lane = 0;
-    for (int32_t other = 1; other < doubleLanes; ++other)
-        if (most[other] > most[lane])
-            lane = other;
-    return static_cast<int32_t>(at[lane]);
 }
 
 int32_t bestCandidate(const Search &search)
 {
-    __builtin_memcpy(search.shifted, search.grid + gridPerPoint,
-                     static_cast<size_t>(search.gridRoom - gridPerPoint) * sizeof(double));
-    for (int32_t i = 0; i < search.points; ++i)
-        search.wideReference[i] = static_cast<double>(search.reference[i]);
-    sumCrosses(search);
-    for (int32_t j = search.candidates; j % doubleLanes != 0; ++j)
-        search.crosses[j] = -1.0; // what fills the last vector up never wins
+    for (int32_t copy = 1; copy < gridCopies; ++copy)
+        __builtin_memcpy(search.grid + copy * search.gridRoom, search.grid + copy * gridPerPoint,
+                         static_cast<size_t>(search.gridRoom - copy * gridPerPoint) * sizeof(float));
+    sumEights(search);
+    const float energy = estimateEnergies(search);
+    estimateScores(search);
+    const float least = leastScore(search, energy);
 
     Best best;
-    const int32_t first = vectorOfLargest(search.crosses, search.candidates);
-    if (first < 0)
-        return 0;
-    int32_t firsts[atOnce] = {first, first, first, first, first, first, first, first};
-    takeIn(best, search, firsts);
-
+    int32_t firsts[2];
     int32_t count = 0;
-    for (int32_t j = 0; j < search.candidates; j += doubleLanes) {
-        if (!isAnySet(load<Doubles>(search.crosses + j) >= best.score))
+    const auto isInTheRunning = [&](int32_t first) { return ~(load<Floats>(search.scores + first) < least); };
+    for (int32_t first = 0; first < search.candidates; first += block) {
+        Ints any = {};
+#pragma GCC unroll 8
+        for (int32_t v = 0; v < atOnce; ++v)
+            any |= isInTheRunning(first + v * floatLanes);
+        if (!isAnySet(any))
             continue;
-        firsts[count++] = j;
-        if (count == atOnce) {
-            takeIn(best, search, firsts);
-            count = 0;
+        for (int32_t v = 0; v < atOnce; ++v) {
+            if (!isAnySet(isInTheRunning(first + v * floatLanes)))
+                continue;
+            firsts[count++] = first + v * floatLanes;
+            if (count == 2) {
+                takeInTwo(best, search, firsts);
+                count = 0;
+            }
         }
     }
-    if (count > 0)
-        takeIn(best, search, firsts); // some of them once more, to no effect
+    if (count > 0) {
+        firsts[1] = firsts[0];
+        takeInTwo(best, search, firsts);
+    }
     return best.candidate;
 }
 
