@@ -70,7 +70,7 @@ Ints rounded(Floats scaled)
 void multiply(float *vector, int32_t count, float factor)
 {
     int32_t i = 0;
-    for (; i <= count - block; i += block) {
+    for (; count - i >= block; i += block) {
         const Floats first = load<Floats>(vector + i) * factor;
         const Floats second = load<Floats>(vector + i + lanes) * factor;
         store(vector + i, first);
@@ -85,7 +85,7 @@ float largestMagnitude(const float *vector, int32_t count)
     Floats first = allOf(0.0f);
     Floats second = allOf(0.0f);
     int32_t i = 0;
-    for (; i <= count - block; i += block) {
+    for (; count - i >= block; i += block) {
         const Floats a = magnitudeOf(load<Floats>(vector + i));
         const Floats b = magnitudeOf(load<Floats>(vector + i + lanes));
         first = a > first ? a : first;
@@ -105,7 +105,7 @@ Peak findPeak(const float *vector, int32_t count)
     if (largest == 0.0f)
         return {0.0f, 0};
     int32_t i = 0;
-    for (; i <= count - block; i += block) {
+    for (; count - i >= block; i += block) {
         const Ints isFirst = magnitudeOf(load<Floats>(vector + i)) == largest;
         const Ints isSecond = magnitudeOf(load<Floats>(vector + i + lanes)) == largest;
         if (isAny(isFirst | isSecond))
@@ -119,7 +119,7 @@ Peak findPeak(const float *vector, int32_t count)
 void toWord16(const float *input, int16_t *output, int32_t count)
 {
     int32_t i = 0;
-    for (; i <= count - block; i += block) {
+    for (; count - i >= block; i += block) {
         const Ints first = rounded(load<Floats>(input + i) * 32768.0f);
         const Ints second = rounded(load<Floats>(input + i + lanes) * 32768.0f);
         const IntPair both = __builtin_shufflevector(first, second, 0, 1, 2, 3, 4, 5, 6, 7);
@@ -132,7 +132,7 @@ void toWord16(const float *input, int16_t *output, int32_t count)
 void fromWord16(const int16_t *input, float *output, int32_t count)
 {
     int32_t i = 0;
-    for (; i <= count - block; i += block) {
+    for (; count - i >= block; i += block) {
         const IntPair words = __builtin_convertvector(load<Words>(input + i), IntPair);
         const Ints first = __builtin_shufflevector(words, words, 0, 1, 2, 3);
         const Ints second = __builtin_shufflevector(words, words, 4, 5, 6, 7);
