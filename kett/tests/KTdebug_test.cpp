@@ -139,9 +139,12 @@ TEST(DebugMessages, ARefusedFormatIsWrittenAsItStands)
     EXPECT_EQ(log.messages, (std::vector{Message{0, -1, "one and %ls\n"}}));
 }
 
+namespace
+{
+
 // No more blocks of 8 MB: a sanitizer has its own limit, which the build sets for this test.
 #if !defined(__SANITIZE_ADDRESS__) && !defined(__SANITIZE_THREAD__)
-static void forbidLargeBlocks(bool forbidden)
+void forbidLargeBlocks(bool forbidden)
 {
     static rlimit before;
     if (forbidden)
@@ -150,8 +153,10 @@ static void forbidLargeBlocks(bool forbidden)
     setrlimit(RLIMIT_AS, forbidden ? &none : &before);
 }
 #else
-static void forbidLargeBlocks(bool) {}
+void forbidLargeBlocks(bool) {}
 #endif
+
+} // namespace
 
 TEST(DebugMessages, AreCutWhereMemoryIsOut)
 {

@@ -5,9 +5,14 @@
 #include <string>
 #include <time.h>
 
+namespace
+{
+
 // What a buffer holds after the bytes that may be written.
-static constexpr char untouchedCharacter = '\x55';
-static constexpr double untouched = -12345.5;
+constexpr char untouchedCharacter = '\x55';
+constexpr double untouched = -12345.5;
+
+} // namespace
 
 TEST(ConfigText, IsCutToTheRoomAndTerminated)
 {

@@ -5,7 +5,10 @@
 
 #include <string>
 
-static void runHost(const std::string &what)
+namespace
+{
+
+void runHost(const std::string &what)
 {
     const support::Folder folder;
     // Without the cache of each thread, what the heap hands out is what is in use.
@@ -14,6 +17,8 @@ static void runHost(const std::string &what)
     EXPECT_EQ(outcome.status, 0);
     EXPECT_EQ(outcome.err, "");
 }
+
+} // namespace
 
 TEST(KettUnload, LeavesNothingBehind)
 {

@@ -8,9 +8,12 @@
 #include <thread>
 #include <vector>
 
+namespace
+{
+
 using Numbers = std::array<int32_t, 4>;
 
-static std::optional<Numbers> find(const char *name)
+std::optional<Numbers> find(const char *name)
 {
     Numbers numbers{-1, -2, -3, -4};
     if (KTVERSION_Find(name, &numbers[0], &numbers[1], &numbers[2], &numbers[3]))
@@ -18,6 +21,8 @@ static std::optional<Numbers> find(const char *name)
     EXPECT_EQ(numbers, (Numbers{-1, -2, -3, -4})) << "written though nothing was found";
     return std::nullopt;
 }
+
+} // namespace
 
 TEST(VersionRegister, GivesBackWhatWasRegistered)
 {
