@@ -217,10 +217,11 @@ TEST(Bootstrap, AsksSudoOnlyForWhatIsMissing)
     EXPECT_EQ(outcome.out, "bootstrap: for examples, installing libsndfile1-dev\n"
                            "bootstrap: reading the lists of packages\n"
                            "bootstrap: done\n");
-    EXPECT_THAT(system.calls(), ElementsAre("sudo", EndsWith("update"), "sudo",
-                                            testing::AllOf(HasSubstr("DPkg::Lock::Timeout=900"),
-                                                           HasSubstr("install -y --no-install-recommends"),
-                                                           EndsWith("libsndfile1-dev"))));
+    EXPECT_THAT(system.calls(),
+                ElementsAre("sudo", EndsWith("update"), "sudo",
+                            testing::AllOf(HasSubstr("DPkg::Lock::Timeout=900"),
+                                           HasSubstr("install -y --no-install-recommends"),
+                                           HasSubstr("APT::Status-Fd=3"), EndsWith("libsndfile1-dev"))));
 
     support::writeFile(system.folder / "calls", "");
     support::writeFile(system.folder / "installed",
@@ -262,13 +263,14 @@ TEST(Bootstrap, SaysWhatToDoWithoutSudoAndWithoutApt)
 TEST(Bootstrap, ShowsHowFarItIs)
 {
     const System system;
-    support::writeFile(system.folder / "install", "echo 'Need to get 124 MB of archives.'\n"
-                                                  "echo 'dlstatus:1:3.5:Retrieving file 1 of 9 (1min left)'\n"
-                                                  "echo 'dlstatus:2:50.0:Retrieving file 2 of 9'\n"
-                                                  "echo 'dlstatus:3:51.2:Retrieving file 3 of 9'\n"
-                                                  "echo 'Setting up alsa-utils'\n"
-                                                  "echo 'pmstatus:alsa-utils:99.9:Installing alsa-utils'\n"
-                                                  "echo 'pmstatus:dpkg-exec:100:Running dpkg'\n");
+    support::writeFile(system.folder / "install",
+                       "echo 'Need to get 124 MB of archives.'\n"
+                       "echo 'dlstatus:1:3.5:Retrieving file 1 of 9 (1min left)' >&3\n"
+                       "echo 'dlstatus:2:50.0:Retrieving file 2 of 9' >&3\n"
+                       "echo 'dlstatus:3:51.2:Retrieving file 3 of 9' >&3\n"
+                       "echo 'Setting up alsa-utils'\n"
+                       "echo 'pmstatus:alsa-utils:99.9:Installing alsa-utils' >&3\n"
+                       "echo 'pmstatus:dpkg-exec:100:Running dpkg' >&3\n");
     EXPECT_THAT(system.bootstrap({"examples"}).out, EndsWith("bootstrap: need to get 124 MB of archives.\n"
                                                              "bootstrap: downloaded 50 %\n"
                                                              "bootstrap: installed 90 %\n"
