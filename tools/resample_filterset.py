@@ -82,6 +82,8 @@ def main():
 #include "resample/ORVAresample_filterset.h"
 
 // clang-format off
+namespace orva
+{{
 namespace
 {{
 """)
@@ -90,7 +92,8 @@ namespace
     print("// Searched from the top. The last seven rows are never reached: rows above hold the same pairs.")
     print(f"const FilterSetRow FilterSet[{len(rows)}] = {{")
     print("\n".join(rows))
-    print("};")
+    print("};\n")
+    print("} // namespace orva")
 
 
 main()

@@ -115,6 +115,11 @@ typedef struct ORVA_RESAMPLER ORVA_RESAMPLER;
  *                        error "ORVA_ZOHResampleInit: Unsuported sample rate convertion: %d to %d" of both
  *                        rates.
  *
+ *  Memory: polyphase, with P = ceil((N + 1) / L), at most 2 (P + 1) L doubles of coefficients (5 M at an order
+ *  of 1), in the order of the outputs that take them, and a delay line of P samples with room for as many again
+ *  or for the longest block; up to 15 M / L samples more where outputs are computed side by side. Hold, the
+ *  longest block of the higher rate. While a polyphase converter is made, the N + 1 doubles of its filter.
+ *
  *  Threads: any, at any time.   Real time: no (allocates, locks, and computes 3 N / 2 sines and cosines).
  *  Source: as above; F. J. Harris, "On the use of windows for harmonic analysis with the DFT", Proc. IEEE 66
  *  (1978), for the window; S. Darlington, "Synthesis of reactance 4-poles", J. Math. Phys. 18 (1939), for the
@@ -145,8 +150,10 @@ ORVA_API ORVA_RESAMPLER *ORVA_ResampleInit(int32_t inputRate, int32_t outputRate
  *                    the samples of the result (of a hold, the room for them) are more than 2147483647.
  *
  *  Threads: one at a time for a converter.
- *  Real time: yes, if an earlier block was at least as long (a block longer than all before it allocates); no
- *  lock or system call, no log except for a refusal; O(`count` + results * ceil((N + 1) / L)).
+ *  Real time: yes, if an earlier block was at least as long (a block longer than all before it may allocate);
+ *  no lock or system call, no log except for a refusal; O(`count` + results * P), P = ceil((N + 1) / L), and once
+ *  in P samples a copy of the delay line. Blocks with infinities or not-a-number, and those of the P samples
+ *  after, take about ten times as long.
  */
 ORVA_API int32_t ORVA_Resample(ORVA_RESAMPLER *handle, const float *input, float *output, int32_t count);
 

@@ -1,7 +1,11 @@
-// The handle: configuration, dispatch, and what is said of a handle that is none.
+// The handle: configuration, dispatch, and the report of a handle that is null or damaged.
 #include <orva/ORVAresample.h>
 
-#include "resample/ORVAresample_internal.h"
+#include "common/memory.h"
+#include "resample/ORVAresample_handle.h"
+#include "resample/ORVAresample_hold.h"
+#include "resample/ORVAresample_polyphase.h"
+#include "resample/ORVAresample_work.h"
 
 #include <kett/KTdebug.h>
 #include <kett/KTsettings.h>
@@ -10,48 +14,46 @@
 #include <array>
 #include <cstring>
 
-// Also the text of a flush and of a destruction, which is meant.
-static const char notInitialized[] = "ORVA_Resample: Estrutura de dados nao foi inicializada corretamente!\n";
+using namespace orva;
 
-void reportInvalidParameters()
+namespace orva
 {
-    KTDEBUG_Error(-1, "ORVA_ResampleInit: Parametros invalidos");
-}
-
-bool growWork(double *&work, int32_t &workCapacity, int32_t capacity, int64_t count)
+namespace
 {
-    if (work != nullptr && workCapacity >= capacity)
-        return true;
-    auto *grown = static_cast<double *>(std::realloc(work, static_cast<size_t>(count) * sizeof(double)));
-    if (grown == nullptr)
-        return false;
-    work = grown;
-    workCapacity = capacity;
-    return true;
-}
 
-static bool isPolyphase(const char *config)
+// Deliberately the text of a flush and of a destruction, too.
+const char notInitialized[] = "ORVA_Resample: Estrutura de dados nao foi inicializada corretamente!\n";
+
+bool isPolyphase(const char *config)
 {
     std::array<char, 256> type;
     KTSTRING_GetStringValueFromString(config, "type", "polyphase", type.data(), int32_t{type.size()});
     return std::strcmp(type.data(), "polyphase") == 0 || std::strcmp(type.data(), "poly") == 0;
 }
 
-static int32_t orderIn(const char *config)
+int32_t orderIn(const char *config)
 {
     const int64_t preset = KTSETTINGS_GetIntEx(nullptr, "liborva.resample.polyphase.order=30");
     return KTSTRING_GetIntegerValueFromString(config, "order", static_cast<int32_t>(preset));
 }
 
+bool hasKnownMode(const ORVA_RESAMPLER *handle)
+{
+    return handle->mode == resamplePolyphase || handle->mode == resampleHold;
+}
+
+} // namespace
+} // namespace orva
+
 ORVA_RESAMPLER *ORVA_ResampleInit(int32_t inputRate, int32_t outputRate, const char *config)
 {
-    auto *handle = inputRate >= 1 && outputRate >= 1 ? newZeroed<ORVA_RESAMPLER>(1) : nullptr;
+    auto handle = inputRate >= 1 && outputRate >= 1 ? ownZeroed<ORVA_RESAMPLER>(1) : Owned<ORVA_RESAMPLER>();
     if (handle == nullptr) {
         reportInvalidParameters();
         return nullptr;
     }
     constexpr size_t configBytes = 256;
-    std::array<char, configBytes + 1> lowered{}; // what is cut ends in a zero, too
+    std::array<char, configBytes + 1> lowered{}; // cut text ends in a zero, too
     if (config != nullptr)
         std::memcpy(lowered.data(), config, strnlen(config, configBytes));
     KTSTRING_Strlwr(lowered.data(), 0);
@@ -61,26 +63,20 @@ ORVA_RESAMPLER *ORVA_ResampleInit(int32_t inputRate, int32_t outputRate, const c
         const int32_t order = orderIn(lowered.data());
         if (order < 1) { // the handle stays, without a converter
             KTDEBUG_TerminalError(-1, "ORVA_ResampleInit: Parametros invalidos");
-            return handle;
+            return handle.release();
         }
         const bool compensates =
             KTSTRING_GetBooleanValueFromString(lowered.data(), "delaycompensation", true);
         handle->impl = newPolyphase(inputRate, outputRate, order, compensates);
     } else { // "zoh", and every name that is not known
-        handle->mode = resampleZoh;
-        handle->impl = newZoh(inputRate, outputRate);
+        handle->mode = resampleHold;
+        handle->impl = newHold(inputRate, outputRate);
     }
     if (handle->impl == nullptr) {
         reportInvalidParameters();
-        std::free(handle);
         return nullptr;
     }
-    return handle;
-}
-
-static bool hasKnownMode(const ORVA_RESAMPLER *handle)
-{
-    return handle->mode == resamplePolyphase || handle->mode == resampleZoh;
+    return handle.release();
 }
 
 int32_t ORVA_Resample(ORVA_RESAMPLER *handle, const float *input, float *output, int32_t count)
@@ -97,8 +93,8 @@ int32_t ORVA_Resample(ORVA_RESAMPLER *handle, const float *input, float *output,
         return 0;
     if (input == nullptr || output == nullptr)
         return -1;
-    if (handle->mode == resampleZoh)
-        return runZoh(static_cast<ZohResampler *>(handle->impl), input, output, count);
+    if (handle->mode == resampleHold)
+        return runHold(static_cast<ZohResampler *>(handle->impl), input, output, count);
     return runPolyphase(static_cast<PolyphaseResampler *>(handle->impl), input, output, count);
 }
 
@@ -110,7 +106,7 @@ int32_t ORVA_ResampleFlushBufferSize(const ORVA_RESAMPLER *handle)
     }
     if (handle->impl == nullptr)
         return -1;
-    return handle->mode == resampleZoh ? 0 : static_cast<const PolyphaseResampler *>(handle->impl)->delay;
+    return handle->mode == resampleHold ? 0 : static_cast<const PolyphaseResampler *>(handle->impl)->delay;
 }
 
 int32_t ORVA_ResampleFlushBuffersEx(ORVA_RESAMPLER *handle, float *output, int32_t maxCount)
@@ -119,7 +115,7 @@ int32_t ORVA_ResampleFlushBuffersEx(ORVA_RESAMPLER *handle, float *output, int32
         KTDEBUG_TerminalError(-1, notInitialized);
         std::exit(1);
     }
-    if (handle->impl == nullptr || handle->mode == resampleZoh || output == nullptr)
+    if (handle->impl == nullptr || handle->mode == resampleHold || output == nullptr)
         return 0;
     return flushPolyphase(static_cast<PolyphaseResampler *>(handle->impl), output, maxCount);
 }
@@ -129,8 +125,8 @@ int32_t ORVA_ResampleDestroy(ORVA_RESAMPLER *handle)
     const bool known = handle != nullptr && hasKnownMode(handle);
     if (!known)
         KTDEBUG_Error(-1, notInitialized);
-    else if (handle->mode == resampleZoh)
-        freeZoh(static_cast<ZohResampler *>(handle->impl));
+    else if (handle->mode == resampleHold)
+        freeHold(static_cast<ZohResampler *>(handle->impl));
     else
         freePolyphase(static_cast<PolyphaseResampler *>(handle->impl));
     std::free(handle);

@@ -1,28 +1,26 @@
-// The polyphase filter: its prototype, a windowed sinc, and the phases that it is sorted into.
-#include "resample/ORVAresample_internal.h"
+// The polyphase filter: its prototype, a windowed sinc, and the bank that it is sorted into.
+#include "common/memory.h"
+#include "common/numbers.h"
+#include "resample/ORVAresample_polyphase.h"
 
 #include <algorithm>
 #include <cmath>
 #include <limits>
+#include <numeric>
 
-static int64_t prototypeOrder(int32_t order, int32_t upFactor, int32_t downFactor)
+namespace orva
+{
+namespace
+{
+
+int64_t prototypeOrder(int32_t order, int32_t upFactor, int32_t downFactor)
 {
     return 2 * int64_t{order} * std::max(upFactor, downFactor);
 }
 
-static int64_t tapsOf(int64_t length, int32_t upFactor)
+int64_t quotientUp(int64_t a, int64_t b)
 {
-    return length / upFactor + (length % upFactor != 0 ? 1 : 0);
-}
-
-int64_t polyphaseDesignBytes(int32_t order, int32_t upFactor, int32_t downFactor)
-{
-    const int64_t length = prototypeOrder(order, upFactor, downFactor) + 1;
-    if (length > std::numeric_limits<int32_t>::max())
-        return -1;
-    const int64_t taps = tapsOf(length, upFactor);
-    const int64_t doubles = length + taps * upFactor + taps; // prototype, phases, ring
-    return doubles * int64_t{sizeof(double)} + upFactor * int64_t{sizeof(double *)};
+    return (a + b - 1) / b;
 }
 
 // With c = 0.95 min(pi / M, pi / L), for i = 0 .. N/2 - 1 and t = i - N/2:
@@ -31,10 +29,10 @@ int64_t polyphaseDesignBytes(int32_t order, int32_t upFactor, int32_t downFactor
 //     w(i) = 0.42 - 0.5 cos(2 pi i / (N + 1)) + 0.08 cos(4 pi i / (N + 1))
 //
 // The window's period is N + 1 and not N, so it does not peak at the centre; copying makes h symmetric all
-// the same. That is meant, and all coefficients depend on it.
-static void designPrototype(double *h, int32_t N, int32_t L, int32_t M)
+// the same. That is deliberate, and all coefficients depend on it.
+void designPrototype(double *h, int32_t N, int32_t L, int32_t M)
 {
-    constexpr double pi = 3.141592653589793, twoPi = 6.283185307179586, fourPi = 12.566370614359172;
+    constexpr double fourPi = 12.566370614359172;
     const double c = 0.95 * std::min(pi / M, pi / L);
     const double half = N * 0.5;
     const double length = N + 1;
@@ -44,35 +42,56 @@ static void designPrototype(double *h, int32_t N, int32_t L, int32_t M)
         const double w = (0.42 - 0.5 * std::cos(i * twoPi / length)) + 0.08 * std::cos(i * fourPi / length);
         h[i] = h[N - i] = (s / (t * pi)) * (w * L);
     }
-    // The limit of the sinc, without the window; the quotient is one of floats, and meant.
+    // The limit of the sinc, without the window; the quotient is deliberately one of floats.
     const float quotient = static_cast<float>(L) / static_cast<float>(M);
     h[N / 2] = L > M ? 0.95 : static_cast<double>(quotient) * 0.95;
 }
 
-// One block for all phases, which the first of them owns.
-static bool allocate(PolyphaseResampler *resampler)
+// From the first coefficient of a row to that of the next: the coefficients of the longest row; zeros for the last group
+// that takes its samples, whose outputs reach L - 1 + (lanes - 1) M out of h; and what the next row begins earlier. An odd
+// number spreads the rows over a cache.
+int64_t pitchOf(int64_t length, int32_t L, int32_t M, int32_t lanes)
 {
-    const int32_t taps = resampler->tapsPerPhase;
-    const int32_t count = resampler->upFactor;
-    resampler->ring = newZeroed<double>(taps);
-    resampler->phases = newZeroed<double *>(count);
-    if (resampler->ring == nullptr || resampler->phases == nullptr)
-        return false;
-    resampler->phases[0] = newZeroed<double>(int64_t{count} * taps);
-    if (resampler->phases[0] == nullptr)
-        return false;
-    for (int32_t p = 1; p < count; ++p)
-        resampler->phases[p] = resampler->phases[p - 1] + taps;
-    return true;
+    return (quotientUp(length, M) + lanes - 1 + 2 * quotientUp(L, M)) | 1;
 }
 
-// phases[p][j] = h[p + j L]
-static void sortIntoPhases(PolyphaseResampler *resampler, const double *h, int32_t length)
+// Ahead of the first row stand the zeros of a group whose last output alone takes its newest sample.
+int64_t bankSize(int64_t length, int32_t L, int32_t M, int32_t lanes)
 {
-    const int32_t L = resampler->upFactor;
-    for (int32_t p = 0; p < L; ++p)
-        for (int64_t j = 0; p + j * L < length; ++j)
-            resampler->phases[p][j] = h[p + j * L];
+    return lanes - 1 + M * pitchOf(length, L, M, lanes);
+}
+
+// As wide a group as keeps the bank within twice the phases and the pointers to them.
+int32_t lanesFor(int64_t length, int64_t taps, int32_t L, int32_t M)
+{
+    for (const int32_t lanes : {16, 8})
+        if (bankSize(length, L, M, lanes) <= 2 * (taps + 1) * L)
+            return lanes;
+    return 1;
+}
+
+// H(s, c) = h[c M + s L]
+void fillBank(double *origin, const PolyphaseBank &bank, const double *h, int64_t length)
+{
+    const int64_t L = bank.up;
+    const int64_t M = bank.down;
+    for (int64_t s = 0; s < M; ++s) {
+        const int64_t first = -(s * L / M);
+        for (int64_t c = first; c * M + s * L < length; ++c)
+            origin[s * bank.pitch + c] = h[c * M + s * L];
+    }
+}
+
+} // namespace
+
+int64_t polyphaseDesignBytes(int32_t order, int32_t upFactor, int32_t downFactor)
+{
+    const int64_t length = prototypeOrder(order, upFactor, downFactor) + 1;
+    if (length > std::numeric_limits<int32_t>::max())
+        return -1;
+    const int64_t taps = quotientUp(length, upFactor);
+    const int64_t doubles = length + taps * upFactor + taps; // prototype, phases, delay line
+    return doubles * int64_t{sizeof(double)} + upFactor * int64_t{sizeof(double *)};
 }
 
 int32_t polyphaseDelay(int32_t prototypeOrder, int32_t downFactor)
@@ -91,37 +110,50 @@ PolyphaseResampler *newPolyphase(int32_t inputRate, int32_t outputRate, int32_t 
         return nullptr;
     const auto N = static_cast<int32_t>(prototypeOrder(order, L, M));
     const int32_t length = N + 1;
+    const auto taps = static_cast<int32_t>(quotientUp(length, L));
+    const int32_t lanes = lanesFor(length, taps, L, M);
+    const auto history = static_cast<int32_t>(taps + (lanes - 1) * int64_t{M} / L);
 
-    auto *resampler = newZeroed<PolyphaseResampler>(1);
-    auto *h = newZeroed<double>(length);
-    bool complete = resampler != nullptr && h != nullptr;
-    if (complete) {
-        resampler->upFactor = L;
-        resampler->downFactor = M;
-        resampler->tapsPerPhase = static_cast<int32_t>(tapsOf(length, L));
-        resampler->delay = polyphaseDelay(N, M);
-        resampler->delayToSkip = compensates ? resampler->delay : 0;
-        complete = allocate(resampler);
-    }
-    if (complete) {
-        designPrototype(h, N, L, M);
-        sortIntoPhases(resampler, h, length);
-    }
-    std::free(h);
-    if (complete)
-        return resampler;
-    freePolyphase(resampler);
-    return nullptr;
+    auto resampler = ownZeroed<PolyphaseResampler>(1);
+    const auto h = ownZeroed<double>(static_cast<size_t>(length));
+    auto coefs = ownZeroed<double>(static_cast<size_t>(bankSize(length, L, M, lanes)));
+    auto work = ownZeroed<double>(2 * static_cast<size_t>(history));
+    if (resampler == nullptr || h == nullptr || coefs == nullptr || work == nullptr)
+        return nullptr;
+
+    // A single row never comes round: going on to an older sample is going L columns on, as between rows.
+    const bool single = M == 1;
+    double *origin = coefs.get() + lanes - 1;
+    resampler->bank = {.origin = origin,
+                       .pitch = single ? L : pitchOf(length, L, M, lanes),
+                       .rows = single ? std::numeric_limits<int32_t>::max() : M,
+                       .up = L,
+                       .down = M,
+                       .taps = taps,
+                       .lanes = lanes};
+    designPrototype(h.get(), N, L, M);
+    fillBank(origin, resampler->bank, h.get(), length);
+    resampler->upFactor = L;
+    resampler->downFactor = M;
+    resampler->tapsPerPhase = taps;
+    resampler->delay = polyphaseDelay(N, M);
+    resampler->delayToSkip = compensates ? resampler->delay : 0;
+    resampler->history = history;
+    resampler->workCapacity = history;
+    resampler->end = history;
+    resampler->finiteSamples = history;
+    resampler->coefs = coefs.release();
+    resampler->work = work.release();
+    return resampler.release();
 }
 
 void freePolyphase(PolyphaseResampler *resampler)
 {
     if (resampler == nullptr)
         return;
-    if (resampler->phases != nullptr)
-        std::free(resampler->phases[0]);
-    std::free(resampler->phases);
-    std::free(resampler->ring);
+    std::free(resampler->coefs);
     std::free(resampler->work);
     std::free(resampler);
 }
+
+} // namespace orva

@@ -3,6 +3,8 @@
 #include "resample/ORVAresample_filterset.h"
 
 // clang-format off
+namespace orva
+{
 namespace
 {
 
@@ -228,3 +230,5 @@ const FilterSetRow FilterSet[35] = {
     {48000, 8000, a_coeffs_48kto8k, b_coeffs_48kto8k, 6},
     {96000, 8000, a_coeffs_96kto8k, b_coeffs_96kto8k, 6},
 };
+
+} // namespace orva

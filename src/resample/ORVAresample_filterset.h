@@ -11,6 +11,9 @@
 
 #include <cstdint>
 
+namespace orva
+{
+
 // One pair of rates. The filter runs at `rateHigh`.
 struct FilterSetRow {
     int32_t rateHigh, rateLow;
@@ -19,3 +22,5 @@ struct FilterSetRow {
 };
 
 extern const FilterSetRow FilterSet[35]; // the first row with the pair holds
+
+} // namespace orva

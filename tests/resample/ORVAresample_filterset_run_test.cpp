@@ -1,17 +1,20 @@
 // The block filter of libkett runs the filters of the table in direct form, which is ill-conditioned for the
 // narrow ones. These tests say how far its double recursion may be trusted with them.
 #include "resample/ORVAresample_filterset.h"
-
 #include "support/bits.h"
 #include "support/random.h"
 
+#include <kett/KTfilter.h>
+
+#include <gtest/gtest.h>
+
 #include <algorithm>
 #include <cmath>
-#include <gtest/gtest.h>
-#include <kett/KTfilter.h>
 #include <map>
 #include <span>
 #include <vector>
+
+using namespace orva;
 
 namespace
 {

@@ -1,17 +1,19 @@
 // The table of elliptic filters: its order, the arrays that stand to the last digit, and each filter measured on
 // its response.
 #include "resample/ORVAresample_filterset.h"
-
 #include "support/bits.h"
+
+#include <gtest/gtest.h>
 
 #include <algorithm>
 #include <cmath>
 #include <complex>
-#include <gtest/gtest.h>
 #include <numbers>
 #include <span>
 #include <string>
 #include <vector>
+
+using namespace orva;
 
 namespace
 {

@@ -1,13 +1,17 @@
 // The stream through the zero-order hold, bit for bit, and the pairs that it has.
 #include "ORVAresample_reference.h"
 #include "resample/ORVAresample_filterset.h"
-#include "resample/ORVAresample_internal.h"
+#include "resample/ORVAresample_handle.h"
+#include "resample/ORVAresample_hold.h"
 #include "support/bits.h"
 #include "support/log.h"
 #include "support/random.h"
 
 #include <kett/KTsettings.h>
+
 #include <limits>
+
+using namespace orva;
 
 namespace
 {

@@ -1,8 +1,11 @@
 // The polyphase record: what construction puts there, and what blocks and flushes make of it.
 #include "ORVAresample_reference.h"
-#include "resample/ORVAresample_internal.h"
+#include "resample/ORVAresample_handle.h"
+#include "resample/ORVAresample_polyphase.h"
 #include "support/bits.h"
 #include "support/random.h"
+
+using namespace orva;
 
 namespace
 {
@@ -12,6 +15,22 @@ using support::sameBits;
 const PolyphaseResampler &recordOf(const Resampler &resampler)
 {
     return *static_cast<const PolyphaseResampler *>(resampler->impl);
+}
+
+// What the bank holds for sample j steps older than the newest of an output in phase p.
+double coefficientOf(const PolyphaseBank &bank, int32_t p, int32_t j)
+{
+    int64_t n =
+        int64_t{bank.up} * bank.taps; // many periods on, so that older samples count from above zero, too
+    while (n * bank.down % bank.up != p)
+        ++n;
+    return *placeOf(bank, n, n * bank.down / bank.up - j).coefs;
+}
+
+// The sample j steps old.
+double sampleOf(const PolyphaseResampler &record, int32_t j)
+{
+    return record.work[record.end - 1 - j];
 }
 
 } // namespace
@@ -43,11 +62,9 @@ TEST(PolyphaseRecord, HoldsTheWorkedNumbers)
             EXPECT_EQ(record.delay, c.delay) << c.rates;
             EXPECT_EQ(record.delayToSkip, compensates ? c.delay : 0) << c.rates;
             EXPECT_EQ(record.phase, 0);
-            EXPECT_EQ(record.ringPosition, 0);
-            EXPECT_EQ(record.work, nullptr);
-            EXPECT_EQ(record.workCapacity, 0);
-            for (int32_t j = 0; j < record.tapsPerPhase; ++j)
-                EXPECT_EQ(support::bitsOf(record.ring[j]), 0u);
+            EXPECT_GE(record.history, c.taps);
+            for (int32_t j = 0; j < record.history; ++j)
+                EXPECT_EQ(support::bitsOf(sampleOf(record, j)), 0u);
         }
 }
 
@@ -74,9 +91,10 @@ TEST(PolyphaseRecord, PhasesAreThePrototypeSorted)
             const PolyphaseResampler &record = recordOf(resampler);
             const PlainPolyphase plain(rates, order, true);
             ASSERT_EQ(record.tapsPerPhase, plain.taps);
+            ASSERT_EQ(record.bank.taps, plain.taps);
             for (int32_t p = 0; p < plain.L; ++p)
                 for (int32_t j = 0; j < plain.taps; ++j)
-                    ASSERT_TRUE(sameBits(record.phases[p][j], plain.coefficient(p, j)))
+                    ASSERT_TRUE(sameBits(coefficientOf(record.bank, p, j), plain.coefficient(p, j)))
                         << rates << ", order " << order << ", phase " << p << ", tap " << j;
         }
 }
@@ -97,8 +115,8 @@ TEST(PolyphaseRecord, CentreTapIsTheQuotientOfFloats)
         const auto resampler = newResampler(c.rates, "order=5");
         const PolyphaseResampler &record = recordOf(resampler);
         const int32_t centre = 5 * std::max(record.upFactor, record.downFactor); // N / 2
-        EXPECT_TRUE(sameBits(record.phases[centre % record.upFactor][centre / record.upFactor], c.expected))
-            << c.rates;
+        const double tap = coefficientOf(record.bank, centre % record.upFactor, centre / record.upFactor);
+        EXPECT_TRUE(sameBits(tap, c.expected)) << c.rates;
     }
     EXPECT_NE(static_cast<double>(1.0f / 3.0f), 1.0 / 3.0);
 }
@@ -116,16 +134,16 @@ TEST(PolyphaseRecord, WindowHasAPeriodOfNPlusOne)
         return std::sin(0.95 * pi * (i - order)) / (pi * (i - order)) * window;
     };
     for (int32_t i = 0; i < order; ++i) {
-        const double h = recordOf(resampler).phases[0][i];
+        const double h = coefficientOf(recordOf(resampler).bank, 0, i);
         EXPECT_NEAR(h, tap(i, N + 1), 1e-15) << i;
-        EXPECT_EQ(h, recordOf(resampler).phases[0][N - i]) << i;
+        EXPECT_EQ(h, coefficientOf(recordOf(resampler).bank, 0, N - i)) << i;
         if (i > 0) { // where both windows are 0
             EXPECT_GT(std::abs(h - tap(i, N)), 1e-6) << i;
         }
     }
 }
 
-TEST(PolyphaseRecord, RingHoldsTheNewestSamplesWhateverTheBlocks)
+TEST(PolyphaseRecord, DelayLineHoldsTheNewestSamplesWhateverTheBlocks)
 {
     support::Random random;
     for (const Rates rates : {Rates{44100, 48000}, {48000, 16000}, {1, 1}, {3, 2}})
@@ -135,19 +153,19 @@ TEST(PolyphaseRecord, RingHoldsTheNewestSamplesWhateverTheBlocks)
             const PolyphaseResampler &record = recordOf(resampler);
             PlainPolyphase plain(rates, 3, compensates);
             const int32_t taps = plain.taps;
-            int32_t pushed = 0, longest = 0;
+            int32_t pushed = 0, longest = record.history;
             for (const int32_t count : {1, 2, taps - 1, taps, taps + 1, 0, 5 * taps + 3, 1, 7}) {
                 const auto input = random.noise(static_cast<size_t>(count));
                 const auto room = static_cast<size_t>(lengthAfter(count, rates)) + 1;
                 EXPECT_TRUE(sameBits(convert(resampler.get(), input, room), plain.run(input)));
                 pushed += count;
                 longest = std::max(longest, count);
-                EXPECT_EQ(record.ringPosition, (taps - pushed % taps) % taps);
+                EXPECT_EQ(record.nextSample, pushed % record.downFactor);
                 EXPECT_EQ(record.phase, plain.phase);
                 EXPECT_EQ(record.delayToSkip, plain.toSkip);
                 EXPECT_EQ(record.workCapacity, longest); // it only grows
-                for (int32_t j = 0; j < taps; ++j)
-                    EXPECT_EQ(record.ring[(record.ringPosition + j) % taps], plain.sample(j)) << j;
+                for (int32_t j = 0; j < record.history; ++j)
+                    EXPECT_EQ(sampleOf(record, j), plain.sample(j)) << j;
             }
         }
 }
@@ -168,7 +186,7 @@ TEST(PolyphaseRecord, AFlushThatWritesLeavesThePhaseBelowZero)
         }
 }
 
-TEST(PolyphaseRecord, AFlushLeavesItsZerosInTheRing)
+TEST(PolyphaseRecord, AFlushLeavesItsZerosInTheDelayLine)
 {
     support::Random random;
     for (const Rates rates : {Rates{44100, 48000}, {48000, 16000}, {1, 1}, {3, 2}, {1, 5}})
@@ -182,8 +200,7 @@ TEST(PolyphaseRecord, AFlushLeavesItsZerosInTheRing)
             flush(resampler.get(), maxCount);
             plain.flush(maxCount);
             for (int32_t j = 0; j < plain.taps; ++j)
-                EXPECT_EQ(record.ring[(record.ringPosition + j) % plain.taps], plain.sample(j))
-                    << rates << ", " << maxCount << ", " << j;
+                EXPECT_EQ(sampleOf(record, j), plain.sample(j)) << rates << ", " << maxCount << ", " << j;
         }
 }
 
@@ -194,7 +211,9 @@ TEST(PolyphaseRecord, SumsStartAtPlusZero)
     const auto model = newResampler({1, 1}, config);
     constexpr size_t taps = 7;
     ASSERT_EQ(recordOf(model).tapsPerPhase, int32_t{taps});
-    const double *coefs = recordOf(model).phases[0];
+    double coefs[taps];
+    for (size_t j = 0; j < taps; ++j)
+        coefs[j] = coefficientOf(recordOf(model).bank, 0, static_cast<int32_t>(j));
     Floats input(taps); // oldest first
     for (size_t j = 0; j < taps; ++j) {
         ASSERT_NE(coefs[j], 0.0);

@@ -6,10 +6,11 @@
 
 #include <orva/ORVAresample.h>
 
+#include <gtest/gtest.h>
+
 #include <algorithm>
 #include <cmath>
 #include <cstdint>
-#include <gtest/gtest.h>
 #include <memory>
 #include <numeric>
 #include <ostream>

@@ -1,12 +1,18 @@
 // What is refused, and how: every message whole and counted.
 #include "ORVAresample_reference.h"
-#include "resample/ORVAresample_internal.h"
+#include "common/memory.h"
+#include "resample/ORVAresample_handle.h"
+#include "resample/ORVAresample_polyphase.h"
 #include "support/bits.h"
 #include "support/log.h"
 
-#include <gmock/gmock.h>
 #include <kett/KTdebug.h>
+
+#include <gmock/gmock.h>
+
 #include <limits>
+
+using namespace orva;
 
 namespace
 {
@@ -180,7 +186,7 @@ TEST(ResampleRefusals, ACountOfZeroOrBelowGivesZeroAndChangesNothing)
     }
 }
 
-// The four operations on a handle that is none: they differ, and that is meant.
+// The four operations on a null or damaged handle: they differ deliberately.
 TEST(ResampleHandles, NullIsReportedByEachAsItsOwnFailure)
 {
     support::Log log;

@@ -1,7 +1,11 @@
-// The zero-order hold: each output repeats the newest input, and an elliptic filter runs at the higher rate,
-// behind the hold on the way up and before the dropping on the way down.
+// The zero-order hold: each output repeats the newest input, and an elliptic filter runs at the higher rate, after the
+// hold on the way up and before the dropping on the way down.
+#include "resample/ORVAresample_hold.h"
+
+#include "common/memory.h"
 #include "resample/ORVAresample_filterset.h"
-#include "resample/ORVAresample_internal.h"
+#include "resample/ORVAresample_work.h"
+#include "resample/kernels/ORVAresample_kernels.h"
 
 #include <kett/KTdebug.h>
 #include <kett/KTfilter.h>
@@ -9,8 +13,14 @@
 #include <algorithm>
 #include <iterator>
 #include <limits>
+#include <numeric>
 
-static void takeFilter(ZohResampler *resampler, int32_t inputRate, int32_t outputRate)
+namespace orva
+{
+namespace
+{
+
+void takeFilter(ZohResampler *resampler, int32_t inputRate, int32_t outputRate)
 {
     const int32_t high = std::max(inputRate, outputRate);
     const int32_t low = std::min(inputRate, outputRate);
@@ -27,30 +37,45 @@ static void takeFilter(ZohResampler *resampler, int32_t inputRate, int32_t outpu
     resampler->coefficientCount = row->count;
 }
 
-ZohResampler *newZoh(int32_t inputRate, int32_t outputRate)
+void filter(ZohResampler *resampler, const float *input, int32_t count)
 {
-    auto *resampler = newZeroed<ZohResampler>(1);
+    FilterBlockFloat(resampler->denominator, resampler->numerator, resampler->coefficientCount,
+                     resampler->stateA, resampler->stateB, input, resampler->work, count);
+}
+
+int32_t hold(ZohResampler *resampler, float *output, int32_t count)
+{
+    resampler->inputCount += static_cast<uint32_t>(count);
+    return kernels<ResampleKernels>().hold(resampler->work, count, output,
+                                           static_cast<uint32_t>(resampler->upFactor),
+                                           static_cast<uint32_t>(resampler->downFactor), &resampler->phase);
+}
+
+} // namespace
+
+ZohResampler *newHold(int32_t inputRate, int32_t outputRate)
+{
+    auto resampler = ownZeroed<ZohResampler>(1);
     if (resampler == nullptr)
         return nullptr;
     resampler->upsampling = inputRate <= outputRate ? 1 : 0;
-    takeFilter(resampler, inputRate, outputRate);
-    const int32_t count = resampler->coefficientCount;
+    takeFilter(resampler.get(), inputRate, outputRate);
     const int32_t common = std::gcd(inputRate, outputRate);
     resampler->upFactor = outputRate / common;
     resampler->downFactor = inputRate / common;
     const int32_t quotient = resampler->upFactor / resampler->downFactor;
-    resampler->stateA =
-        quotient < std::numeric_limits<int32_t>::max() ? newZeroed<double>(2 * count + 2) : nullptr;
-    if (resampler->stateA == nullptr) {
-        std::free(resampler);
+    if (quotient == std::numeric_limits<int32_t>::max())
         return nullptr;
-    }
-    resampler->stateB = resampler->stateA + count + 1;
     resampler->outputsPerInput = quotient + 1;
-    return resampler;
+    const int32_t count = resampler->coefficientCount;
+    resampler->stateA = newZeroed<double>(static_cast<size_t>(2 * count + 2));
+    if (resampler->stateA == nullptr)
+        return nullptr;
+    resampler->stateB = resampler->stateA + count + 1;
+    return resampler.release();
 }
 
-void freeZoh(ZohResampler *resampler)
+void freeHold(ZohResampler *resampler)
 {
     if (resampler == nullptr)
         return;
@@ -59,29 +84,7 @@ void freeZoh(ZohResampler *resampler)
     std::free(resampler);
 }
 
-static void filter(ZohResampler *resampler, const float *input, int32_t count)
-{
-    FilterBlockFloat(resampler->denominator, resampler->numerator, resampler->coefficientCount,
-                     resampler->stateA, resampler->stateB, input, resampler->work, count);
-}
-
-static int32_t hold(ZohResampler *resampler, float *output, int32_t count)
-{
-    const auto up = static_cast<uint32_t>(resampler->upFactor);
-    const auto down = static_cast<uint32_t>(resampler->downFactor);
-    uint32_t phase = resampler->phase;
-    int32_t written = 0;
-    for (int32_t i = 0; i < count; ++i) {
-        for (; phase < up; phase += down)
-            output[written++] = static_cast<float>(resampler->work[i]);
-        phase -= up;
-    }
-    resampler->phase = phase;
-    resampler->inputCount += static_cast<uint32_t>(count);
-    return written;
-}
-
-int32_t runZoh(ZohResampler *resampler, const float *input, float *output, int32_t count)
+int32_t runHold(ZohResampler *resampler, const float *input, float *output, int32_t count)
 {
     const int64_t need = int64_t{resampler->outputsPerInput} * count;
     if (need > std::numeric_limits<int32_t>::max() ||
@@ -93,10 +96,11 @@ int32_t runZoh(ZohResampler *resampler, const float *input, float *output, int32
         filter(resampler, input, count);
         return hold(resampler, output, count);
     }
-    std::copy_n(input, count, resampler->work);
+    kernels<ResampleKernels>().widen(input, resampler->work, count);
     const int32_t written = hold(resampler, output, count);
     filter(resampler, output, written);
-    std::transform(resampler->work, resampler->work + written, output,
-                   [](double x) { return static_cast<float>(x); });
+    kernels<ResampleKernels>().narrow(resampler->work, output, written);
     return written;
 }
+
+} // namespace orva
