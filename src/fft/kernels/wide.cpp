@@ -30,9 +30,10 @@ template <int count> [[gnu::always_inline]] inline void fastLog(Floats (&x)[coun
         const Floats m =
             reinterpret_cast<Floats>((bits & _ps_inv_mant_mask) | reinterpret_cast<Bits>(constant(_ps_0p5)));
         const Floats whole = __builtin_convertvector(exponent, Floats) + 1.0f;
+        // Where m is lower, one less and one m more; elsewhere a zero each, which changes nothing.
         const Ints isLower = m < _ps_cephes_SQRTHF;
-        e[v] = isLower ? whole - 1.0f : whole;
-        u[v] = isLower ? (m - 1.0f) + m : m - 1.0f;
+        e[v] = whole - reinterpret_cast<Floats>(isLower & reinterpret_cast<Ints>(constant(1.0f)));
+        u[v] = (m - 1.0f) + reinterpret_cast<Floats>(isLower & reinterpret_cast<Ints>(m));
         y[v] = constant(_ps_cephes_log_p0);
     }
     constexpr float p[] = {_ps_cephes_log_p1, _ps_cephes_log_p2, _ps_cephes_log_p3, _ps_cephes_log_p4,
