@@ -1,8 +1,7 @@
-// The direct form with neighbouring channels side by side, a vector of them at a time:
-//
-//     | c0 c1 c2 c3 | c4 c5 c6 c7 | c8 | c9
-#include "common/lanes.h"
+// Which calls run over vectors: those with frames and buffers that lie apart, and with frames enough to be worth it.
 #include "filter/kernels/ORVAfilter_kernels.h"
+#include "filter/kernels/wide_biquads.h"
+#include "filter/kernels/wide_direct.h"
 
 namespace orva
 {
@@ -11,59 +10,53 @@ namespace ORVA_LEVEL
 namespace
 {
 
-// One frame of a group of channels. `w` points to its place in the frame's row; `row` is the number of that row, of
-// which older ones follow upward.
-template <class Group>
-[[gnu::always_inline]] inline void runGroup(const _DFIIstate &state, size_t channels, size_t c,
-                                            const float *input, float *output)
+// Whether no frame overlaps another one, and input and output are one or lie apart.
+bool isRegular(const Frames &frames)
 {
-    const float *ring = state.memory + c;
-    int32_t row = state.position;
-    auto w = load<Group>(input + c);
-    Group y = {};
-    for (int32_t k = 0; k < state.order; ++k) {
-        row = row < state.order ? row + 1 : 0;
-        const auto older = load<Group>(ring + static_cast<size_t>(row) * channels);
-        if (k < state.denOrder)
-            w -= state.denominator[k] * older;
-        if (k < state.numOrder)
-            y += state.numerator[k] * older;
-    }
-    store(state.memory + static_cast<size_t>(state.position) * channels + c, w);
-    store(output + c, y + w * state.gain);
-}
-
-// Whether an output is the input of a later channel in the same frame.
-bool isShiftedWithinAFrame(const Frames &frames)
-{
-    const auto distance =
-        reinterpret_cast<uintptr_t>(frames.output) - reinterpret_cast<uintptr_t>(frames.input);
-    return distance > 0 && distance < frames.channels * sizeof(float);
+    if (frames.channels == 0 || frames.stride < static_cast<int64_t>(frames.channels))
+        return false;
+    const auto input = reinterpret_cast<uintptr_t>(frames.input);
+    const auto output = reinterpret_cast<uintptr_t>(frames.output);
+    const uintptr_t bytes = (static_cast<uintptr_t>(frames.last) + frames.channels) * sizeof(float);
+    return input == output || input + bytes <= output || output + bytes <= input;
 }
 
 void directForm(_DFIIstate &state, const Frames &frames)
 {
-    if (isShiftedWithinAFrame(frames)) {
-        kernelsAt<FilterKernels, Level::plain>().directForm(state, frames);
+    constexpr int64_t fewFrames = 8;
+    if (frames.first > frames.last)
         return;
+    if (!isRegular(frames) || int64_t{state.order} * lanesFor(frames.channels) > historyFloats ||
+        (frames.last - frames.first) / frames.stride < fewFrames)
+        return kernelsAt<FilterKernels, Level::plain>().directForm(state, frames);
+
+    const int64_t frameCount = (frames.last - frames.first) / frames.stride + 1;
+    for (size_t channel = 0; channel < frames.channels;) {
+        const size_t left = frames.channels - channel;
+        const int32_t lanes = lanesFor(left);
+        const size_t channels = left < static_cast<size_t>(lanes) ? left : static_cast<size_t>(lanes);
+        runDirect({state, frames, frameCount, channel, static_cast<int32_t>(channels)}, lanes);
+        channel += channels;
     }
-    constexpr auto lanes = static_cast<size_t>(floatLanes);
-    const size_t channels = frames.channels;
-    for (int64_t i = frames.first; i <= frames.last; i += frames.stride) {
-        size_t c = 0;
-        for (; c + lanes <= channels; c += lanes)
-            runGroup<Floats>(state, channels, c, frames.input + i, frames.output + i);
-        for (; c + 4 <= channels; c += 4)
-            runGroup<Float4>(state, channels, c, frames.input + i, frames.output + i);
-        for (; c < channels; ++c)
-            runGroup<float>(state, channels, c, frames.input + i, frames.output + i);
-        state.position = state.position < 1 ? state.order : state.position - 1;
-    }
+    const int64_t rows = int64_t{state.order} + 1;
+    state.position = static_cast<int32_t>((state.position - frameCount % rows + rows) % rows);
 }
 
 void biquads(_DFIISOSstate &state, const Frames &frames)
 {
-    kernelsAt<FilterKernels, Level::plain>().biquads(state, frames);
+    const auto &plain = kernelsAt<FilterKernels, Level::plain>();
+    if (frames.first > frames.last)
+        return;
+    if (!isRegular(frames) || state.numBiquads == 0)
+        return plain.biquads(state, frames);
+    // Two frames at least are left to the plain form, which leaves them where they belong in the slots.
+    const int64_t frameCount = ((frames.last - frames.first) / frames.stride - 1) / stepsOfLag * stepsOfLag;
+    if (frameCount < leastFrames(state, frames.channels))
+        return plain.biquads(state, frames);
+    runCascade(state, frames, frameCount);
+    Frames rest = frames;
+    rest.first += frameCount * frames.stride;
+    plain.biquads(state, rest);
 }
 
 } // namespace
