@@ -1,6 +1,7 @@
-// Runs the registered benchmarks and prints one line a case: the time of every peer, and ours as a ratio to it.
-// A benchmark is named "<case>/<peer>", ours "<case>/orva"; its items processed are the samples of a call. Whatever else
-// ours counts stands at the end of the line.
+// Runs the registered benchmarks and prints one line a case: the time of every peer, and that time as a ratio to ours, so
+// that above 1 we are ahead. A benchmark is named "<case>/<peer>", ours "<case>/orva", or "<case>/orva <level>" where it
+// runs at a level of its kernels; its items processed are the samples of a call. Whatever else ours counts stands at the
+// end of the line.
 #include <benchmark/benchmark.h>
 
 #include <algorithm>
@@ -44,21 +45,31 @@ public:
         for (Case &one : cases) {
             std::sort(one.timings.begin(), one.timings.end(),
                       [](const Timing &a, const Timing &b) { return a.peer < b.peer; });
-            const auto ours = std::find_if(one.timings.begin(), one.timings.end(),
-                                           [](const Timing &timing) { return timing.peer == "orva"; });
             std::printf("%-40s", one.name.c_str());
             for (const Timing &timing : one.timings)
-                std::printf("  %s %.2f ns", timing.peer.c_str(), timing.nanoseconds);
-            for (const Timing &timing : one.timings) {
-                if (ours != one.timings.end() && timing.peer != "orva")
-                    std::printf("  orva/%s %.2f", timing.peer.c_str(),
-                                ours->nanoseconds / timing.nanoseconds);
-            }
-            std::printf("%s\n", ours != one.timings.end() ? ours->counters.c_str() : "");
+                std::printf("  %s %.3g ns", timing.peer.c_str(), timing.nanoseconds);
+            for (const Timing &timing : one.timings)
+                printRatios(one, timing);
+            for (const Timing &timing : one.timings)
+                std::printf("%s", isOurs(timing) ? timing.counters.c_str() : "");
+            std::printf("\n");
         }
     }
 
 private:
+    static bool isOurs(const Timing &timing)
+    {
+        return timing.peer.starts_with("orva");
+    }
+
+    static void printRatios(const Case &one, const Timing &peer)
+    {
+        for (const Timing &ours : one.timings)
+            if (isOurs(ours) && !isOurs(peer))
+                std::printf("  %s/%s %.2f", peer.peer.c_str(), ours.peer.c_str(),
+                            peer.nanoseconds / ours.nanoseconds);
+    }
+
     static std::string textOf(const benchmark::UserCounters &counters)
     {
         std::string text;

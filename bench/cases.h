@@ -1,9 +1,12 @@
 // What benchmarks share: noise, memory as FFTW aligns it, and the registration of a case.
 #pragma once
 
-#include <benchmark/benchmark.h>
+#include "common/cpu.h"
 
+#include <benchmark/benchmark.h>
 #include <fftw3.h>
+
+#include <algorithm>
 #include <functional>
 #include <memory>
 #include <random>
@@ -53,10 +56,19 @@ inline benchmark::Counter aSecond(double count)
     return {count, benchmark::Counter::kIsRate};
 }
 
+// The best level of the kernels that this processor has.
+inline orva::Level bestLevel()
+{
+    return *std::find_if(orva::allLevels.rbegin(), orva::allLevels.rend(), orva::isAvailable);
+}
+
 // Times what make() gives, a function without arguments that returns how many samples it has handled.
-template <class Make> void addStream(const std::string &name, Make make, const Counters &counters = {})
+template <class Make>
+void addStream(const std::string &name, Make make, const Counters &counters = {},
+               orva::Level level = bestLevel())
 {
     benchmark::RegisterBenchmark(name.c_str(), [=](benchmark::State &state) {
+        orva::forceLevel(level);
         auto run = make();
         benchmark::DoNotOptimize(&run); // whoever reads what it holds
         int64_t samples = 0;
@@ -72,7 +84,8 @@ template <class Make> void addStream(const std::string &name, Make make, const C
 
 // The same where each call handles `samples` samples, and the function returns nothing.
 template <class Make>
-void addCase(const std::string &name, size_t samples, Make make, const Counters &counters = {})
+void addCase(const std::string &name, size_t samples, Make make, const Counters &counters = {},
+             orva::Level level = bestLevel())
 {
     const auto counted = [=] {
         return [samples, run = make()]() mutable {
@@ -80,5 +93,21 @@ void addCase(const std::string &name, size_t samples, Make make, const Counters 
             return samples;
         };
     };
-    addStream(name, counted, counters);
+    addStream(name, counted, counters, level);
+}
+
+// Ours at each level of the kernels that this processor has: "<case>/orva <level>".
+template <class Make> void addStreamLevels(const std::string &name, Make make, const Counters &counters = {})
+{
+    for (const orva::Level level : orva::allLevels)
+        if (orva::isAvailable(level))
+            addStream(name + "/orva " + orva::nameOf(level), make, counters, level);
+}
+
+template <class Make>
+void addLevels(const std::string &name, size_t samples, Make make, const Counters &counters = {})
+{
+    for (const orva::Level level : orva::allLevels)
+        if (orva::isAvailable(level))
+            addCase(name + "/orva " + orva::nameOf(level), samples, make, counters, level);
 }
