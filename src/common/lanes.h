@@ -14,8 +14,10 @@ using Floats [[gnu::vector_size(ORVA_VECTOR_BYTES)]] = float;
 using Doubles [[gnu::vector_size(ORVA_VECTOR_BYTES)]] = double;
 using Ints [[gnu::vector_size(ORVA_VECTOR_BYTES)]] = int32_t;
 using Bits [[gnu::vector_size(ORVA_VECTOR_BYTES)]] = uint32_t;
-using PairBits [[gnu::vector_size(ORVA_VECTOR_BYTES)]] = uint64_t;    // a pair of floats in each lane
+using PairBits [[gnu::vector_size(ORVA_VECTOR_BYTES)]] = uint64_t; // a pair of floats in each lane
+using TwiceAsMany [[gnu::vector_size(2 * ORVA_VECTOR_BYTES)]] = double;
 using HalfFloats [[gnu::vector_size(ORVA_VECTOR_BYTES / 2)]] = float; // as many as Doubles has lanes
+using HalfInts [[gnu::vector_size(ORVA_VECTOR_BYTES / 2)]] = int32_t;
 using Float4 [[gnu::vector_size(16)]] = float;
 
 constexpr int32_t floatLanes = sizeof(Floats) / sizeof(float);
@@ -57,8 +59,9 @@ template <class Vector, class Element> [[gnu::always_inline]] inline Vector allL
 
 // Of the numbers x0 y0 x1 y1 ... in two vectors, those at even places, or those at odd ones; and back, the lower and the
 // upper half of the numbers. In one vector, each even one in the place of its neighbour too, each odd one, and neighbours
-// exchanged. Of the pairs in two vectors, as many as one holds from the second on. The halves of a vector, and back; a half
-// with anything after it.
+// exchanged. Of the pairs in two vectors, as many as one holds from the second on. The grouped ones work on each four lanes
+// of two vectors by themselves, which is quicker, and undo each other. Two halves in one vector; a half with anything after it; the lower
+// of two vectors of doubles in one.
 #if ORVA_VECTOR_BYTES == 16
 [[gnu::always_inline]] inline Floats evens(Floats low, Floats high)
 {
@@ -100,14 +103,24 @@ template <class Vector, class Element> [[gnu::always_inline]] inline Vector allL
     return __builtin_shufflevector(low, high, 2, 3, 4, 5);
 }
 
-[[gnu::always_inline]] inline HalfFloats lowerHalf(Floats x)
+[[gnu::always_inline]] inline Floats groupedEvens(Floats low, Floats high)
 {
-    return __builtin_shufflevector(x, x, 0, 1);
+    return __builtin_shufflevector(low, high, 0, 2, 4, 6);
 }
 
-[[gnu::always_inline]] inline HalfFloats upperHalf(Floats x)
+[[gnu::always_inline]] inline Floats groupedOdds(Floats low, Floats high)
 {
-    return __builtin_shufflevector(x, x, 2, 3);
+    return __builtin_shufflevector(low, high, 1, 3, 5, 7);
+}
+
+[[gnu::always_inline]] inline Floats groupedLow(Floats even, Floats odd)
+{
+    return __builtin_shufflevector(even, odd, 0, 4, 1, 5);
+}
+
+[[gnu::always_inline]] inline Floats groupedHigh(Floats even, Floats odd)
+{
+    return __builtin_shufflevector(even, odd, 2, 6, 3, 7);
 }
 
 [[gnu::always_inline]] inline Floats joined(HalfFloats lower, HalfFloats upper)
@@ -119,15 +132,31 @@ template <class Vector, class Element> [[gnu::always_inline]] inline Vector allL
 {
     return __builtin_shufflevector(lower, lower, 0, 1, -1, -1);
 }
+
+[[gnu::always_inline]] inline Doubles lowerOfTwo(TwiceAsMany x)
+{
+    return __builtin_shufflevector(x, x, 0, 1);
+}
 #elif ORVA_VECTOR_BYTES == 32
+// Where two steps stand, each is one instruction; in one step GCC takes three.
+[[gnu::always_inline]] inline Floats lowerHalves(Floats low, Floats high)
+{
+    return __builtin_shufflevector(low, high, 0, 1, 2, 3, 8, 9, 10, 11);
+}
+
+[[gnu::always_inline]] inline Floats upperHalves(Floats low, Floats high)
+{
+    return __builtin_shufflevector(low, high, 4, 5, 6, 7, 12, 13, 14, 15);
+}
+
 [[gnu::always_inline]] inline Floats evens(Floats low, Floats high)
 {
-    return __builtin_shufflevector(low, high, 0, 2, 4, 6, 8, 10, 12, 14);
+    return __builtin_shufflevector(lowerHalves(low, high), upperHalves(low, high), 0, 2, 8, 10, 4, 6, 12, 14);
 }
 
 [[gnu::always_inline]] inline Floats odds(Floats low, Floats high)
 {
-    return __builtin_shufflevector(low, high, 1, 3, 5, 7, 9, 11, 13, 15);
+    return __builtin_shufflevector(lowerHalves(low, high), upperHalves(low, high), 1, 3, 9, 11, 5, 7, 13, 15);
 }
 
 [[gnu::always_inline]] inline Floats evensTwice(Floats x)
@@ -157,17 +186,28 @@ template <class Vector, class Element> [[gnu::always_inline]] inline Vector allL
 
 [[gnu::always_inline]] inline Floats afterFirstPair(Floats low, Floats high)
 {
-    return __builtin_shufflevector(low, high, 2, 3, 4, 5, 6, 7, 8, 9);
+    const Floats middle = __builtin_shufflevector(low, high, 4, 5, 6, 7, 8, 9, 10, 11);
+    return __builtin_shufflevector(low, middle, 2, 3, 8, 9, 6, 7, 12, 13);
 }
 
-[[gnu::always_inline]] inline HalfFloats lowerHalf(Floats x)
+[[gnu::always_inline]] inline Floats groupedEvens(Floats low, Floats high)
 {
-    return __builtin_shufflevector(x, x, 0, 1, 2, 3);
+    return __builtin_shufflevector(low, high, 0, 2, 8, 10, 4, 6, 12, 14);
 }
 
-[[gnu::always_inline]] inline HalfFloats upperHalf(Floats x)
+[[gnu::always_inline]] inline Floats groupedOdds(Floats low, Floats high)
 {
-    return __builtin_shufflevector(x, x, 4, 5, 6, 7);
+    return __builtin_shufflevector(low, high, 1, 3, 9, 11, 5, 7, 13, 15);
+}
+
+[[gnu::always_inline]] inline Floats groupedLow(Floats even, Floats odd)
+{
+    return __builtin_shufflevector(even, odd, 0, 8, 1, 9, 4, 12, 5, 13);
+}
+
+[[gnu::always_inline]] inline Floats groupedHigh(Floats even, Floats odd)
+{
+    return __builtin_shufflevector(even, odd, 2, 10, 3, 11, 6, 14, 7, 15);
 }
 
 [[gnu::always_inline]] inline Floats joined(HalfFloats lower, HalfFloats upper)
@@ -178,6 +218,11 @@ template <class Vector, class Element> [[gnu::always_inline]] inline Vector allL
 [[gnu::always_inline]] inline Floats joinedWithAny(HalfFloats lower)
 {
     return __builtin_shufflevector(lower, lower, 0, 1, 2, 3, -1, -1, -1, -1);
+}
+
+[[gnu::always_inline]] inline Doubles lowerOfTwo(TwiceAsMany x)
+{
+    return __builtin_shufflevector(x, x, 0, 1, 2, 3);
 }
 #else
 [[gnu::always_inline]] inline Floats evens(Floats low, Floats high)
@@ -220,14 +265,24 @@ template <class Vector, class Element> [[gnu::always_inline]] inline Vector allL
     return __builtin_shufflevector(low, high, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12, 13, 14, 15, 16, 17);
 }
 
-[[gnu::always_inline]] inline HalfFloats lowerHalf(Floats x)
+[[gnu::always_inline]] inline Floats groupedEvens(Floats low, Floats high)
 {
-    return __builtin_shufflevector(x, x, 0, 1, 2, 3, 4, 5, 6, 7);
+    return __builtin_shufflevector(low, high, 0, 2, 16, 18, 4, 6, 20, 22, 8, 10, 24, 26, 12, 14, 28, 30);
 }
 
-[[gnu::always_inline]] inline HalfFloats upperHalf(Floats x)
+[[gnu::always_inline]] inline Floats groupedOdds(Floats low, Floats high)
 {
-    return __builtin_shufflevector(x, x, 8, 9, 10, 11, 12, 13, 14, 15);
+    return __builtin_shufflevector(low, high, 1, 3, 17, 19, 5, 7, 21, 23, 9, 11, 25, 27, 13, 15, 29, 31);
+}
+
+[[gnu::always_inline]] inline Floats groupedLow(Floats even, Floats odd)
+{
+    return __builtin_shufflevector(even, odd, 0, 16, 1, 17, 4, 20, 5, 21, 8, 24, 9, 25, 12, 28, 13, 29);
+}
+
+[[gnu::always_inline]] inline Floats groupedHigh(Floats even, Floats odd)
+{
+    return __builtin_shufflevector(even, odd, 2, 18, 3, 19, 6, 22, 7, 23, 10, 26, 11, 27, 14, 30, 15, 31);
 }
 
 [[gnu::always_inline]] inline Floats joined(HalfFloats lower, HalfFloats upper)
@@ -238,6 +293,11 @@ template <class Vector, class Element> [[gnu::always_inline]] inline Vector allL
 [[gnu::always_inline]] inline Floats joinedWithAny(HalfFloats lower)
 {
     return __builtin_shufflevector(lower, lower, 0, 1, 2, 3, 4, 5, 6, 7, -1, -1, -1, -1, -1, -1, -1, -1);
+}
+
+[[gnu::always_inline]] inline Doubles lowerOfTwo(TwiceAsMany x)
+{
+    return __builtin_shufflevector(x, x, 0, 1, 2, 3, 4, 5, 6, 7);
 }
 #endif
 
@@ -254,24 +314,20 @@ template <class Vector, class Element> [[gnu::always_inline]] inline Vector allL
 }
 
 // Whether a comparison holds in each lane.
-[[gnu::always_inline]] inline bool all(Ints isSo)
+template <class Mask> [[gnu::always_inline]] inline bool all(Mask isSo)
 {
-    const auto pairs = reinterpret_cast<PairBits>(isSo);
-    uint64_t bits = pairs[0];
-#pragma GCC unroll 8
-    for (int32_t i = 1; i < floatLanes / 2; ++i)
-        bits &= pairs[i];
+    uint64_t pairs[sizeof isSo / sizeof(uint64_t)];
+    __builtin_memcpy(pairs, &isSo, sizeof isSo);
+    uint64_t bits = UINT64_MAX;
+    for (const uint64_t pair : pairs)
+        bits &= pair;
     return bits == UINT64_MAX;
 }
 
 // By way of twice as many: for these GCC has one instruction, where it takes five to convert what is asked for.
 [[gnu::always_inline]] inline Doubles widen(HalfFloats lanes)
 {
-    using TwiceAsMany [[gnu::vector_size(2 * ORVA_VECTOR_BYTES)]] = double;
-    const auto wide = __builtin_convertvector(joinedWithAny(lanes), TwiceAsMany);
-    Doubles lower;
-    __builtin_memcpy(&lower, &wide, sizeof lower);
-    return lower;
+    return lowerOfTwo(__builtin_convertvector(joinedWithAny(lanes), TwiceAsMany));
 }
 
 [[gnu::always_inline]] inline HalfFloats narrow(Doubles lanes)

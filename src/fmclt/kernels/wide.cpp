@@ -78,21 +78,6 @@ void innerBinsOf(const float *real, const float *imag, const float *window, floa
                                                         g);
 }
 
-// quotient(x) is x / d in each lane.
-template <class Quotient>
-[[gnu::always_inline]] inline void overlapAddBy(Quotient quotient, const float *first, const float *second,
-                                                float *output, float *overlap, int32_t count, double d)
-{
-    int32_t i = 0;
-    for (; i <= count - doubleLanes; i += doubleLanes) {
-        const Doubles kept = widen(load<HalfFloats>(overlap + i));
-        store(output + i, narrow(quotient(widen(load<HalfFloats>(first + i))) + kept));
-        store(overlap + i, narrow(quotient(widen(load<HalfFloats>(second + i)))));
-    }
-    kernelsAt<FmcltKernels, Level::plain>().overlapAdd(first + i, second + i, output + i, overlap + i,
-                                                       count - i, d);
-}
-
 bool isPowerOfTwo(double d)
 {
     uint64_t bits = 0;
@@ -100,15 +85,50 @@ bool isPowerOfTwo(double d)
     return (bits & 0x000FFFFFFFFFFFFFu) == 0;
 }
 
-// Where d is a power of two, to multiply by its inverse is exact too, and quicker.
+// For d a power of two all can be done in float, and is done so for whole vectors from the first on as long as the results
+// are the same; gives the place of the first that is left. To multiply by 1 / d and round once is the same as to divide in
+// double and round then. Where the product is exact, which multiplying back shows, so is the sum with `overlap`: of two
+// floats, rounding to double first changes nothing (S. A. Figueroa, "When is double rounding innocuous?", 1995).
+int32_t overlapAddInFloat(const float *first, const float *second, float *output, float *overlap,
+                          int32_t count, float d)
+{
+    constexpr int32_t atOnce = 4;
+    const float inverse = 1.0f / d;
+    int32_t i = 0;
+    for (; i <= count - atOnce * floatLanes; i += atOnce * floatLanes) {
+        Floats quotient[atOnce];
+        Ints isExact = Ints{} - 1;
+#pragma GCC unroll 4
+        for (int32_t v = 0; v < atOnce; ++v) {
+            const auto y = load<Floats>(first + i + v * floatLanes);
+            quotient[v] = y * inverse;
+            isExact &= quotient[v] * d == y;
+        }
+        if (!all(isExact))
+            break;
+#pragma GCC unroll 4
+        for (int32_t v = 0; v < atOnce; ++v) {
+            const int32_t at = i + v * floatLanes;
+            store(output + at, quotient[v] + load<Floats>(overlap + at));
+            store(overlap + at, load<Floats>(second + at) * inverse);
+        }
+    }
+    return i;
+}
+
 void overlapAdd(const float *first, const float *second, float *output, float *overlap, int32_t count,
                 double d)
 {
-    const double inverse = 1.0 / d;
+    int32_t i = 0;
     if (isPowerOfTwo(d))
-        overlapAddBy([inverse](Doubles x) { return x * inverse; }, first, second, output, overlap, count, d);
-    else
-        overlapAddBy([d](Doubles x) { return x / d; }, first, second, output, overlap, count, d);
+        i = overlapAddInFloat(first, second, output, overlap, count, static_cast<float>(d));
+    for (; i <= count - doubleLanes; i += doubleLanes) {
+        const Doubles kept = widen(load<HalfFloats>(overlap + i));
+        store(output + i, narrow(widen(load<HalfFloats>(first + i)) / d + kept));
+        store(overlap + i, narrow(widen(load<HalfFloats>(second + i)) / d));
+    }
+    kernelsAt<FmcltKernels, Level::plain>().overlapAdd(first + i, second + i, output + i, overlap + i,
+                                                       count - i, d);
 }
 
 void divide(float *data, int32_t count, float s)

@@ -8,6 +8,10 @@
 namespace orva
 {
 
+// Brings each product X conj(Y) to the magnitude g. The weight g / m of a bin of magnitude m is found in double; a bin of
+// magnitude zero stays as it is.
+void weighPlainly(ORVA_COMPLEX *products, int32_t bins, float g);
+
 struct XcorrKernels {
     // X conj(Y) s
     void (*combinePlain)(const ORVA_COMPLEX *X, const ORVA_COMPLEX *Y, ORVA_COMPLEX *output, int32_t bins,

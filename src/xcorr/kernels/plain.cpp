@@ -4,6 +4,29 @@
 
 namespace orva
 {
+
+namespace
+{
+
+ORVA_COMPLEX weighed(ORVA_COMPLEX product, float g)
+{
+    const float p = product.re * product.re + product.im * product.im;
+    const double m = std::sqrt(static_cast<double>(p));
+    if (!(m > 0.0))
+        return product;
+    const double w = static_cast<double>(g) / m;
+    return {static_cast<float>(static_cast<double>(product.re) * w),
+            static_cast<float>(static_cast<double>(product.im) * w)};
+}
+
+} // namespace
+
+void weighPlainly(ORVA_COMPLEX *products, int32_t bins, float g)
+{
+    for (int32_t k = 0; k < bins; ++k)
+        products[k] = weighed(products[k], g);
+}
+
 namespace plain
 {
 namespace
@@ -19,22 +42,13 @@ void combinePlain(const ORVA_COMPLEX *X, const ORVA_COMPLEX *Y, ORVA_COMPLEX *ou
     }
 }
 
-// The product in float, the weight g / m of a bin of magnitude m in double. A bin of magnitude zero stays as it is.
+// The products in float.
 void combinePhat(const ORVA_COMPLEX *X, const ORVA_COMPLEX *Y, ORVA_COMPLEX *output, int32_t bins, float g)
 {
     for (int32_t k = 0; k < bins; ++k) {
         const ORVA_COMPLEX x = X[k];
         const ORVA_COMPLEX y = Y[k];
-        float re = x.re * y.re + x.im * y.im;
-        float im = x.im * y.re - x.re * y.im;
-        const float p = re * re + im * im;
-        const double m = std::sqrt(static_cast<double>(p));
-        if (m > 0.0) {
-            const double w = static_cast<double>(g) / m;
-            re = static_cast<float>(static_cast<double>(re) * w);
-            im = static_cast<float>(static_cast<double>(im) * w);
-        }
-        output[k] = {re, im};
+        output[k] = weighed({x.re * y.re + x.im * y.im, x.im * y.re - x.re * y.im}, g);
     }
 }
 

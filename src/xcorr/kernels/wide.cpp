@@ -33,77 +33,105 @@ void combinePlain(const ORVA_COMPLEX *X, const ORVA_COMPLEX *Y, ORVA_COMPLEX *ou
     kernelsAt<XcorrKernels, Level::plain>().combinePlain(X + k, Y + k, output + k, bins - k, s);
 }
 
-// 1 / sqrt(p) for normal p, off by less than 1e-5: Newton's steps from a first guess by halving the exponent.
-[[gnu::always_inline]] inline Floats nearlyInverseRoot(Floats p)
-{
-    const Floats half = 0.5f * p;
-    Floats y = reinterpret_cast<Floats>(0x5F3759DF - (reinterpret_cast<Bits>(p) >> 1));
-    y = y * (1.5f - half * y * y);
-    return y * (1.5f - half * y * y);
-}
-
-// g / sqrt(p), off by less than 1e-15 of it, from y near 1 / sqrt(p): with e = 1 - p y^2,
-// 1 / sqrt(p) = y (1 - e)^(-1/2) = y (1 + e / 2 + 3/8 e^2 + ...), the next term below 4e-16.
-[[gnu::always_inline]] inline Doubles nearlyWeight(Doubles p, Doubles y, double g)
-{
-    const Doubles e = 1.0 - p * y * y;
-    const Doubles near = y * g;
-    return near + near * (e * (0.5 + 0.375 * e));
-}
-
-// What float(x w) lies between for each x: equal, but for one in millions, and then the float of the exact weight too.
-struct Bounds {
-    Floats low;
-    Floats high;
+// The bins that are weighted together, their parts apart. Within each four bins of two vectors their order is changed, which
+// does no harm and is quick:
+//
+//     r0 i0 r1 i1 ... | r4 i4 r5 i5 ...   <->   r0 r1 r4 r5 ... | i0 i1 i4 i5 ...
+struct Block {
+    static constexpr int32_t most = 256;
+    alignas(64) float re[most];
+    alignas(64) float im[most];
+    alignas(64) float halfPower[most];
+    alignas(64) float inverseRoot[most];
 };
 
-[[gnu::always_inline]] inline Bounds weighted(Floats x, Doubles lowerWeight, Doubles upperWeight)
+// The products, half their powers p, and y near 1 / sqrt(p), off by less than 8e-7: from a guess that halves the exponent,
+// one of Newton's steps with factors fitted to that guess, and one as it is. False where a power is zero, not finite or so
+// low that its half is not exact.
+bool multiply(Block &block, int32_t bins, const ORVA_COMPLEX *X, const ORVA_COMPLEX *Y)
 {
-    constexpr double below = 1.0 - 0x1p-46;
-    constexpr double above = 1.0 + 0x1p-46;
-    const Doubles lower = widen(lowerHalf(x)) * lowerWeight;
-    const Doubles upper = widen(upperHalf(x)) * upperWeight;
-    return {joined(narrow(lower * below), narrow(upper * below)),
-            joined(narrow(lower * above), narrow(upper * above))};
-}
-
-// Two vectors of bins at a time, their real and imaginary parts apart:
-//
-//     re im re im ... | re im re im ...   ->   re re re re ... | im im im im ...   ->  p  ->  w  ->   and back
-//
-// The weight is not found by a root and a quotient, which take the processor long, but within 1e-14 of them; that settles
-// the float of the result. Where it does not, and where the power is no normal number, the plain form decides. No result
-// counts for a power of zero.
-void combinePhat(const ORVA_COMPLEX *X, const ORVA_COMPLEX *Y, ORVA_COMPLEX *output, int32_t bins, float g)
-{
-    constexpr float leastNormal = 0x1p-126f;
+    constexpr float least = 0x1p-125f;
     constexpr float largest = 0x1.fffffep127f;
-    const XcorrKernels &plain = kernelsAt<XcorrKernels, Level::plain>();
-    int32_t k = 0;
-    for (; k <= bins - floatLanes; k += floatLanes) {
+    Ints isGood = Ints{} - 1;
+    for (int32_t k = 0; k < bins; k += floatLanes) {
         const Floats low = product(X + k, Y + k);
         const Floats high = product(X + k + binsPerVector, Y + k + binsPerVector);
-        const Floats re = evens(low, high);
-        const Floats im = odds(low, high);
+        const Floats re = groupedEvens(low, high);
+        const Floats im = groupedOdds(low, high);
         const Floats p = re * re + im * im;
-        const Ints isZero = p == 0.0f;
-        const Floats y = nearlyInverseRoot(p);
-        const Doubles lowerWeight = nearlyWeight(widen(lowerHalf(p)), widen(lowerHalf(y)), g);
-        const Doubles upperWeight = nearlyWeight(widen(upperHalf(p)), widen(upperHalf(y)), g);
-        const Bounds newRe = weighted(re, lowerWeight, upperWeight);
-        const Bounds newIm = weighted(im, lowerWeight, upperWeight);
-        const Ints isSettled = (newRe.low == newRe.high) & (newIm.low == newIm.high);
-        const Ints isNormal = (p >= leastNormal) & (p <= largest);
-        if (!all((isSettled & isNormal) | isZero)) {
-            plain.combinePhat(X + k, Y + k, output + k, floatLanes, g);
-            continue;
-        }
-        const Floats outRe = isZero ? re : newRe.low;
-        const Floats outIm = isZero ? im : newIm.low;
-        store(&output[k].re, interleavedLow(outRe, outIm));
-        store(&output[k + binsPerVector].re, interleavedHigh(outRe, outIm));
+        const Floats half = 0.5f * p;
+        const Floats guess = reinterpret_cast<Floats>(0x5F1FFFF9 - (reinterpret_cast<Bits>(p) >> 1));
+        const Floats near =
+            guess * (0.703952253f * 2.38924456f - 2.0f * 0.703952253f * (half * guess * guess));
+        store(block.re + k, re);
+        store(block.im + k, im);
+        store(block.halfPower + k, half);
+        store(block.inverseRoot + k, near * (1.5f - half * near * near));
+        isGood &= (p >= least) & (p <= largest);
     }
-    plain.combinePhat(X + k, Y + k, output + k, bins - k, g);
+    return all(isGood);
+}
+
+// The weight g / sqrt(p) is not found by a root and a quotient, which take long, but within 1e-12 of it:
+//
+//     1 / sqrt(p) = y (1 - e)^(-1/2) = y (1 + e / 2 + ...),   e = 1 - p y^2
+//
+// Each part is multiplied by a weight too small and by one too large by about as much. But for one in 30000 both give the
+// same float, which is then that of the exact weight as well. False where they do not.
+bool weigh(const Block &block, int32_t bins, double g, ORVA_COMPLEX *output)
+{
+    const double below = g * (1.0 - 0x1p-40);
+    const double above = g * (1.0 + 0x1p-40);
+    HalfInts isSame = HalfInts{} - 1;
+    for (int32_t k = 0; k < bins; k += floatLanes) {
+        HalfFloats newRe[2], newIm[2];
+#pragma GCC unroll 2
+        for (int32_t half = 0; half < 2; ++half) {
+            const int32_t at = k + half * doubleLanes;
+            const Doubles y = widen(load<HalfFloats>(block.inverseRoot + at));
+            const Doubles root = y + y * (0.5 - widen(load<HalfFloats>(block.halfPower + at)) * y * y);
+            const Doubles lower = root * below;
+            const Doubles upper = root * above;
+            const Doubles re = widen(load<HalfFloats>(block.re + at));
+            const Doubles im = widen(load<HalfFloats>(block.im + at));
+            newRe[half] = narrow(re * lower);
+            newIm[half] = narrow(im * lower);
+            isSame &= (newRe[half] == narrow(re * upper)) & (newIm[half] == narrow(im * upper));
+        }
+        const Floats re = joined(newRe[0], newRe[1]);
+        const Floats im = joined(newIm[0], newIm[1]);
+        store(&output[k].re, groupedLow(re, im));
+        store(&output[k + binsPerVector].re, groupedHigh(re, im));
+    }
+    return all(isSame);
+}
+
+void storeProducts(const Block &block, int32_t bins, ORVA_COMPLEX *output)
+{
+    for (int32_t k = 0; k < bins; k += floatLanes) {
+        const auto re = load<Floats>(block.re + k);
+        const auto im = load<Floats>(block.im + k);
+        store(&output[k].re, groupedLow(re, im));
+        store(&output[k + binsPerVector].re, groupedHigh(re, im));
+    }
+}
+
+// Step by step for all bins of a block, so that many of them are under way together. Where a step says no, the products of
+// the block are weighed plainly.
+void combinePhat(const ORVA_COMPLEX *X, const ORVA_COMPLEX *Y, ORVA_COMPLEX *output, int32_t bins, float g)
+{
+    Block block;
+    int32_t k = 0;
+    while (k <= bins - floatLanes) {
+        const int32_t left = (bins - k) / floatLanes * floatLanes;
+        const int32_t count = left < Block::most ? left : Block::most;
+        if (!multiply(block, count, X + k, Y + k) || !weigh(block, count, g, output + k)) {
+            storeProducts(block, count, output + k);
+            weighPlainly(output + k, count, g);
+        }
+        k += count;
+    }
+    kernelsAt<XcorrKernels, Level::plain>().combinePhat(X + k, Y + k, output + k, bins - k, g);
 }
 
 } // namespace
