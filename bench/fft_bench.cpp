@@ -73,9 +73,16 @@ void addInverse(size_t N)
 void addPower(size_t N)
 {
     const std::string name = "power, N " + std::to_string(N);
-    addCase(name + "/orva", N, [=] {
+    addLevels(name, N, [=] {
         return [t = Transform(N), fft = Processor(ORVA_FFTProcCreate(static_cast<int32_t>(N)))] {
             ORVA_FFTProcExecutePSDEx(fft.get(), t.samples.get(), t.result.get(), t.bins());
+        };
+    });
+    addCase(name + "/bare", N, [=] {
+        Transform t(N);
+        Plan plan = forwardPlan(N, t);
+        return [t = std::move(t), plan = std::move(plan)] {
+            fftwf_execute_dft_r2c(plan.get(), t.samples.get(), complexOf(t.spectrum.get()));
         };
     });
     addCase(name + "/plain", N, [=] {
@@ -98,7 +105,7 @@ void addDecibels(size_t N)
             t.samples[i] = t.samples[i] * t.samples[i];
         return t;
     };
-    addCase(name + "/orva", N, [=] {
+    addLevels(name, N, [=] {
         return [N, t = powers(N)] {
             ORVA_PSDtoDB(static_cast<int32_t>(N), t.samples.get(), t.result.get(), nullptr, 1.0, 120.0);
         };

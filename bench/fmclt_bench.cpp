@@ -27,7 +27,7 @@ struct Stream {
 void addDirect(size_t M)
 {
     const std::string name = "direct, M " + std::to_string(M);
-    addCase(name + "/orva", M, [=] {
+    addLevels(name, M, [=] {
         return [s = Stream(M)]() mutable {
             ORVA_FMCLTDirect(s.fmclt.get(), s.real.data(), s.imag.data(), s.block.data(), s.past.data(),
                              s.window.data());
@@ -47,7 +47,7 @@ void addDirect(size_t M)
 void addInverse(size_t M)
 {
     const std::string name = "inverse, M " + std::to_string(M);
-    addCase(name + "/orva", M, [=] {
+    addLevels(name, M, [=] {
         return [s = Stream(M)]() mutable {
             ORVA_FMCLTInverse(s.fmclt.get(), s.real.data(), s.imag.data(), s.output.data(), s.past.data(),
                               s.window.data());
@@ -64,10 +64,36 @@ void addInverse(size_t M)
     });
 }
 
+// A block forward and back.
+void addPair(size_t M)
+{
+    const std::string name = "pair, M " + std::to_string(M);
+    addLevels(name, M, [=] {
+        return [s = Stream(M), history = std::vector<float>(M)]() mutable {
+            ORVA_FMCLTDirect(s.fmclt.get(), s.real.data(), s.imag.data(), s.block.data(), history.data(),
+                             s.window.data());
+            ORVA_FMCLTInverse(s.fmclt.get(), s.real.data(), s.imag.data(), s.output.data(), s.past.data(),
+                              s.window.data());
+        };
+    });
+    addCase(name + "/bare", M, [=] {
+        AlignedFloats buffer = alignedFloats(2 * M + 2);
+        const auto length = static_cast<int>(2 * M);
+        Plan direct(fftwf_plan_dft_r2c_1d(length, buffer.get(), complexOf(buffer.get()), FFTW_ESTIMATE));
+        Plan inverse(fftwf_plan_dft_c2r_1d(length, complexOf(buffer.get()), buffer.get(), FFTW_ESTIMATE));
+        return [input = noise(2 * M), buffer = std::move(buffer), direct = std::move(direct),
+                inverse = std::move(inverse)] {
+            std::copy(input.begin(), input.end(), buffer.get());
+            fftwf_execute_dft_r2c(direct.get(), buffer.get(), complexOf(buffer.get()));
+            fftwf_execute_dft_c2r(inverse.get(), complexOf(buffer.get()), buffer.get());
+        };
+    });
+}
+
 void addSineTransform(size_t M)
 {
     const std::string name = "sine transform, M " + std::to_string(M);
-    addCase(name + "/orva", M, [=] {
+    addLevels(name, M, [=] {
         AlignedFloats data = alignedFloats(M);
         return [input = noise(M), data = std::move(data),
                 fmclt = Processor(ORVA_FMCLTProcCreate(static_cast<int32_t>(M)))] {
@@ -90,6 +116,7 @@ const bool registered = [] {
     for (size_t M : {64, 256, 480, 512, 1024, 4096}) {
         addDirect(M);
         addInverse(M);
+        addPair(M);
         addSineTransform(M);
     }
     return true;

@@ -96,11 +96,10 @@ void addRate(int32_t rate)
             addCase(name, frame, [=] { return oneBand(rate, frame); });
     };
     const std::string name = std::to_string(rate) + " Hz, ";
-    addCase(name + "float/orva", frame,
-            [=] { return suppressed<float>(rate, frame, 1.0f, ORVA_DoNoiseSup); });
+    addLevels(name + "float", frame, [=] { return suppressed<float>(rate, frame, 1.0f, ORVA_DoNoiseSup); });
     direct(name + "float/bare");
-    addCase(name + "16 bits/orva", frame,
-            [=] { return suppressed<int16_t>(rate, frame, 32768.0f, ORVA_DoNoiseSup16); });
+    addLevels(name + "16 bits", frame,
+              [=] { return suppressed<int16_t>(rate, frame, 32768.0f, ORVA_DoNoiseSup16); });
     direct(name + "16 bits/bare");
 }
 

@@ -1,16 +1,17 @@
-// The window generators beside the textbook formula with one cosine a term and sample, and what is done with
-// a window beside its plain loop. Times are for a sample of the window.
+// The window generators beside the textbook formula with one cosine a term and sample, and what is done with a window
+// beside its plain loop, and beside a copy of as many bytes. Times are for a sample of the window.
 #include "cases.h"
 
 #include <orva/ORVAwinfnc.h>
 
+#include <algorithm>
 #include <cmath>
 #include <numbers>
 
 namespace
 {
 
-constexpr size_t length = 1024;
+constexpr size_t length = 4096;
 
 // A sum of cosines, a[0] - a[1] cos p + a[2] cos 2p ..., or a line where there are none.
 struct Shape {
@@ -34,7 +35,7 @@ void plainWindow(const std::vector<double> &a, std::vector<float> &window)
 void addShape(const Shape &shape)
 {
     const std::string name = ORVA_GetWindowName(shape.type);
-    addCase(name + "/orva", length, [type = shape.type] {
+    addLevels(name, length, [type = shape.type] {
         return [type, window = std::vector<float>(length)]() mutable {
             ORVA_CreateWindow(type, window.data(), length);
         };
@@ -47,7 +48,7 @@ void addShape(const Shape &shape)
 void addUses()
 {
     const std::vector<float> ones(length, 1.0f); // whatever else would make the data ever smaller
-    addCase("apply/orva", length, [=] {
+    addLevels("apply", length, [=] {
         return [window = ones, data = noise(length)]() mutable {
             ORVA_ApplyWindow(window.data(), data.data(), length);
         };
@@ -56,6 +57,11 @@ void addUses()
         return [window = ones, data = noise(length)]() mutable {
             for (size_t i = 0; i < length; ++i)
                 data[i] *= window[i];
+        };
+    });
+    addCase("apply/copy", length, [=] {
+        return [input = noise(length), copy = std::vector<float>(length)]() mutable {
+            std::copy(input.begin(), input.end(), copy.begin());
         };
     });
     addCase("mean/orva", length, [] {

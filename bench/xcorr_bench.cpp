@@ -25,23 +25,26 @@ void plainCorrelation(const std::vector<float> &x, const std::vector<float> &y, 
 
 auto transforms(size_t L)
 {
-    AlignedFloats samples = alignedFloats(2 * L), spectrum = alignedFloats(2 * L + 2);
     const auto length = static_cast<int>(2 * L);
-    Plan forward(fftwf_plan_dft_r2c_1d(length, samples.get(), complexOf(spectrum.get()), FFTW_ESTIMATE));
-    Plan inverse(fftwf_plan_dft_c2r_1d(length, complexOf(spectrum.get()), samples.get(), FFTW_ESTIMATE));
-    return [input = noise(L), samples = std::move(samples), spectrum = std::move(spectrum),
-            forward = std::move(forward), inverse = std::move(inverse)] {
-        std::copy(input.begin(), input.end(), samples.get());
-        fftwf_execute_dft_r2c(forward.get(), samples.get(), complexOf(spectrum.get()));
-        fftwf_execute_dft_r2c(forward.get(), samples.get(), complexOf(spectrum.get()));
-        fftwf_execute_dft_c2r(inverse.get(), complexOf(spectrum.get()), samples.get());
+    AlignedFloats x = alignedFloats(2 * L), y = alignedFloats(2 * L), result = alignedFloats(2 * L);
+    AlignedFloats spectrumX = alignedFloats(2 * L + 2), spectrumY = alignedFloats(2 * L + 2);
+    const auto input = noise(L);
+    std::copy(input.begin(), input.end(), x.get());
+    std::copy(input.begin(), input.end(), y.get());
+    Plan forward(fftwf_plan_dft_r2c_1d(length, x.get(), complexOf(spectrumX.get()), FFTW_ESTIMATE));
+    Plan inverse(fftwf_plan_dft_c2r_1d(length, complexOf(spectrumX.get()), result.get(), FFTW_ESTIMATE));
+    return [x = std::move(x), y = std::move(y), result = std::move(result), spectrumX = std::move(spectrumX),
+            spectrumY = std::move(spectrumY), forward = std::move(forward), inverse = std::move(inverse)] {
+        fftwf_execute_dft_r2c(forward.get(), x.get(), complexOf(spectrumX.get()));
+        fftwf_execute_dft_r2c(forward.get(), y.get(), complexOf(spectrumY.get()));
+        fftwf_execute_dft_c2r(inverse.get(), complexOf(spectrumX.get()), result.get());
     };
 }
 
 void addLength(const std::string &form, Execute execute, size_t L)
 {
     const std::string name = form + ", L " + std::to_string(L);
-    addCase(name + "/orva", L, [=] {
+    addLevels(name, L, [=] {
         const auto length = static_cast<int32_t>(L);
         return [execute, x = noise(L), y = noise(L), r = std::vector<float>(2 * L),
                 xcorr = Processor(ORVA_XcorrProcCreate(length, length))]() mutable {
@@ -59,7 +62,7 @@ void addLength(const std::string &form, Execute execute, size_t L)
 }
 
 const bool registered = [] {
-    for (size_t L : {64, 256, 1024, 4096, 16384}) {
+    for (size_t L : {64, 256, 1000, 1024, 4096, 16384, 48000}) {
         addLength("plain", ORVA_XcorrProcExecute, L);
         addLength("phase transform", ORVA_XcorrPhatProcess, L);
     }
