@@ -1,6 +1,8 @@
-// One second of speech at 44.1 kHz, in blocks of 1024 samples: ours, the definition in its plainest form, and
-// SoundTouch, whose overlap-add is of the same kind, at its own settings. Times are for a sample of output.
+// One second of speech at 44.1 kHz, in blocks of 1024 samples: ours, at the best level and at two others, the definition
+// in its plainest form, and SoundTouch, whose overlap-add is of the same kind, at its own settings and with its quick seek.
+// Times are for a sample of output.
 #include "cases.h"
+#include "common/cpu.h"
 #include "solafs/ORVAsolafs_internal.h"
 #include "solafs/plain_scaler.h"
 #include "solafs/signals.h"
@@ -47,6 +49,15 @@ int64_t stretch(const Samples &samples, float speed)
         ORVA_SolafsInputData(solafs.get(), 0, block, static_cast<int32_t>(count), speed);
         frames += ORVA_SolafsOutputData(solafs.get(), 0, output.data(), room);
     });
+    return frames;
+}
+
+template <orva::Level level> int64_t stretchAt(const Samples &samples, float speed)
+{
+    const orva::Level before = orva::levelInForce();
+    orva::forceLevel(level);
+    const int64_t frames = stretch(samples, speed);
+    orva::forceLevel(before);
     return frames;
 }
 
@@ -133,7 +144,9 @@ const bool registered = [] {
     for (const char *speed : {"0.7", "1.0", "1.5"}) {
         const std::string name = std::string("speed ") + speed;
         addOurs(name + "/orva", std::stof(speed));
-        add(name + "/plain", std::stof(speed), stretchPlainly);
+        add(name + "/orva plain", std::stof(speed), stretchAt<orva::Level::plain>);
+        add(name + "/orva baseline", std::stof(speed), stretchAt<orva::Level::baseline>);
+        add(name + "/definition", std::stof(speed), stretchPlainly);
         add(name + "/soundtouch", std::stof(speed), stretchBySoundTouch<false>);
         add(name + "/soundtouch quick", std::stof(speed), stretchBySoundTouch<true>);
     }

@@ -52,6 +52,8 @@ if(ORVA_BUILD_BENCHMARKS)
     pkg_check_modules(RESAMPLERS QUIET IMPORTED_TARGET samplerate soxr speexdsp)
     orva_need(RESAMPLERS_FOUND "libsamplerate, soxr and Speex DSP" "libsamplerate0-dev libsoxr-dev libspeexdsp-dev"
         ORVA_BUILD_BENCHMARKS)
+    pkg_check_modules(GSL QUIET IMPORTED_TARGET gsl)
+    orva_need(GSL_FOUND "GSL" libgsl-dev ORVA_BUILD_BENCHMARKS)
     if(ORVA_BUILD_TESTS)
         pkg_check_modules(SOUNDTOUCH QUIET IMPORTED_TARGET soundtouch)
         orva_need(SOUNDTOUCH_FOUND "SoundTouch" libsoundtouch-dev ORVA_BUILD_BENCHMARKS)

@@ -1,10 +1,11 @@
 #include <orva/ORVAspline.h>
 
 #include "common/memory.h"
-#include "interpolate/kernels/ORVAinterpolate_kernels.h"
+#include "interpolate/ORVAinterpolate_interval.h"
 
 #include <kett/KTdebug.h>
 
+#include <bit>
 #include <cstdlib>
 #include <limits>
 
@@ -43,23 +44,75 @@ void firstRow(const float *x, const float *y, float yp1, float *u, float *y2)
     u[0] = clampedEnd(s - yp1, h);
 }
 
-// Forward sweep of the tridiagonal system, one row for each inner point; s[i] is the slope from point i to i + 1:
+// What a row of the forward sweep hands on to the next.
+struct Row {
+    float y2;
+    float u;
+    float slope; // from its point to the next one
+};
+
+float slopeAfter(const float *x, const float *y, int32_t i)
+{
+    return (y[i + 1] - y[i]) / (x[i + 1] - x[i]);
+}
+
+// Row i of the tridiagonal system; s[i] is the slope after point i:
 //     sig = (x[i] - x[i-1]) / (x[i+1] - x[i-1])
 //     p = sig y2[i-1] + 2
 //     y2[i] = (sig - 1) / p
 //     u[i] = (6 (s[i] - s[i-1]) / (x[i+1] - x[i-1]) - sig u[i-1]) / p
+Row rowAfter(Row before, const float *x, const float *y, int32_t i)
+{
+    const float width = x[i + 1] - x[i - 1];
+    const float sig = (x[i] - x[i - 1]) / width;
+    const float pRounded = sig * before.y2 + 2.0f;
+    const double p = static_cast<double>(pRounded);
+    const float slope = slopeAfter(x, y, i);
+    const float e = slope - before.slope;
+    const float carried = sig * before.u;
+    const double right = static_cast<double>(e) * 6.0 / static_cast<double>(width);
+    return {.y2 = static_cast<float>((static_cast<double>(sig) - 1.0) / p),
+            .u = static_cast<float>((right - static_cast<double>(carried)) / p),
+            .slope = slope};
+}
+
+bool sameBits(float a, float b)
+{
+    return std::bit_cast<uint32_t>(a) == std::bit_cast<uint32_t>(b);
+}
+
+// Forward sweep, one row for each inner point. A row waits for the one before, mostly for its division; so a long table
+// is swept in two halves at a time, the second one from an assumed beginning. What a row depends on the one before by
+// shrinks at each, so that some rows into the second half the true ones are, to the bit, those of the assumption.
 void decompose(const float *x, const float *y, int32_t n, float *u, float *y2)
 {
-    for (int32_t i = 1; i <= n - 2; ++i) {
-        const float width = x[i + 1] - x[i - 1];
-        const float sig = (x[i] - x[i - 1]) / width;
-        const float pRounded = sig * y2[i - 1] + 2.0f;
-        const double p = static_cast<double>(pRounded);
-        y2[i] = static_cast<float>((static_cast<double>(sig) - 1.0) / p);
-        const float e = (y[i + 1] - y[i]) / (x[i + 1] - x[i]) - (y[i] - y[i - 1]) / (x[i] - x[i - 1]);
-        const float carried = sig * u[i - 1];
-        u[i] = static_cast<float>(
-            (static_cast<double>(e) * 6.0 / static_cast<double>(width) - static_cast<double>(carried)) / p);
+    const auto keep = [=](int32_t i, Row row) {
+        y2[i] = row.y2;
+        u[i] = row.u;
+    };
+    constexpr int32_t longTable = 100;
+    const int32_t end = n - 1;
+    const int32_t middle = n >= longTable ? n / 2 : end;
+    Row row = {y2[0], u[0], slopeAfter(x, y, 0)};
+    Row assumed = {-0.25f, 0.0f, slopeAfter(x, y, middle - 1)};
+    int32_t second = middle;
+    for (int32_t i = 1; i < middle; ++i) {
+        row = rowAfter(row, x, y, i);
+        keep(i, row);
+        if (second < end) {
+            assumed = rowAfter(assumed, x, y, second);
+            keep(second++, assumed);
+        }
+    }
+    for (; second < end; ++second) {
+        assumed = rowAfter(assumed, x, y, second);
+        keep(second, assumed);
+    }
+    for (int32_t i = middle; i < end; ++i) {
+        row = rowAfter(row, x, y, i);
+        if (sameBits(row.y2, y2[i]) && sameBits(row.u, u[i]))
+            return;
+        keep(i, row);
     }
 }
 
@@ -99,9 +152,17 @@ void ORVASPLINE_Estimate(const float *x, const float *y, int32_t n, float yp1, f
         y2[k] = y2[k] * y2[k + 1] + u[k];
 }
 
+// h = x1 - x0,  a = (x1 - xq) / h,  b = (xq - x0) / h
+// y = ((a^3 - a) y0'' + (b^3 - b) y1'') h^2 / 6 + a y0 + b y1
 float ORVASPLINE_Interpolate(const float *x, const float *y, const float *y2, int32_t n, float xq)
 {
     if (n < 1)
         return std::numeric_limits<float>::quiet_NaN();
-    return kernelsAt<InterpolateKernels, Level::plain>().spline(x, y, y2, n, xq);
+    const auto [lo, hi] = intervalOf(x, n, xq);
+    const float h = x[hi] - x[lo];
+    const float a = (x[hi] - xq) / h;
+    const float b = (xq - x[lo]) / h;
+    const float c = ((a * a * a - a) * y2[lo] + (b * b * b - b) * y2[hi]) * (h * h);
+    const float l = a * y[lo] + b * y[hi];
+    return static_cast<float>(static_cast<double>(c) / 6.0 + static_cast<double>(l));
 }

@@ -213,6 +213,30 @@ TEST(SplineEstimate, EqualsTheDefinitionBitForBit)
     }
 }
 
+// Tables that are swept in halves, and what may keep the halves from meeting.
+TEST(SplineEstimate, LongTablesEqualTheDefinitionBitForBit)
+{
+    Random random;
+    for (int round = 0; round < 300; ++round) {
+        Curve curve = randomCurve(random, random.integer(90, 700));
+        const auto kind = random.integer(0, 4);
+        for (size_t i = 0; i < curve.x.size(); ++i) {
+            if (kind == 1)
+                curve.y[i] = random.anyFloat();
+            if (kind == 2)
+                curve.x[i] = random.anyFloat();
+            if (kind == 3) // nothing to solve: each difference of slopes is zero
+                curve.y[i] = 0.0f;
+            if (kind == 4) // widths that grow and shrink by orders
+                curve.x[i] = static_cast<float>(i) + (i % 7 == 0 ? 0.9999f : 0.0f);
+        }
+        const float yp1 = random.integer(0, 1) ? natural : static_cast<float>(random.real(-20, 20));
+        const float ypn = random.integer(0, 1) ? natural : static_cast<float>(random.real(-20, 20));
+        ASSERT_TRUE(sameBits(estimate(curve, yp1, ypn), estimateByDefinition(curve, yp1, ypn)))
+            << curve.x.size() << " points of kind " << kind << ", slopes " << yp1 << ", " << ypn;
+    }
+}
+
 TEST(SplineInterpolate, PassesThroughItsPoints)
 {
     Random random;
