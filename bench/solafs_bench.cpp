@@ -1,8 +1,7 @@
-// One second of speech at 44.1 kHz, in blocks of 1024 samples: ours, at the best level and at two others, the definition
-// in its plainest form, and SoundTouch, whose overlap-add is of the same kind, at its own settings and with its quick seek.
+// One second of speech at 44.1 kHz, in blocks of 1024 samples: ours at each level, the definition in its plainest
+// form, and SoundTouch, whose overlap-add is of the same kind, at its own settings and with its quick seek.
 // Times are for a sample of output.
 #include "cases.h"
-#include "common/cpu.h"
 #include "solafs/ORVAsolafs_internal.h"
 #include "solafs/plain_scaler.h"
 #include "solafs/signals.h"
@@ -49,15 +48,6 @@ int64_t stretch(const Samples &samples, float speed)
         ORVA_SolafsInputData(solafs.get(), 0, block, static_cast<int32_t>(count), speed);
         frames += ORVA_SolafsOutputData(solafs.get(), 0, output.data(), room);
     });
-    return frames;
-}
-
-template <orva::Level level> int64_t stretchAt(const Samples &samples, float speed)
-{
-    const orva::Level before = orva::levelInForce();
-    orva::forceLevel(level);
-    const int64_t frames = stretch(samples, speed);
-    orva::forceLevel(before);
     return frames;
 }
 
@@ -126,15 +116,15 @@ double searchShare(const Samples &samples, float speed)
 
 using Run = int64_t (*)(const Samples &samples, float speed);
 
-void add(const std::string &name, float speed, Run run, const Counters &counters = {})
+void add(const std::string &name, float speed, Run run)
 {
-    addStream(
-        name, [=] { return [=, samples = voice(rate)] { return run(samples, speed); }; }, counters);
+    addStream(name, [=] { return [=, samples = voice(rate)] { return run(samples, speed); }; });
 }
 
 void addOurs(const std::string &name, float speed)
 {
-    add(name, speed, stretch, [=](benchmark::State &state, double samples) {
+    const auto make = [=] { return [=, samples = voice(rate)] { return stretch(samples, speed); }; };
+    addStreamLevels(name, make, [=](benchmark::State &state, double samples) {
         state.counters["x real time"] = aSecond(samples / rate);
         state.counters["search share"] = searchShare(voice(rate), speed);
     });
@@ -143,9 +133,7 @@ void addOurs(const std::string &name, float speed)
 const bool registered = [] {
     for (const char *speed : {"0.7", "1.0", "1.5"}) {
         const std::string name = std::string("speed ") + speed;
-        addOurs(name + "/orva", std::stof(speed));
-        add(name + "/orva plain", std::stof(speed), stretchAt<orva::Level::plain>);
-        add(name + "/orva baseline", std::stof(speed), stretchAt<orva::Level::baseline>);
+        addOurs(name, std::stof(speed));
         add(name + "/definition", std::stof(speed), stretchPlainly);
         add(name + "/soundtouch", std::stof(speed), stretchBySoundTouch<false>);
         add(name + "/soundtouch quick", std::stof(speed), stretchBySoundTouch<true>);

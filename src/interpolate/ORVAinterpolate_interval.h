@@ -26,14 +26,13 @@ inline Interval intervalOf(const float *x, int32_t n, float xq)
     uint32_t hi = static_cast<uint32_t>(n) - 1;
     for (int halvings = std::bit_width(hi) - 1; halvings > 0; --halvings) {
         const uint32_t mid = (lo + hi) >> 1;
-        if (x[mid] > xq) // a conditional move, as the ones below
+        if (x[mid] > xq) // a conditional move
             hi = mid;
         else
             lo = mid;
     }
     const uint32_t mid = (lo + hi) >> 1;
-    if (!(x[mid] > xq))
-        lo = mid;
+    lo += (mid - lo) & static_cast<uint32_t>(!(x[mid] > xq)); // mid - lo is 0 or 1
     return {lo, lo + 1};
 }
 

@@ -134,8 +134,9 @@ TEST(SolafsKernels, CandidatesThatDifferInTheirLastBitsHaveTheWinnerOfThePlainFo
             own.grid()[g] = period[static_cast<size_t>(g) % period.size()];
         for (int64_t change = 0; change < changes; ++change)
             own.grid()[random.integer(0, own.length - 1)] *= 1.0f + 0x1p-23f;
-        const float loudness = random.integer(0, 1) == 0 ? 1.0f : 20000.0f;
-        scale(own.grid(), static_cast<size_t>(own.length), loudness);
+        const float loudness[] = {1.0f, 20000.0f, 1e-3f, 1e-5f, 1e-7f, 1e-9f};
+        scale(own.grid(), static_cast<size_t>(own.length),
+              loudness[random.integer(0, std::ssize(loudness) - 1)]);
         copyReference(random, own);
         own.expectTheWinnerOfThePlainForm(levels);
     }

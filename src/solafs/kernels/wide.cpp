@@ -9,10 +9,10 @@
 //     copy 2    g4 ...                            points 2, 6 ...
 //     copy 3    g6 ...                            points 3, 7 ...
 //
-// The margin. With n points and R^2 = sum r^2, a sum of products in float is off by at most n 2^-24 R sqrt(energy - 1),
-// and energies by n 2^-24 of themselves; so scores are off by less than twice n 2^-24 R sqrt((E - 1) / E), E being the
-// largest energy. It is taken four times as wide. Outside of ordinary ranges nothing is left out: there the margin would
-// have to tell of overflow, of subnormal numbers and of what is no number.
+// The margin. With n points, R^2 = sum r^2 and E = sum x^2, a sum of products in float is off by at most n 2^-24 R sqrt(E),
+// and E by n 2^-24 of itself; so scores are off by less than twice n 2^-24 R sqrt(E / (1 + E)) at the largest E. It is taken
+// four times as wide. Outside of ordinary ranges nothing is left out: there the margin would have to tell of overflow, of
+// subnormal numbers and of what is no number.
 #include "common/lanes.h"
 #include "solafs/kernels/ORVAsolafs_kernels.h"
 
@@ -91,16 +91,13 @@ void sumEights(const Search &search)
     }
 }
 
-// The energies in float, into `scores`. Gives the largest.
+// The energies in float, without the 1, into `scores`. Gives the largest.
 float estimateEnergies(const Search &search)
 {
     const int32_t inEights = search.points - search.points % energyPoints;
     Floats largest = {};
     for (int32_t first = 0; first < search.candidates; first += block) {
-        Floats energy[atOnce];
-#pragma GCC unroll 8
-        for (int32_t v = 0; v < atOnce; ++v)
-            energy[v] = allLanes<Floats>(1.0f);
+        Floats energy[atOnce] = {};
         for (int32_t i = 0; i < inEights; i += energyPoints) {
             const float *row = search.eights + gridPerPoint * i + first;
 #pragma GCC unroll 8
@@ -138,7 +135,7 @@ void estimateScores(const Search &search)
         for (int32_t v = 0; v < atOnce; ++v) {
             float *score = search.scores + first + v * floatLanes;
             const Floats size = cross[v] < 0.0f ? -cross[v] : cross[v];
-            store(score, cross[v] * size / load<Floats>(score));
+            store(score, cross[v] * size / (load<Floats>(score) + 1.0f));
         }
     }
     for (int32_t j = search.candidates; j % block != 0; ++j)
@@ -155,20 +152,26 @@ float largestScore(const Search &search)
     return largestLane(largest);
 }
 
-// What an estimated score |score| must reach for its candidate to be in the running; minus infinity when all are.
-float leastScore(const Search &search, float largestEnergy)
+double powerOf(const float *reference, int32_t points)
 {
     double power = 0.0;
-    for (int32_t i = 0; i < search.points; ++i) {
-        const auto r = static_cast<double>(search.reference[i]);
+    for (int32_t i = 0; i < points; ++i) {
+        const auto r = static_cast<double>(reference[i]);
         power += r * r;
     }
+    return power;
+}
+
+// What an estimated score |score| must reach for its candidate to be in the running; minus infinity when all are.
+// `power` is that of the reference.
+float leastScore(const Search &search, double power, float largestEnergy)
+{
     constexpr double large = 1e18;
     constexpr double small = 1e-30;
     const auto best = static_cast<double>(largestScore(search));
     const auto energy = static_cast<double>(largestEnergy);
     const double margin =
-        8.0 * (search.points + 8) * 0x1p-24 * __builtin_sqrt(power * (energy - 1.0) / energy);
+        8.0 * (search.points + 8) * 0x1p-24 * __builtin_sqrt(power * energy / (1.0 + energy));
     const double least = __builtin_sqrt(best) - margin;
     const bool isOrdinary = best > small && power < large && energy < large && least > 0.0;
     return isOrdinary ? static_cast<float>(least * least) : -__builtin_inff();
@@ -217,13 +220,16 @@ void takeInTwo(Best &best, const Search &search, const int32_t (&firsts)[2])
 
 int32_t bestCandidate(const Search &search)
 {
+    const double power = powerOf(search.reference, search.points);
+    if (power == 0.0) // silence, which correlates with nothing
+        return 0;
     for (int32_t copy = 1; copy < gridCopies; ++copy)
         __builtin_memcpy(search.grid + copy * search.gridRoom, search.grid + copy * gridPerPoint,
                          static_cast<size_t>(search.gridRoom - copy * gridPerPoint) * sizeof(float));
     sumEights(search);
     const float energy = estimateEnergies(search);
     estimateScores(search);
-    const float least = leastScore(search, energy);
+    const float least = leastScore(search, power, energy);
 
     Best best;
     int32_t firsts[2];
