@@ -1,124 +1,177 @@
-// Both structures against their textbook loops: a delay line per channel that is shifted at each sample. And a whole
-// design, from its text to a filter that can run, against that of liquid-dsp, in single precision from numbers; its
-// time is that of one design.
+// Both structures at each level against their textbook loops, liquid-dsp and, for biquads, SoX's effect, the last two with
+// one channel, as they run. And a whole design, from its text to a filter that can run, against that of liquid-dsp, in
+// single precision from numbers; its time is that of one design.
 #include "cases.h"
+#include "filter_peers.h"
 
 #include <orva/ORVAfilter.h>
 
 #include <complex> // before liquid.h, which then takes its types from here
 #include <liquid/liquid.h>
+#include <sox.h>
+
+#include <cstdio>
 
 namespace
 {
 
-constexpr size_t frames = 1024;
-
 using Filter = Owned<_ORVA_FILTER, ORVA_DestroyFilter>;
+using Liquid = Owned<std::remove_pointer_t<iirfilt_rrrf>, iirfilt_rrrf_destroy>;
 
-void plainDirect(const std::vector<float> &b, const std::vector<float> &a, std::vector<float> &delays,
-                 size_t channels, const std::vector<float> &input, std::vector<float> &output)
-{
-    const size_t order = b.size() - 1;
-    for (size_t i = 0; i < input.size(); i += channels) {
-        for (size_t c = 0; c < channels; ++c) {
-            float *delay = delays.data() + c * order;
-            float w = input[i + c];
-            for (size_t k = 0; k < order; ++k)
-                w -= a[k + 1] * delay[k];
-            float y = b[0] * w;
-            for (size_t k = 0; k < order; ++k)
-                y += b[k + 1] * delay[k];
-            for (size_t k = order; k-- > 1;)
-                delay[k] = delay[k - 1];
-            if (order > 0)
-                delay[0] = w;
-            output[i + c] = y;
-        }
+struct Shape {
+    size_t channels;
+    size_t frames;
+    size_t floats() const
+    {
+        return channels * frames;
     }
-}
-
-struct Section {
-    double a1, a2, b0, b1, b2;
 };
 
-struct Delay {
-    double w1, w2;
-};
-
-void plainBiquads(const std::vector<Section> &sections, std::vector<Delay> &delays, size_t channels,
-                  const std::vector<float> &input, std::vector<float> &output)
+// Makes what make() gives, a function of a block, a case on noise.
+template <class Make> auto onNoise(Shape shape, Make make)
 {
-    for (size_t i = 0; i < input.size(); i += channels) {
-        for (size_t c = 0; c < channels; ++c) {
-            float x = input[i + c];
-            for (size_t s = 0; s < sections.size(); ++s) {
-                const Section &section = sections[s];
-                Delay &delay = delays[c * sections.size() + s];
-                const double w = static_cast<double>(x) - section.a1 * delay.w1 - section.a2 * delay.w2;
-                x = static_cast<float>(section.b0 * w + section.b1 * delay.w1 + section.b2 * delay.w2);
-                delay.w2 = delay.w1;
-                delay.w1 = w;
-            }
-            output[i + c] = x;
-        }
-    }
-}
-
-// Times what make() gives, a function of input and output, on one block of noise.
-template <class Make> void add(const std::string &name, size_t channels, Make make)
-{
-    const size_t samples = frames * channels;
-    addCase(name, samples, [=] {
-        return [run = make(), input = noise(samples), output = std::vector<float>(samples)]() mutable {
-            run(input, output);
+    return [=] {
+        return [=, run = make(), input = noise(shape.floats()),
+                output = std::vector<float>(shape.floats())]() mutable {
+            run({shape.channels, shape.frames, input.data(), output.data()});
         };
-    });
-}
-
-auto filterOf(_ORVA_FILTER *created)
-{
-    return [filter = Filter(created)](const std::vector<float> &input, std::vector<float> &output) {
-        ORVA_Filter(filter.get(), input.data(), output.data(), static_cast<uint32_t>(input.size()));
     };
 }
 
-std::string title(const char *structure, size_t count, size_t channels)
+template <class Make> void add(const std::string &name, Shape shape, Make make)
 {
-    return structure + std::to_string(count) + ", channels " + std::to_string(channels);
+    addCase(name, shape.floats(), onNoise(shape, make));
 }
 
-void addDirect(size_t order, size_t channels)
+template <class Create> void addOurs(const std::string &name, Shape shape, Create create)
 {
-    const std::string name = title("direct form, order ", order, channels);
+    const auto make = [=] {
+        return [filter = Filter(create())](const peers::Block &block) {
+            ORVA_Filter(filter.get(), block.input, block.output,
+                        static_cast<uint32_t>(block.channels * block.frames));
+        };
+    };
+    addLevels(name, shape.floats(), onNoise(shape, make));
+}
+
+void runLiquid(const Liquid &filter, const peers::Block &block)
+{
+    iirfilt_rrrf_execute_block(filter.get(), const_cast<float *>(block.input),
+                               static_cast<unsigned>(block.frames), block.output);
+}
+
+// SoX filters 32-bit integers, in double within a section; a cascade is one effect after the other over the block.
+class SoxCascade
+{
+public:
+    explicit SoxCascade(const std::vector<peers::Section> &sections)
+    {
+        for (const auto &s : sections) {
+            Effect effect(sox_create_effect(sox_find_effect("biquad")));
+            std::vector<std::string> numbers;
+            for (double value : {s.b0, s.b1, s.b2, 1.0, s.a1, s.a2})
+                numbers.push_back(std::to_string(value));
+            std::vector<char *> arguments;
+            for (auto &number : numbers)
+                arguments.push_back(number.data());
+            effect->in_signal.channels = 1;
+            effect->in_signal.rate = 48000.0;
+            effect->out_signal = effect->in_signal;
+            if (sox_effect_options(effect.get(), 6, arguments.data()) != SOX_SUCCESS ||
+                effect->handler.start(effect.get()) != SOX_SUCCESS)
+                std::fprintf(stderr, "SoX refuses a section\n");
+            effects.push_back(std::move(effect));
+        }
+    }
+
+    void run(const peers::Block &block)
+    {
+        input.resize(block.frames, 1 << 24);
+        output.resize(block.frames);
+        const sox_sample_t *from = input.data();
+        for (auto &effect : effects) {
+            size_t taken = block.frames, given = block.frames;
+            effect->handler.flow(effect.get(), from, output.data(), &taken, &given);
+            from = output.data();
+        }
+    }
+
+private:
+    using Effect = Owned<sox_effect_t, sox_delete_effect>;
+
+    std::vector<Effect> effects;
+    std::vector<sox_sample_t> input, output;
+};
+
+std::string title(const char *structure, size_t count, Shape shape)
+{
+    return structure + std::to_string(count) + ", channels " + std::to_string(shape.channels) + ", frames " +
+           std::to_string(shape.frames);
+}
+
+void addDirect(size_t order, Shape shape)
+{
+    const std::string name = title("direct form, order ", order, shape);
+    const auto length = static_cast<int32_t>(order + 1);
     std::vector<double> b(order + 1, 0.3), a(order + 1, 0.3 / static_cast<double>(order + 1));
     a[0] = 1.0;
-    add(name + "/orva", channels, [=] {
-        const auto length = static_cast<int32_t>(order + 1);
-        return filterOf(ORVA_CreateFilterFromCoefs(static_cast<uint32_t>(channels), length, b.data(),
-                                                   static_cast<uint32_t>(length), a.data()));
+    addOurs(name, shape, [=] {
+        return ORVA_CreateFilterFromCoefs(static_cast<uint32_t>(shape.channels), length, b.data(),
+                                          static_cast<uint32_t>(length), a.data());
     });
-    add(name + "/plain", channels, [=] {
-        return [channels, num = std::vector<float>(b.begin(), b.end()),
-                den = std::vector<float>(a.begin(), a.end()), delays = std::vector<float>(order * channels)](
-                   const std::vector<float> &input, std::vector<float> &output) mutable {
-            plainDirect(num, den, delays, channels, input, output);
-        };
-    });
+    const std::vector<float> num(b.begin(), b.end()), den(a.begin(), a.end());
+    const auto addLoop = [&](const char *peer, auto loop) {
+        add(name + peer, shape, [=] {
+            return [=, states = std::vector<float>(order * shape.channels + 1)](
+                       const peers::Block &block) mutable {
+                loop({order, num.data(), den.data()}, states.data(), block);
+            };
+        });
+    };
+    addLoop("/textbook", peers::directForm);
+    addLoop("/transposed", peers::transposedForm);
+    if (shape.channels == 1)
+        add(name + "/liquid", shape, [=] {
+            auto x = num, y = den;
+            const auto count = static_cast<unsigned>(length);
+            return [filter = Liquid(iirfilt_rrrf_create(x.data(), count, y.data(), count))](
+                       const peers::Block &block) { runLiquid(filter, block); };
+        });
 }
 
-void addBiquads(size_t count, size_t channels)
+void addBiquads(size_t count, Shape shape)
 {
-    const std::string name = title("biquads, sections ", count, channels);
-    const std::vector<Section> sections(count, {-0.94, 0.33, 0.3, 0.2, 0.1});
-    add(name + "/orva", channels, [=] {
-        return filterOf(ORVA_CreateFilterFromBiquads(static_cast<int32_t>(channels),
-                                                     static_cast<uint32_t>(count), &sections[0].a1));
+    const std::string name = title("biquads, sections ", count, shape);
+    const std::vector<peers::Section> sections(count, {-0.94, 0.33, 0.15, 0.15, 0.09});
+    addOurs(name, shape, [=] {
+        return ORVA_CreateFilterFromBiquads(static_cast<int32_t>(shape.channels),
+                                            static_cast<uint32_t>(count), &sections[0].a1);
     });
-    add(name + "/plain", channels, [=] {
-        return [channels, sections, delays = std::vector<Delay>(count * channels)](
-                   const std::vector<float> &input, std::vector<float> &output) mutable {
-            plainBiquads(sections, delays, channels, input, output);
-        };
+    const auto addLoop = [&](const char *peer, auto loop) {
+        add(name + peer, shape, [=] {
+            return [=, states = std::vector<double>(2 * count * shape.channels)](
+                       const peers::Block &block) mutable {
+                loop(sections.data(), count, states.data(), block);
+            };
+        });
+    };
+    addLoop("/textbook", peers::biquads);
+    addLoop("/transposed", peers::transposedBiquads);
+    if (shape.channels > 1)
+        return;
+    add(name + "/liquid", shape, [=] {
+        std::vector<float> b, a;
+        for (const auto &s : sections) {
+            for (double value : {s.b0, s.b1, s.b2})
+                b.push_back(static_cast<float>(value));
+            for (double value : {1.0, s.a1, s.a2})
+                a.push_back(static_cast<float>(value));
+        }
+        return [filter = Liquid(iirfilt_rrrf_create_sos(b.data(), a.data(), static_cast<unsigned>(count)))](
+                   const peers::Block &block) { runLiquid(filter, block); };
+    });
+    add(name + "/SoX", shape, [=] {
+        return [cascade = SoxCascade(sections)](const peers::Block &block) mutable { cascade.run(block); };
     });
 }
 
@@ -147,12 +200,13 @@ void addDesigns()
 
 const bool registered = [] {
     addDesigns();
-    for (size_t channels : {1, 2, 6}) {
-        for (size_t order : {0, 1, 2, 4, 8, 12})
-            addDirect(order, channels);
-        for (size_t sections : {1, 2, 4, 8})
-            addBiquads(sections, channels);
-    }
+    for (size_t frames : {1024, 64})
+        for (size_t channels : {1, 2, 6}) {
+            for (size_t order : {1, 2, 4, 8, 12})
+                addDirect(order, {channels, frames});
+            for (size_t sections : {1, 4, 10})
+                addBiquads(sections, {channels, frames});
+        }
     return true;
 }();
 

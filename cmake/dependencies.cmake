@@ -49,6 +49,8 @@ if(ORVA_BUILD_BENCHMARKS)
     orva_need(benchmark_FOUND "Google Benchmark" libbenchmark-dev ORVA_BUILD_BENCHMARKS)
     find_library(LIQUID liquid)                           # Debian's package has no other way to find it
     orva_need(LIQUID "liquid-dsp" libliquid-dev ORVA_BUILD_BENCHMARKS)
+    pkg_check_modules(SOX QUIET IMPORTED_TARGET sox)
+    orva_need(SOX_FOUND "SoX" libsox-dev ORVA_BUILD_BENCHMARKS)
     pkg_check_modules(RESAMPLERS QUIET IMPORTED_TARGET samplerate soxr speexdsp)
     orva_need(RESAMPLERS_FOUND "libsamplerate, soxr and Speex DSP" "libsamplerate0-dev libsoxr-dev libspeexdsp-dev"
         ORVA_BUILD_BENCHMARKS)
