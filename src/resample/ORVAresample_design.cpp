@@ -47,40 +47,97 @@ void designPrototype(double *h, int32_t N, int32_t L, int32_t M)
     h[N / 2] = L > M ? 0.95 : static_cast<double>(quotient) * 0.95;
 }
 
-// From the first coefficient of a row to that of the next: the coefficients of the longest row; zeros for the last group
-// that takes its samples, whose outputs reach L - 1 + (lanes - 1) M out of h; and what the next row begins earlier. An odd
-// number spreads the rows over a cache.
-int64_t pitchOf(int64_t length, int32_t L, int32_t M, int32_t lanes)
+// The bank without its coefficients, and their number.
+struct Layout {
+    PolyphaseBank bank;
+    int64_t size;
+    int64_t origin; // of the coefficients, ahead of which stand zeros
+};
+
+Layout inGroups(int64_t length, int32_t L, int32_t M)
 {
-    return (quotientUp(length, M) + lanes - 1 + 2 * quotientUp(L, M)) | 1;
+    const int64_t taps = quotientUp(length, L);
+    const int64_t rows =
+        taps + quotientUp((groupLanes - 1) * int64_t{M}, L); // no two outputs are further apart
+    const int64_t size = quotientUp(L, groupLanes) * rows * groupLanes;
+    return {.bank = {.coefs = nullptr,
+                     .pitch = groupLanes,
+                     .groupSize = rows * groupLanes,
+                     .rows = std::numeric_limits<int32_t>::max(),
+                     .groupRows = static_cast<int32_t>(rows),
+                     .round = L,
+                     .up = L,
+                     .down = M,
+                     .taps = static_cast<int32_t>(taps),
+                     .isWide = true},
+            .size = size,
+            .origin = 0};
 }
 
-// Ahead of the first row stand the zeros of a group whose last output alone takes its newest sample.
-int64_t bankSize(int64_t length, int32_t L, int32_t M, int32_t lanes)
+// From a row to the next: the coefficients of the longest; zeros for the last groups that take its sample, whose outputs
+// reach 2 L - 1 + 7 M out of h; and what the next row begins earlier. An odd number spreads the rows over a cache.
+Layout inRows(int64_t length, int32_t L, int32_t M, int32_t lanes)
 {
-    return lanes - 1 + M * pitchOf(length, L, M, lanes);
+    const int64_t taps = quotientUp(length, L);
+    const int64_t pitch = (quotientUp(length, M) + lanes - 1 + 3 * quotientUp(L, M)) | 1;
+    const bool single = M == 1;
+    return {.bank = {.coefs = nullptr,
+                     .pitch = single ? L : pitch,
+                     .groupSize = 0,
+                     .rows = single ? std::numeric_limits<int32_t>::max() : M,
+                     .groupRows = static_cast<int32_t>(taps + quotientUp((lanes - 1) * int64_t{M}, L)),
+                     .round = std::lcm(L, lanes),
+                     .up = L,
+                     .down = M,
+                     .taps = static_cast<int32_t>(taps),
+                     .isWide = lanes == groupLanes},
+            .size = lanes - 1 + M * pitch,
+            .origin = lanes - 1};
 }
 
-// As wide a group as keeps the bank within twice the phases and the pointers to them.
-int32_t lanesFor(int64_t length, int64_t taps, int32_t L, int32_t M)
+// The first that keeps the coefficients within twice those of the phases and the pointers to them.
+Layout layoutFor(int64_t length, int32_t L, int32_t M)
 {
-    for (const int32_t lanes : {16, 8})
-        if (bankSize(length, L, M, lanes) <= 2 * (taps + 1) * L)
-            return lanes;
-    return 1;
+    const int64_t most = 2 * (quotientUp(length, L) + 1) * L;
+    if (L >= groupLanes)
+        if (const Layout groups = inGroups(length, L, M); groups.size <= most)
+            return groups;
+    const Layout rows = inRows(length, L, M, groupLanes);
+    return rows.size <= most ? rows : inRows(length, L, M, 1);
+}
+
+void fillGroups(double *coefs, const PolyphaseBank &bank, const double *h, int64_t length)
+{
+    for (int32_t group = 0; group < groupCount(bank); ++group)
+        for (int32_t lane = 0; lane < groupLanes; ++lane) {
+            const int64_t first = groupStart(bank, group);
+            const int64_t newest = newestSample(bank, first + groupLanes - 1);
+            for (int64_t row = 0; row < bank.groupRows; ++row) {
+                const int64_t k = (first + lane) * bank.down - (newest - row) * bank.up;
+                if (k >= 0 && k < length)
+                    coefs[group * bank.groupSize + row * groupLanes + lane] = h[k];
+            }
+        }
 }
 
 // H(s, c) = h[c M + s L]
-void fillBank(double *origin, const PolyphaseBank &bank, const double *h, int64_t length)
+void fillRows(double *coefs, const PolyphaseBank &bank, const double *h, int64_t length)
 {
     const int64_t L = bank.up;
     const int64_t M = bank.down;
-    for (int64_t s = 0; s < M; ++s) {
-        const int64_t first = -(s * L / M);
-        for (int64_t c = first; c * M + s * L < length; ++c)
-            origin[s * bank.pitch + c] = h[c * M + s * L];
-    }
+    for (int64_t s = 0; s < M; ++s)
+        for (int64_t c = -(s * L / M); c * M + s * L < length; ++c)
+            coefs[s * bank.pitch + c] = h[c * M + s * L];
 }
+
+// So that a vector of eight doubles is one of a cache's lines.
+double *aligned(double *coefs)
+{
+    constexpr uintptr_t line = 64;
+    return reinterpret_cast<double *>((reinterpret_cast<uintptr_t>(coefs) + line - 1) / line * line);
+}
+
+constexpr size_t alignmentRoom = 7;
 
 } // namespace
 
@@ -111,34 +168,32 @@ PolyphaseResampler *newPolyphase(int32_t inputRate, int32_t outputRate, int32_t 
     const auto N = static_cast<int32_t>(prototypeOrder(order, L, M));
     const int32_t length = N + 1;
     const auto taps = static_cast<int32_t>(quotientUp(length, L));
-    const int32_t lanes = lanesFor(length, taps, L, M);
-    const auto history = static_cast<int32_t>(taps + (lanes - 1) * int64_t{M} / L);
+    const Layout layout = layoutFor(length, L, M);
+    const int32_t history = layout.bank.groupRows;
+    const int32_t ahead = history - taps;
 
     auto resampler = ownZeroed<PolyphaseResampler>(1);
     const auto h = ownZeroed<double>(static_cast<size_t>(length));
-    auto coefs = ownZeroed<double>(static_cast<size_t>(bankSize(length, L, M, lanes)));
-    auto work = ownZeroed<double>(2 * static_cast<size_t>(history));
+    auto coefs = ownZeroed<double>(static_cast<size_t>(layout.size) + alignmentRoom);
+    auto work = ownZeroed<double>(2 * static_cast<size_t>(history) + static_cast<size_t>(ahead));
     if (resampler == nullptr || h == nullptr || coefs == nullptr || work == nullptr)
         return nullptr;
 
-    // A single row never comes round: going on to an older sample is going L columns on, as between rows.
-    const bool single = M == 1;
-    double *origin = coefs.get() + lanes - 1;
-    resampler->bank = {.origin = origin,
-                       .pitch = single ? L : pitchOf(length, L, M, lanes),
-                       .rows = single ? std::numeric_limits<int32_t>::max() : M,
-                       .up = L,
-                       .down = M,
-                       .taps = taps,
-                       .lanes = lanes};
     designPrototype(h.get(), N, L, M);
-    fillBank(origin, resampler->bank, h.get(), length);
+    double *origin = aligned(coefs.get()) + layout.origin;
+    resampler->bank = layout.bank;
+    resampler->bank.coefs = origin;
+    if (layout.bank.groupSize != 0)
+        fillGroups(origin, layout.bank, h.get(), length);
+    else
+        fillRows(origin, layout.bank, h.get(), length);
     resampler->upFactor = L;
     resampler->downFactor = M;
     resampler->tapsPerPhase = taps;
     resampler->delay = polyphaseDelay(N, M);
     resampler->delayToSkip = compensates ? resampler->delay : 0;
     resampler->history = history;
+    resampler->ahead = ahead;
     resampler->workCapacity = history;
     resampler->end = history;
     resampler->finiteSamples = history;

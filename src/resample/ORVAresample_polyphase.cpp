@@ -72,8 +72,10 @@ int32_t finiteAtEnd(const double *end, int32_t most)
     return count;
 }
 
-const ResampleKernels &kernelsFor(const Block &block)
+// The kernels for the outputs of a block. Zeros are put after it, where groups of outputs reach.
+const ResampleKernels &prepareKernels(const PolyphaseResampler *resampler, const Block &block)
 {
+    std::fill_n(resampler->work + resampler->end + block.count, resampler->ahead, 0.0);
     return block.allFinite ? kernels<ResampleKernels>() : kernelsAt<ResampleKernels>(Level::plain);
 }
 
@@ -87,7 +89,8 @@ int32_t runPolyphase(PolyphaseResampler *resampler, const float *input, float *o
     Block block = blockOf(resampler, count, true);
     const int64_t written = block.due - block.skipped;
     if (written > std::numeric_limits<int32_t>::max() ||
-        !growWork(resampler->work, resampler->workCapacity, count, int64_t{history} + count)) {
+        !growWork(resampler->work, resampler->workCapacity, count,
+                  int64_t{history} + count + resampler->ahead)) {
         reportInvalidParameters();
         return -1;
     }
@@ -96,7 +99,7 @@ int32_t runPolyphase(PolyphaseResampler *resampler, const float *input, float *o
     block.allFinite = block.allFinite && allFinite;
     const auto outputs = outputsOf(resampler, block, static_cast<int32_t>(written));
     if (written > 0)
-        kernelsFor(block).sums(resampler->bank, outputs, output);
+        prepareKernels(resampler, block).sums(resampler->bank, outputs, output);
     advance(resampler, block);
     if (allFinite)
         resampler->finiteSamples =
@@ -127,7 +130,7 @@ int32_t flushPolyphase(PolyphaseResampler *resampler, float *output, int32_t max
             outputsOf(resampler, block,
                       static_cast<int32_t>(std::min<int64_t>(block.due - block.skipped, limit - written)));
         if (outputs.count > 0)
-            kernelsFor(block).roundedSums(resampler->bank, outputs, output + written);
+            prepareKernels(resampler, block).roundedSums(resampler->bank, outputs, output + written);
         written += outputs.count;
         advance(resampler, block);
         zeros -= count;

@@ -19,7 +19,8 @@ struct PolyphaseResampler {
     int32_t downFactor; // M
     int32_t phase;      // of the next output, in L-ths of an input sample; below 0 once flushed
     int32_t tapsPerPhase;
-    int32_t history;       // samples before a block that its outputs take, or that a group of them reads
+    int32_t history;       // samples before a block that its outputs take, or others of their groups
+    int32_t ahead;         // samples after a block that others of their groups take: zeros
     int64_t end;           // of the samples in `work`
     int32_t nextSample;    // counted from the beginning of a period, M samples that make L outputs
     int32_t finiteSamples; // since the last that was not, as far as `history` goes

@@ -20,11 +20,13 @@ const PolyphaseResampler &recordOf(const Resampler &resampler)
 // What the bank holds for sample j steps older than the newest of an output in phase p.
 double coefficientOf(const PolyphaseBank &bank, int32_t p, int32_t j)
 {
-    int64_t n =
-        int64_t{bank.up} * bank.taps; // many periods on, so that older samples count from above zero, too
+    int64_t n = 0;
     while (n * bank.down % bank.up != p)
         ++n;
-    return *placeOf(bank, n, n * bank.down / bank.up - j).coefs;
+    BankPlace place = placeOf(bank, n);
+    for (; j > 0; --j)
+        goToOlderSample(bank, place);
+    return *place.coefs;
 }
 
 // The sample j steps old.

@@ -35,11 +35,7 @@ template <class Sum> float sumOf(const PolyphaseBank &bank, BankPlace at, const 
     Sum sum = 0;
     for (int32_t j = 0; j < bank.taps; ++j) {
         sum = static_cast<Sum>(static_cast<double>(sum) + *at.coefs * newest[-j]);
-        at.coefs += bank.pitch;
-        if (--at.rowsLeft == 0) {
-            at.coefs += bank.up - bank.rows * bank.pitch;
-            at.rowsLeft = bank.rows;
-        }
+        goToOlderSample(bank, at);
     }
     return static_cast<float>(sum);
 }
@@ -48,8 +44,8 @@ template <class Sum> void sumsOf(const PolyphaseBank &bank, const OutputSpan &sp
 {
     for (int32_t k = 0; k < span.count; ++k) {
         const int64_t n = span.firstOutput + k;
-        const int64_t i = n * bank.down / bank.up;
-        output[k] = sumOf<Sum>(bank, placeOf(bank, n, i), span.samples + (i - span.firstSample));
+        const int64_t i = newestSample(bank, n);
+        output[k] = sumOf<Sum>(bank, placeOf(bank, n), span.samples + (i - span.firstSample));
     }
 }
 

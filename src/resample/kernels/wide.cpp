@@ -1,4 +1,4 @@
-// Consecutive outputs are summed side by side, in the lanes of vectors. Each row of the bank is one sample: its coefficients
+// Groups of eight consecutive outputs are summed in the lanes of vectors. Each row of the bank is one sample: its coefficients
 // are loaded and multiplied with that sample in all lanes.
 //
 //               output   n  n+1  n+2  n+3 ...
@@ -12,13 +12,13 @@
 // each product can become -0; so it is held from the output's oldest sample on. A product with an infinity would be
 // not-a-number; therefore blocks with samples that are not finite take the plain form.
 //
-// The same outputs of several periods share each load of coefficients, so that there are eight vectors of sums at once:
+// Several groups are summed at once, so that additions overlap: of a long span those a round apart, which share each load
+// of coefficients, of a short one those side by side.
 //
-//     outputs   |  n ..                |  n + D ..             |  n + 2 D ..           |      D a multiple of L
-//               |^^^^^^^^              |^^^^^^^^               |^^^^^^^^
+//     outputs   |  n ..          |  n + round ..    |  n + 2 round ..          |  n ..  n + 8 ..  n + 16 ..
+//               |^^^^^^^^        |^^^^^^^^          |^^^^^^^^                  |^^^^^^^^^^^^^^^^^^^^^^^^^^
 //
-// What is left at the end of a span is summed as one more group that reaches back over outputs already there: the same sums
-// with the same bits.
+// Groups begin where the bank has them. What they sum beyond the ends of a span is dropped.
 #include "common/lanes.h"
 #include "resample/kernels/ORVAresample_kernels.h"
 
@@ -29,8 +29,9 @@ namespace ORVA_LEVEL
 namespace
 {
 
-constexpr int32_t narrowLanes = 8;
-constexpr int32_t wideLanes = 16;
+constexpr int32_t vectors = groupLanes / doubleLanes;
+constexpr int32_t mostSharing = doubleLanes;                          // eight vectors of sums
+constexpr int32_t mostSideBySide = doubleLanes < 4 ? doubleLanes : 4; // two pointers for each
 
 using Longs [[gnu::vector_size(ORVA_VECTOR_BYTES)]] = int64_t;
 
@@ -63,184 +64,223 @@ struct Rounded {
     }
 };
 
-// A group of outputs: its place in the bank, the samples that it takes, the newest of them, and the coefficient of h that
-// this one would have for the first output, below 0 if it is newer than any that the output takes.
+// A group of outputs, the samples that it takes, the newest of them, and which coefficient of h the first output would have
+// for that one: below 0, if it is newer than any that this output takes.
 struct Group {
+    int64_t firstOutput;
     BankPlace at;
-    int32_t rows;
     const double *newest;
     int64_t coefficient;
 };
 
-// (lanes - 1) M = wholeSamples L + rest: how far apart the newest samples of the first and the last output of a group are.
-template <int32_t lanes> struct Reach {
-    explicit Reach(const PolyphaseBank &bank)
-        : wholeSamples((lanes - 1) * int64_t{bank.down} / bank.up),
-          rest((lanes - 1) * int64_t{bank.down} % bank.up)
-    {
-    }
-
-    int64_t wholeSamples;
-    int64_t rest;
-};
-
-template <int32_t lanes>
-[[gnu::always_inline]] inline Group groupAt(const PolyphaseBank &bank, const OutputSpan &span,
-                                            Reach<lanes> reach, int32_t k)
+bool comesRound(const PolyphaseBank &bank)
 {
-    const int64_t n = span.firstOutput + k;
-    const int64_t time = (n + lanes - 1) * bank.down; // of the last output, in L-ths of a sample
-    const int64_t newest = time / bank.up;
-    const int64_t older = reach.wholeSamples + (time - newest * bank.up < reach.rest ? 1 : 0);
-    return {placeOf(bank, n, newest), static_cast<int32_t>(bank.taps + older),
-            span.samples + (newest - span.firstSample), n * bank.down - newest * bank.up};
+    return bank.groupSize == 0 && bank.down > 1;
 }
 
-template <int32_t periods, int32_t vectors> struct Sums {
-    Doubles sum[periods][vectors];
-    const double *x[periods];
-    const double *coefs;
+// The group with this number in its round.
+[[gnu::always_inline]] inline Group groupAt(const PolyphaseBank &bank, const OutputSpan &span, int32_t number,
+                                            int64_t firstOutput)
+{
+    const int64_t newest = newestSample(bank, firstOutput + groupLanes - 1);
+    const BankPlace at = bank.groupSize != 0 ? BankPlace{bank.coefs + number * bank.groupSize, bank.rows}
+                                             : placeInRows(bank, firstOutput, newest);
+    return {firstOutput, at, span.samples + (newest - span.firstSample),
+            firstOutput * bank.down - newest * bank.up};
+}
+
+// Where groups that are summed at once have their coefficients.
+enum class From {
+    one,      // all those of the first, where rows follow each other up to the last
+    oneRound, // the same, where rows come round
+    each      // each its own, where rows follow each other
+};
+
+template <From from, int32_t groups> struct Sums {
+    static constexpr int32_t banks = from == From::each ? groups : 1;
+
+    Doubles sum[groups][vectors];
+    const double *x[groups];
+    const double *coefs[banks];
     int32_t rowsLeft;
 };
 
-// Takes `rows` samples more. With `isEnd`, outputs that have taken all theirs are held; `coefficient` is then that of h for
-// the first output.
-template <class Sum, bool isEnd, int32_t periods, int32_t vectors>
-[[gnu::always_inline]] inline void takeRows(const PolyphaseBank &bank, Sums<periods, vectors> &s,
-                                            int32_t rows, int64_t coefficient)
+// Takes `rows` samples more. With `isEnd`, outputs that have taken all theirs are held; `coefficients` are then those of h
+// for the first output of each group.
+template <class Sum, bool isEnd, From from, int32_t groups>
+[[gnu::always_inline]] inline void takeRows(const PolyphaseBank &bank, Sums<from, groups> &s, int32_t rows,
+                                            const int64_t *coefficients)
 {
-    Longs h[vectors] = {};
+    constexpr int32_t banks = Sums<from, groups>::banks;
+    Longs h[banks][vectors] = {};
     if constexpr (isEnd) {
-        int64_t ofLane[vectors * doubleLanes];
-        for (int32_t l = 0; l < vectors * doubleLanes; ++l)
-            ofLane[l] = coefficient + l * int64_t{bank.down};
-        for (int32_t v = 0; v < vectors; ++v)
-            h[v] = load<Longs>(ofLane + v * doubleLanes);
+        int64_t ofLane[groupLanes];
+        for (int32_t b = 0; b < banks; ++b) {
+            for (int32_t l = 0; l < groupLanes; ++l)
+                ofLane[l] = coefficients[b] + l * int64_t{bank.down};
+            for (int32_t v = 0; v < vectors; ++v)
+                h[b][v] = load<Longs>(ofLane + v * doubleLanes);
+        }
     }
     const int64_t end = int64_t{bank.taps} * bank.up;
-    while (rows > 0) {
-        int32_t run = rows < s.rowsLeft ? rows : s.rowsLeft;
-        rows -= run;
-        s.rowsLeft -= run;
-        for (; run > 0; --run) {
-            Doubles c[vectors];
+    const int64_t pitch = bank.pitch;
+    const int64_t comeRound = bank.up - bank.rows * pitch;
+    for (; rows > 0; --rows) {
+        Doubles c[banks][vectors];
+#pragma GCC unroll 8
+        for (int32_t b = 0; b < banks; ++b) {
 #pragma GCC unroll 8
             for (int32_t v = 0; v < vectors; ++v)
-                c[v] = load<Doubles>(s.coefs + v * doubleLanes);
-#pragma GCC unroll 8
-            for (int32_t q = 0; q < periods; ++q) {
-                const auto sample = allLanes<Doubles>(*s.x[q]--);
-#pragma GCC unroll 8
-                for (int32_t v = 0; v < vectors; ++v) {
-                    const Doubles next = Sum::add(s.sum[q][v], c[v] * sample);
-                    if constexpr (isEnd)
-                        s.sum[q][v] = h[v] < end ? next : s.sum[q][v];
-                    else
-                        s.sum[q][v] = next;
-                }
+                c[b][v] = load<Doubles>(s.coefs[b] + v * doubleLanes);
+            s.coefs[b] += pitch;
+        }
+        if constexpr (from == From::oneRound) {
+            if (--s.rowsLeft == 0) {
+                s.coefs[0] += comeRound;
+                s.rowsLeft = bank.rows;
             }
-            s.coefs += bank.pitch;
-            if constexpr (isEnd)
+        }
+#pragma GCC unroll 8
+        for (int32_t g = 0; g < groups; ++g) {
+            const int32_t b = g < banks ? g : 0;
+            const auto sample = allLanes<Doubles>(*s.x[g]--);
+#pragma GCC unroll 8
+            for (int32_t v = 0; v < vectors; ++v) {
+                const Doubles next = Sum::add(s.sum[g][v], c[b][v] * sample);
+                if constexpr (isEnd)
+                    s.sum[g][v] = h[b][v] < end ? next : s.sum[g][v];
+                else
+                    s.sum[g][v] = next;
+            }
+        }
+        if constexpr (isEnd)
+            for (int32_t b = 0; b < banks; ++b)
                 for (int32_t v = 0; v < vectors; ++v)
-                    h[v] += int64_t{bank.up};
-        }
-        if (s.rowsLeft == 0) {
-            s.coefs += bank.up - bank.rows * bank.pitch;
-            s.rowsLeft = bank.rows;
-        }
+                    h[b][v] += int64_t{bank.up};
     }
 }
 
-// The group, and those of the periods after it.
-template <class Sum, int32_t lanes, int32_t periods>
-[[gnu::always_inline]] inline void sumGroups(const PolyphaseBank &bank, Group group, int64_t sampleStep,
-                                             float *output, int64_t outputStep)
+// Outputs of a group that belong to the span.
+[[gnu::always_inline]] inline void put(const OutputSpan &span, int64_t firstOutput, const float *sums,
+                                       float *output)
 {
-    constexpr int32_t vectors = lanes / doubleLanes;
-    Sums<periods, vectors> s = {{}, {}, group.at.coefs, group.at.rowsLeft};
-#pragma GCC unroll 8
-    for (int32_t q = 0; q < periods; ++q)
-        s.x[q] = group.newest + q * sampleStep;
-    if constexpr (Sum::canBeMinusZero) {
-        takeRows<Sum, false>(bank, s, bank.taps, 0);
-        takeRows<Sum, true>(bank, s, group.rows - bank.taps,
-                            group.coefficient + int64_t{bank.taps} * bank.up);
-    } else {
-        takeRows<Sum, false>(bank, s, group.rows, 0);
+    const int64_t k = firstOutput - span.firstOutput;
+    if (k >= 0 && k + groupLanes <= span.count) {
+        __builtin_memcpy(output + k, sums, groupLanes * sizeof(float));
+        return;
     }
+    for (int64_t l = k < 0 ? -k : 0; l < groupLanes && k + l < span.count; ++l)
+        output[k + l] = sums[l];
+}
+
+template <class Sum, From from, int32_t groups>
+[[gnu::always_inline]] inline void sumGroups(const PolyphaseBank &bank, const OutputSpan &span,
+                                             const Group *group, float *output)
+{
+    Sums<from, groups> s = {{}, {}, {}, group[0].at.rowsLeft};
+    int64_t coefficients[Sums<from, groups>::banks];
 #pragma GCC unroll 8
-    for (int32_t q = 0; q < periods; ++q) {
+    for (int32_t g = 0; g < groups; ++g)
+        s.x[g] = group[g].newest;
+#pragma GCC unroll 8
+    for (int32_t b = 0; b < Sums<from, groups>::banks; ++b) {
+        s.coefs[b] = group[b].at.coefs;
+        coefficients[b] = group[b].coefficient + int64_t{bank.taps} * bank.up;
+    }
+    if constexpr (Sum::canBeMinusZero) {
+        takeRows<Sum, false>(bank, s, bank.taps, nullptr);
+        takeRows<Sum, true>(bank, s, bank.groupRows - bank.taps, coefficients);
+    } else {
+        takeRows<Sum, false>(bank, s, bank.groupRows, nullptr);
+    }
+    float sums[groups][groupLanes];
+#pragma GCC unroll 8
+    for (int32_t g = 0; g < groups; ++g) {
 #pragma GCC unroll 8
         for (int32_t v = 0; v < vectors; ++v)
-            store(output + q * outputStep + v * doubleLanes, narrow(s.sum[q][v]));
+            store(sums[g] + v * doubleLanes, narrow(s.sum[g][v]));
     }
+    for (int32_t g = 0; g < groups; ++g)
+        put(span, group[g].firstOutput, sums[g], output);
 }
 
-// `periods` as a constant.
-template <class Sum, int32_t most>
-[[gnu::always_inline]] inline void sumPeriods(const PolyphaseBank &bank, Group group, int64_t sampleStep,
-                                              float *output, int64_t outputStep, int64_t periods)
+// `count` as a constant.
+template <class Sum, From from, int32_t most>
+[[gnu::always_inline]] inline void sumAtOnce(const PolyphaseBank &bank, const OutputSpan &span,
+                                             const Group *group, int64_t count, float *output)
 {
     if constexpr (most > 1) {
-        if (periods < most) {
-            sumPeriods<Sum, most - 1>(bank, group, sampleStep, output, outputStep, periods);
+        if (count < most) {
+            sumAtOnce<Sum, from, most - 1>(bank, span, group, count, output);
             return;
         }
     }
-    sumGroups<Sum, narrowLanes, most>(bank, group, sampleStep, output, outputStep);
+    sumGroups<Sum, from, most>(bank, span, group, output);
 }
 
-// Groups of one period after the other, from output k on.
-template <class Sum, int32_t lanes>
-void sumInTurn(const PolyphaseBank &bank, const OutputSpan &span, float *output, int32_t k)
+template <class Sum> void sumSharing(const PolyphaseBank &bank, const OutputSpan &span, float *output)
 {
-    const Reach<lanes> reach(bank);
-    for (; k < span.count; k += lanes) {
-        const int32_t first = k <= span.count - lanes ? k : span.count - lanes;
-        const Group group = groupAt<lanes>(bank, span, reach, first);
-        if (first >= 0) {
-            sumGroups<Sum, lanes, 1>(bank, group, 0, output + first, 0);
-        } else {
-            float whole[lanes];
-            sumGroups<Sum, lanes, 1>(bank, group, 0, whole, 0);
-            for (int32_t i = 0; i < span.count; ++i)
-                output[i] = whole[i - first];
+    const int64_t samplesPerRound = int64_t{bank.round} / bank.up * bank.down;
+    const auto inRound = static_cast<int32_t>(span.firstOutput % bank.round);
+    const int64_t round = span.firstOutput - inRound;
+    for (int32_t number = 0; number < groupCount(bank); ++number) {
+        int32_t start = groupStart(bank, number);
+        if (start + groupLanes <= inRound) // to the first group that reaches into the span
+            start += bank.round;
+        Group group[mostSharing] = {groupAt(bank, span, number, round + start)};
+        int32_t left = (span.count - 1 - (start - inRound)) / bank.round + 1;
+        for (int32_t turns = (left + mostSharing - 1) / mostSharing; turns > 0; --turns) {
+            const int32_t count = left <= mostSharing ? left : (left + turns - 1) / turns;
+            for (int32_t g = 1; g < count; ++g) {
+                group[g].firstOutput = group[g - 1].firstOutput + bank.round;
+                group[g].newest = group[g - 1].newest + samplesPerRound;
+            }
+            if (comesRound(bank))
+                sumAtOnce<Sum, From::oneRound, mostSharing>(bank, span, group, count, output);
+            else
+                sumAtOnce<Sum, From::one, mostSharing>(bank, span, group, count, output);
+            group[0].firstOutput += count * int64_t{bank.round};
+            group[0].newest += count * samplesPerRound;
+            left -= count;
         }
+    }
+}
+
+template <class Sum> void sumSideBySide(const PolyphaseBank &bank, const OutputSpan &span, float *output)
+{
+    const int64_t end = span.firstOutput + span.count;
+    const int32_t groups = groupCount(bank);
+    const int32_t most = comesRound(bank) ? 1 : mostSideBySide; // each would come round at a place of its own
+    int64_t round = span.firstOutput / bank.round * bank.round;
+    auto number = static_cast<int32_t>((span.firstOutput - round) / groupLanes);
+    number = number < groups ? number : groups - 1;
+    int64_t n = round + groupStart(bank, number);
+    while (n < end) {
+        Group group[mostSideBySide] = {};
+        int32_t count = 0;
+        for (; count < most && n < end; ++count) {
+            group[count] = groupAt(bank, span, number, n);
+            if (++number == groups) {
+                number = 0;
+                round += bank.round;
+            }
+            n = round + groupStart(bank, number);
+        }
+        if (comesRound(bank))
+            sumGroups<Sum, From::oneRound, 1>(bank, span, group, output);
+        else
+            sumAtOnce<Sum, From::each, mostSideBySide>(bank, span, group, count, output);
     }
 }
 
 template <class Sum> void sumsOf(const PolyphaseBank &bank, const OutputSpan &span, float *output)
 {
-    if (bank.lanes < narrowLanes) {
+    if (!bank.isWide)
         Sum::plain()(bank, span, output);
-        return;
-    }
-    constexpr int32_t mostPeriods = doubleLanes; // eight vectors
-    const int32_t count = span.count;
-    const int64_t perRound = int64_t{mostPeriods} * bank.up;
-    const int64_t step = (count + perRound - 1) / perRound * bank.up;
-    if (step < narrowLanes || count < 2 * step) {
-        if (bank.lanes == wideLanes)
-            sumInTurn<Sum, wideLanes>(bank, span, output, 0);
-        else
-            sumInTurn<Sum, narrowLanes>(bank, span, output, 0);
-        return;
-    }
-    const Reach<narrowLanes> reach(bank);
-    const auto outputStep = static_cast<int32_t>(step);
-    const int64_t sampleStep = step / bank.up * bank.down;
-    int32_t first = 0;
-    Group next = groupAt<narrowLanes>(bank, span, reach, first);
-    for (int32_t k = 0; k < outputStep; k += narrowLanes) {
-        const Group group = next; // the next is found ahead, while this one is summed
-        const int32_t here = first;
-        first = k + narrowLanes <= outputStep - narrowLanes ? k + narrowLanes : outputStep - narrowLanes;
-        next = groupAt<narrowLanes>(bank, span, reach, first);
-        sumPeriods<Sum, mostPeriods>(bank, group, sampleStep, output + here, outputStep,
-                                     (count - narrowLanes - here) / outputStep + 1);
-    }
-    const int32_t inLastPeriods = count % outputStep;
-    sumInTurn<Sum, narrowLanes>(bank, span, output, count - inLastPeriods % narrowLanes);
+    else if (span.count < 2 * int64_t{bank.round})
+        sumSideBySide<Sum>(bank, span, output);
+    else
+        sumSharing<Sum>(bank, span, output);
 }
 
 using HalfBits [[gnu::vector_size(ORVA_VECTOR_BYTES / 2)]] = uint32_t;
