@@ -131,17 +131,25 @@ template <int32_t group, int32_t vectors>
 void runEdge(const Pass &pass, Registers<vectors> &r, HalfFloats (*y)[vectors], int64_t first,
              int64_t lastLag)
 {
+    Doubles start[vectors]; // the step in which a lane is at frame 0
+    for (int32_t i = 0; i < vectors * doubleLanes; ++i)
+        start[i / doubleLanes][i % doubleLanes] = stepsOfLag * (i / group);
     for (int64_t k = first; k < first + lastLag; ++k) {
-        const Registers<vectors> before = r;
         HalfFloats(&made)[vectors] = y[k % stepsOfLag];
-        step<group, vectors>(r, k < pass.frameCount ? take<group>(pass, k) : HalfFloats{}, made);
+        Doubles w1[vectors], w2[vectors];
+#pragma GCC unroll 4
         for (int32_t v = 0; v < vectors; ++v) {
-            Doubles n;
-            for (int32_t i = 0; i < doubleLanes; ++i)
-                n[i] = static_cast<double>(k - stepsOfLag * ((v * doubleLanes + i) / group));
+            w1[v] = r.w1[v];
+            w2[v] = r.w2[v];
+        }
+        step<group, vectors>(r, k < pass.frameCount ? take<group>(pass, k) : HalfFloats{}, made);
+        const auto now = allLanes<Doubles>(static_cast<double>(k));
+#pragma GCC unroll 4
+        for (int32_t v = 0; v < vectors; ++v) {
+            const Doubles n = now - start[v];
             const auto isFrame = (n >= 0.0) & (n < static_cast<double>(pass.frameCount));
-            r.w1[v] = isFrame ? r.w1[v] : before.w1[v];
-            r.w2[v] = isFrame ? r.w2[v] : before.w2[v];
+            r.w1[v] = isFrame ? r.w1[v] : w1[v];
+            r.w2[v] = isFrame ? r.w2[v] : w2[v];
         }
         if (k >= lastLag)
             give<group, vectors>(pass, k - lastLag, made[vectors - 1]);
