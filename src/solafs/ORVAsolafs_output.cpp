@@ -58,17 +58,27 @@ void readStretch(const ORVA_SOLAFS *solafs, int64_t first, float *out, int32_t c
     std::fill(out + end, out + count, 0.0f);
 }
 
+// The same where they lie, or in `room` if some of them are not held.
+const float *stretchAt(const ORVA_SOLAFS *solafs, int64_t first, float *room, int32_t count)
+{
+    const int64_t begin = slotOf(solafs, first);
+    if (begin >= 0 && begin + count <= slotsHeld(solafs))
+        return solafs->buffer + begin;
+    readStretch(solafs, first, room, count);
+    return room;
+}
+
 // Fades from the continuation in `overlap` into the stretch that ends at the match, and gives the hop to the caller.
 void fadeIn(ORVA_SOLAFS *solafs, float *data, int64_t offset)
 {
     const int32_t length = solafs->overlapLength;
     constexpr int32_t tile = 1024;
-    std::array<float, tile> next;
+    std::array<float, tile> room;
     for (int32_t start = 0; start < length; start += tile) {
         const int32_t count = std::min(tile, length - start);
-        readStretch(solafs, int64_t{solafs->matchPosition} - length + start, next.data(), count);
-        kernels<SolafsKernels>().crossFade(solafs->fadeRamp + start, next.data(), solafs->overlap + start,
-                                           count);
+        const int64_t first = int64_t{solafs->matchPosition} - length + start;
+        const float *next = stretchAt(solafs, first, room.data(), count);
+        kernels<SolafsKernels>().crossFade(solafs->fadeRamp + start, next, solafs->overlap + start, count);
     }
     const float *overlap = solafs->overlap;
     const int64_t stride = solafs->channelStride;
