@@ -104,7 +104,7 @@ TEST(SolafsKernels, NoiseOfEverySizeAndLevelHasTheWinnerOfThePlainForm)
 {
     Random random;
     const auto levels = support::fasterLevels();
-    for (int32_t round = 0; round < 1500 && !HasFailure(); ++round) {
+    for (int32_t round = 0; round < 600 && !HasFailure(); ++round) {
         const auto points = static_cast<int32_t>(round < 80 ? 1 + round : random.integer(1, 150));
         OwnSearch own(points, static_cast<int32_t>(random.integer(1, 500)));
         const auto length = static_cast<size_t>(own.length);

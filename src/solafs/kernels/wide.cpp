@@ -223,9 +223,10 @@ int32_t bestCandidate(const Search &search)
     const double power = powerOf(search.reference, search.points);
     if (power == 0.0) // silence, which correlates with nothing
         return 0;
+    const int64_t used = gridPerPoint * (search.points - 1) + search.candidates + block;
     for (int32_t copy = 1; copy < gridCopies; ++copy)
         __builtin_memcpy(search.grid + copy * search.gridRoom, search.grid + copy * gridPerPoint,
-                         static_cast<size_t>(search.gridRoom - copy * gridPerPoint) * sizeof(float));
+                         static_cast<size_t>(used - copy * gridPerPoint) * sizeof(float));
     sumEights(search);
     const float energy = estimateEnergies(search);
     estimateScores(search);
