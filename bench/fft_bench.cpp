@@ -1,16 +1,21 @@
-// The processors beside FFTW called alone on plans of the same kind, and powers and decibels beside plain
-// loops. Times are for a sample of the transform.
+// The processors beside FFTW called alone on plans of the same kind, and KISS FFT; powers and decibels beside plain loops,
+// and decibels beside SLEEF's logarithm alone, by vectors of each width; products beside a copy. Times
+// are for a sample of the transform, or for a product.
 #include "cases.h"
+#include "widths.h"
 
 #include <orva/ORVAcomplex.h>
 
 #include <algorithm>
 #include <cmath>
+#include <cstring>
+#include <kiss_fftr.h>
 
 namespace
 {
 
 using Processor = Owned<ORVA_FFT, ORVA_FFTProcDestroy>;
+using KissPlan = Owned<std::remove_pointer_t<kiss_fftr_cfg>, std::free>;
 
 struct Transform {
     explicit Transform(size_t N)
@@ -48,6 +53,12 @@ void addForward(size_t N)
         return [t = std::move(t), plan = std::move(plan)] {
             fftwf_execute_dft_r2c(plan.get(), t.samples.get(), complexOf(t.spectrum.get()));
         };
+    });
+    addCase(name + "/kiss", N, [=] {
+        return
+            [t = Transform(N), plan = KissPlan(kiss_fftr_alloc(static_cast<int>(N), 0, nullptr, nullptr))] {
+                kiss_fftr(plan.get(), t.samples.get(), reinterpret_cast<kiss_fft_cpx *>(t.spectrum.get()));
+            };
     });
 }
 
@@ -117,15 +128,47 @@ void addDecibels(size_t N)
                 t.result[k] = std::max(10.0f * std::log10(t.samples[k] * scale), -120.0f);
         };
     });
+    const auto addLogarithms = [&](const std::string &level, const Width &width) {
+        addCase(name + "/sleef " + level, N, [=, &width] {
+            return [N, t = powers(N), &width] {
+                width.logarithms(t.samples.get(), t.result.get(), (N / 2 + 16) / 16 * 16);
+            };
+        });
+    };
+    addLogarithms("baseline", baseline::width);
+#ifdef __x86_64__
+    if (orva::isAvailable(orva::Level::avx2))
+        addLogarithms("avx2", avx2::width);
+    if (orva::isAvailable(orva::Level::avx512))
+        addLogarithms("avx512", avx512::width);
+#endif
+}
+
+// The copy is of as many bytes as the result has.
+void addProducts(size_t count)
+{
+    const std::string name = "products, " + std::to_string(count);
+    addLevels(name, count, [=] {
+        return [count, a = Transform(2 * count), b = Transform(2 * count)] {
+            ORVA_ComplexVectorMultiply(a.bins(), b.bins(), reinterpret_cast<ORVA_COMPLEX *>(a.result.get()),
+                                       static_cast<int32_t>(count));
+        };
+    });
+    addCase(name + "/copy", count, [=] {
+        return [count, a = Transform(2 * count), b = Transform(2 * count)] {
+            std::memcpy(a.result.get(), a.samples.get(), count * sizeof(ORVA_COMPLEX));
+        };
+    });
 }
 
 const bool registered = [] {
-    for (size_t N : {64, 256, 480, 1024, 4096, 65536}) {
+    for (size_t N : {64, 256, 480, 1024, 4096, 8192, 65536}) {
         addForward(N);
         addInverse(N);
         addPower(N);
         addDecibels(N);
     }
+    addProducts(2048);
     return true;
 }();
 
