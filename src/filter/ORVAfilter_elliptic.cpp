@@ -68,9 +68,9 @@ int32_t _EllipticOrder(double, double ws, double Ap, double As)
 }
 
 // Of the order N and the attenuation Ap, with a = 10^(Ap / 20):
-//     Lambda = ln((a + 1) / (a - 1)) / (2 N)
-//     sigma  = 2 q^(1/4) sum(m >= 0) (-1)^m q^(m (m + 1)) sinh((2m + 1) Lambda)
-//              / (1 + 2 sum(m >= 1) (-1)^m q^(m m) cosh(2m Lambda))
+//     lambda = ln((a + 1) / (a - 1)) / (2 N)
+//     sigma  = 2 q^(1/4) sum(m >= 0) (-1)^m q^(m (m + 1)) sinh((2m + 1) lambda)
+//              / (1 + 2 sum(m >= 1) (-1)^m q^(m m) cosh(2m lambda))
 //     W      = sqrt((1 + k sigma^2) (1 + sigma^2 / k))
 // and for each pair i, with mu = i + 1 in an odd order and i + 1/2 in an even one:
 //     Om = the same quotient with sin and cos of (2m + 1) pi mu / N and 2m pi mu / N
@@ -89,9 +89,9 @@ int32_t _EllipticDesign(double, double ws, double Ap, double As, int32_t order, 
     const double k = 1.0 / ws;
     const double q = nome(k);
     const double a = std::pow(10.0, Ap * 0.05);
-    const double Lambda = (1.0 / (N + N)) * std::log((a + 1.0) / (a - 1.0));
-    const double sigma = seriesQuotient(oddSeries(q, [=](double n) { return std::sinh(n * Lambda); }),
-                                        evenSeries(q, [=](double n) { return std::cosh(n * Lambda); }), q);
+    const double lambda = (1.0 / (N + N)) * std::log((a + 1.0) / (a - 1.0));
+    const double sigma = seriesQuotient(oddSeries(q, [=](double n) { return std::sinh(n * lambda); }),
+                                        evenSeries(q, [=](double n) { return std::cosh(n * lambda); }), q);
     const double sa = std::abs(sigma);
     const double W = std::sqrt((1.0 + k * sa * sa) * (1.0 + sigma * sigma / k));
     const int32_t pairs = order / 2;

@@ -33,9 +33,9 @@ void directForm(_DFIIstate &state, const Frames &frames)
     const int64_t frameCount = (frames.last - frames.first) / frames.stride + 1;
     for (size_t channel = 0; channel < frames.channels;) {
         const size_t left = frames.channels - channel;
-        const int32_t lanes = lanesFor(left);
+        const int64_t lanes = lanesFor(left);
         const size_t channels = left < static_cast<size_t>(lanes) ? left : static_cast<size_t>(lanes);
-        runDirect({state, frames, frameCount, channel, static_cast<int32_t>(channels)}, lanes);
+        runDirect({state, frames, frameCount, channel, static_cast<int64_t>(channels)}, lanes);
         channel += channels;
     }
     const int64_t rows = int64_t{state.order} + 1;

@@ -44,7 +44,7 @@ double &memoryOf(const Pass &pass, int32_t group, int32_t lane, int64_t position
 {
     const auto slot = static_cast<size_t>((position + back) & 3);
     const size_t channel = pass.channel + static_cast<size_t>(lane % group);
-    const auto section = static_cast<size_t>(pass.section + lane / group);
+    const auto section = static_cast<size_t>(pass.section) + static_cast<size_t>(lane / group);
     const auto sections = static_cast<size_t>(pass.state.numBiquads);
     return pass.state.memory[(slot * pass.channelCount + channel) * sections + section];
 }
@@ -132,8 +132,10 @@ void runEdge(const Pass &pass, Registers<vectors> &r, HalfFloats (*y)[vectors], 
              int64_t lastLag)
 {
     Doubles start[vectors]; // the step in which a lane is at frame 0
-    for (int32_t i = 0; i < vectors * doubleLanes; ++i)
-        start[i / doubleLanes][i % doubleLanes] = stepsOfLag * (i / group);
+    for (int32_t i = 0; i < vectors * doubleLanes; ++i) {
+        const int32_t section = i / group;
+        start[i / doubleLanes][i % doubleLanes] = stepsOfLag * section;
+    }
     for (int64_t k = first; k < first + lastLag; ++k) {
         HalfFloats(&made)[vectors] = y[k % stepsOfLag];
         Doubles w1[vectors], w2[vectors];
