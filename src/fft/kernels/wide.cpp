@@ -111,17 +111,26 @@ const float *floatsOf(const ORVA_COMPLEX *values)
     return &values->re;
 }
 
+[[gnu::always_inline]] inline void storePowers(const ORVA_COMPLEX *bins, float *power)
+{
+    const auto low = load<Floats>(floatsOf(bins));
+    const auto high = load<Floats>(floatsOf(bins) + floatLanes);
+    const Floats re = evens(low, high);
+    const Floats im = odds(low, high);
+    store(power, re * re + im * im);
+}
+
 void powers(const ORVA_COMPLEX *bins, float *power, int32_t count)
 {
+    constexpr int32_t atOnce = 4 * floatLanes;
     int32_t k = 0;
-    for (; k <= count - floatLanes; k += floatLanes) {
-        const float *from = floatsOf(bins + k);
-        const auto low = load<Floats>(from);
-        const auto high = load<Floats>(from + floatLanes);
-        const Floats re = evens(low, high);
-        const Floats im = odds(low, high);
-        store(power + k, re * re + im * im);
+    for (; k <= count - atOnce; k += atOnce) {
+#pragma GCC unroll 4
+        for (int32_t v = 0; v < atOnce; v += floatLanes)
+            storePowers(bins + k + v, power + k + v);
     }
+    for (; k <= count - floatLanes; k += floatLanes)
+        storePowers(bins + k, power + k);
     kernelsAt<FftKernels, Level::plain>().powers(bins + k, power + k, count - k);
 }
 

@@ -14,10 +14,9 @@ constexpr int32_t binsPerVector = floatLanes / 2;
 //
 //     straight    a.re w.re   a.im w.re
 //     crossed     a.im w.im   a.re w.im      taken from the real parts, added to the imaginary ones
-[[gnu::always_inline]] inline Floats twiddled(const float *bins, const float *window, float s)
+[[gnu::always_inline]] inline Floats twiddled(Floats u, Floats w, float s)
 {
-    const Floats a = load<Floats>(bins) * s;
-    const auto w = load<Floats>(window);
+    const Floats a = u * s;
     return a * evensTwice(w) + withEvensNegated(exchanged(a) * oddsTwice(w));
 }
 
@@ -27,30 +26,43 @@ constexpr int32_t binsPerVector = floatLanes / 2;
     return afterFirstPair(v, next) + withEvensNegated(exchanged(v));
 }
 
-// Three vectors of bins give two of coefficients, whose parts are then separated; the third is the first of the next round.
+// The coefficients of the bins in v0 and v1, their parts separated. Of v2 only its first bin counts.
 //
 //     v0 = V[k] ..   v1   v2
 //     j v0 + (v0 v1 from V[k+1] on),  j v1 + (v1 v2 from their second on)   ->   real[k] .. , imag[k] ..
+[[gnu::always_inline]] inline void storeCoefficients(Floats v0, Floats v1, Floats v2, float *real,
+                                                     float *imag)
+{
+    const Floats low = combined(v0, v1);
+    const Floats high = combined(v1, v2);
+    store(real, evens(low, high));
+    store(imag, odds(low, high));
+}
+
+// Of the third vector at the end no more is read than counts. The last vectors end with the last coefficient; some are then
+// found twice.
 void coefficientsOf(const float *bins, const float *window, float *real, float *imag, int32_t M, float s)
 {
-    const int64_t last = static_cast<int64_t>(M) + 1 - (floatLanes + binsPerVector);
-    int64_t k = 0;
-    if (last >= 0) {
-        Floats v0 = twiddled(bins, window, s);
-        for (; k <= last; k += floatLanes) {
-            const float *from = bins + 2 * k;
-            const float *factors = window + 2 * k;
-            const Floats v1 = twiddled(from + floatLanes, factors + floatLanes, s);
-            const Floats v2 = twiddled(from + 2 * floatLanes, factors + 2 * floatLanes, s);
-            const Floats low = combined(v0, v1);
-            const Floats high = combined(v1, v2);
-            store(real + k, evens(low, high));
-            store(imag + k, odds(low, high));
-            v0 = v2;
-        }
+    if (M < floatLanes)
+        return kernelsAt<FmcltKernels, Level::plain>().coefficientsOf(bins, window, real, imag, M, s);
+    const auto twiddledAt = [=](int64_t k) {
+        return twiddled(load<Floats>(bins + 2 * k), load<Floats>(window + 2 * k), s);
+    };
+    int64_t start = 0;
+    Floats v0 = twiddledAt(0);
+    for (; start <= M + 1 - (floatLanes + binsPerVector); start += floatLanes) {
+        const Floats v1 = twiddledAt(start + binsPerVector);
+        const Floats v2 = twiddledAt(start + floatLanes);
+        storeCoefficients(v0, v1, v2, real + start, imag + start);
+        v0 = v2;
     }
-    kernelsAt<FmcltKernels, Level::plain>().coefficientsOf(bins + 2 * k, window + 2 * k, real + k, imag + k,
-                                                           static_cast<int32_t>(M - k), s);
+    const int64_t last = M - floatLanes;
+    for (; start < M; start += floatLanes) {
+        const int64_t k = start < last ? start : last;
+        const int64_t third = 2 * (k + floatLanes);
+        const Floats v2 = twiddled(loadPart<Floats>(bins + third, 2), loadPart<Floats>(window + third, 2), s);
+        storeCoefficients(twiddledAt(k), twiddledAt(k + binsPerVector), v2, real + k, imag + k);
+    }
 }
 
 // conj(w) (a + j b) of a vector of bins: (w.re a + w.im b, w.re b - w.im a).
@@ -60,11 +72,15 @@ void coefficientsOf(const float *bins, const float *window, float *real, float *
     return evensTwice(w) * ab + withOddsNegated(oddsTwice(w) * exchanged(ab));
 }
 
-// a and b are found with their parts apart, then brought into the order of the bins.
+// a and b are found with their parts apart, then brought into the order of the bins. The last vectors end with the last
+// bin; some are then found twice.
 void innerBinsOf(const float *real, const float *imag, const float *window, float *bins, int32_t M, float g)
 {
-    int64_t k = 1;
-    for (; k <= M - floatLanes; k += floatLanes) {
+    if (M <= floatLanes)
+        return kernelsAt<FmcltKernels, Level::plain>().innerBinsOf(real, imag, window, bins, M, g);
+    const int32_t last = M - floatLanes;
+    for (int32_t start = 1; start < M; start += floatLanes) {
+        const int64_t k = start < last ? start : last;
         const Floats a = load<Floats>(real + k - 1) + load<Floats>(imag + k);
         const Floats b = load<Floats>(imag + k - 1) - load<Floats>(real + k);
         const Floats low = untwiddled(interleavedLow(a, b), window + 2 * k);
@@ -72,10 +88,6 @@ void innerBinsOf(const float *real, const float *imag, const float *window, floa
         store(bins + 2 * k, low * 0.25f * g);
         store(bins + 2 * k + floatLanes, high * 0.25f * g);
     }
-    const int64_t before = k - 1;
-    kernelsAt<FmcltKernels, Level::plain>().innerBinsOf(real + before, imag + before, window + 2 * before,
-                                                        bins + 2 * before, static_cast<int32_t>(M - before),
-                                                        g);
 }
 
 bool isPowerOfTwo(double d)

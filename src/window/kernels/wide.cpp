@@ -72,7 +72,7 @@ template <int32_t count> [[gnu::always_inline]] inline Doubles nearlySum(const C
 //
 //     phases   p0 p1 p2 p3 | p4 p5 p6 p7 | ...
 //     low      float(sum - margin)              equal for nearly all: whatever lies between has that float too,
-//     high     float(sum + margin)              the sum that the platform's cosines give included
+//     high     float(sum + margin)              the sum of the platform's cosines included, which are right to 1e-14
 //
 // Where low and high part, the platform's cosines decide.
 template <int32_t terms> void fillOf(const CosineSum &sum, double step, float *w, uint32_t count)

@@ -45,9 +45,9 @@ struct Block {
     alignas(64) float inverseRoot[most];
 };
 
-// The products, half their powers p, and y near 1 / sqrt(p), off by less than 8e-7: from a guess that halves the exponent,
-// one of Newton's steps with factors fitted to that guess, and one as it is. False where a power is zero, not finite or so
-// low that its half is not exact.
+// The products, half their powers p, and y near 1 / sqrt(p), off by 5e-7 of it at most: from a guess that halves the exponent,
+// two of Newton's steps with factors fitted to the guess. False where a power is zero, not finite or so low that its half is
+// not exact.
 bool multiply(Block &block, int32_t bins, const ORVA_COMPLEX *X, const ORVA_COMPLEX *Y)
 {
     constexpr float least = 0x1p-125f;
@@ -66,22 +66,22 @@ bool multiply(Block &block, int32_t bins, const ORVA_COMPLEX *X, const ORVA_COMP
         store(block.re + k, re);
         store(block.im + k, im);
         store(block.halfPower + k, half);
-        store(block.inverseRoot + k, near * (1.5f - half * near * near));
+        store(block.inverseRoot + k, near * (1.50000036f - half * near * near));
         isGood &= (p >= least) & (p <= largest);
     }
     return all(isGood);
 }
 
-// The weight g / sqrt(p) is not found by a root and a quotient, which take long, but within 1e-12 of it:
+// The weight g / sqrt(p) is not found by a root and a quotient, which take long, but within 4e-13 of it:
 //
 //     1 / sqrt(p) = y (1 - e)^(-1/2) = y (1 + e / 2 + ...),   e = 1 - p y^2
 //
-// Each part is multiplied by a weight too small and by one too large by about as much. But for one in 30000 both give the
-// same float, which is then that of the exact weight as well. False where they do not.
+// Each part is multiplied by a weight too small and by one too large by a little more than that. But for one part in 60000
+// both give the same float, which is then that of the exact weight as well. False where they do not.
 bool weigh(const Block &block, int32_t bins, double g, ORVA_COMPLEX *output)
 {
-    const double below = g * (1.0 - 0x1p-40);
-    const double above = g * (1.0 + 0x1p-40);
+    const double below = g * (1.0 - 0x1p-41);
+    const double above = g * (1.0 + 0x1p-41);
     HalfInts isSame = HalfInts{} - 1;
     for (int32_t k = 0; k < bins; k += floatLanes) {
         HalfFloats newRe[2], newIm[2];
