@@ -13,5 +13,5 @@ void FilterBlockFloat(const double *denominator, const double *numerator, int32_
         std::fill_n(output, sampleCount, 0.0);
         return;
     }
-    kett::plain::filterBlock(denominator, numerator, coefficientCount, state1, input, output, sampleCount);
+    kett::wide::filterBlock(denominator, numerator, coefficientCount, state1, input, output, sampleCount);
 }

@@ -126,3 +126,33 @@ TEST(WideKernels, ConvertFromSixteenBitsLikeTheDefinition)
         EXPECT_TRUE(sameBits(wideOutput, plainOutput));
     });
 }
+
+// Every number of coefficients that is known, and those around; states and samples of any value, the state that
+// no sample changes too.
+TEST(WideKernels, FilterLikeTheDefinition)
+{
+    Random random;
+    for (int32_t coefficients = 1; coefficients <= 14; ++coefficients)
+        for (int32_t count = 0; count <= 100; count += 1 + count / 5) {
+            const auto length = static_cast<size_t>(coefficients);
+            std::vector<double> a(length), b(length), state(length + 1);
+            std::vector<float> input(static_cast<size_t>(count));
+            for (size_t k = 0; k < length; ++k) {
+                a[k] = random.real(-0.1, 0.1);
+                b[k] = random.real(-1.0, 1.0);
+            }
+            for (double &s : state)
+                s = static_cast<double>(count % 2 == 0 ? someFloat(random) : 0.0f);
+            for (float &x : input)
+                x = count % 3 == 0 ? someFloat(random) : static_cast<float>(random.real(-1.0, 1.0));
+            std::vector<double> output(input.size() + 1, 7.0), expected = output, expectedState = state;
+            plain::filterBlock(a.data(), b.data(), coefficients, expectedState.data(), input.data(),
+                               expected.data(), count);
+            wide::filterBlock(a.data(), b.data(), coefficients, state.data(), input.data(), output.data(),
+                              count);
+            ASSERT_TRUE(sameBits(output, expected))
+                << coefficients << " coefficients, " << count << " samples";
+            ASSERT_TRUE(sameBits(state, expectedState))
+                << coefficients << " coefficients, " << count << " samples";
+        }
+}

@@ -41,6 +41,8 @@ float largestMagnitude(const float *vector, int32_t count); // of findPeak()
 Peak findPeak(const float *vector, int32_t count);
 void toWord16(const float *input, int16_t *output, int32_t count);
 void fromWord16(const int16_t *input, float *output, int32_t count);
+void filterBlock(const double *denominator, const double *numerator, int32_t coefficientCount, double *state,
+                 const float *input, double *output, int32_t sampleCount);
 
 } // namespace wide
 
