@@ -116,9 +116,9 @@ typedef struct ORVA_RESAMPLER ORVA_RESAMPLER;
  *                        rates.
  *
  *  Memory: polyphase, with P = ceil((N + 1) / L), at most 2 (P + 1) L doubles of coefficients (5 M at an order
- *  of 1), in the order of the outputs that take them, and a delay line of P samples with room for as many again
- *  or for the longest block; up to 15 M / L samples more where outputs are computed side by side. Hold, the
- *  longest block of the higher rate. While a polyphase converter is made, the N + 1 doubles of its filter.
+ *  of 1), stored in the order of the outputs that take them, and a delay line of P + 7 M / L samples with room
+ *  for as many again, or for the longest block, and for 7 M / L more. Hold: the longest block of the higher
+ *  rate. While a polyphase converter is made, the N + 1 doubles of its filter as well.
  *
  *  Threads: any, at any time.   Real time: no (allocates, locks, and computes 3 N / 2 sines and cosines).
  *  Source: as above; F. J. Harris, "On the use of windows for harmonic analysis with the DFT", Proc. IEEE 66

@@ -79,7 +79,8 @@ Layout inGroups(int64_t length, int32_t L, int32_t M)
 Layout inRows(int64_t length, int32_t L, int32_t M, int32_t lanes)
 {
     const int64_t taps = quotientUp(length, L);
-    const int64_t pitch = (quotientUp(length, M) + lanes - 1 + 3 * quotientUp(L, M)) | 1;
+    const int64_t zeros = lanes - 1 + (lanes > 1 ? 2 : 1) * quotientUp(L, M); // a single output reaches L - 1
+    const int64_t pitch = (quotientUp(length, M) + zeros + quotientUp(L, M)) | 1;
     const bool single = M == 1;
     return {.bank = {.coefs = nullptr,
                      .pitch = single ? L : pitch,

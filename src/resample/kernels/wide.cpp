@@ -275,12 +275,27 @@ template <class Sum> void sumSideBySide(const PolyphaseBank &bank, const OutputS
 
 template <class Sum> void sumsOf(const PolyphaseBank &bank, const OutputSpan &span, float *output)
 {
-    if (!bank.isWide)
+    if (!bank.isWide) {
         Sum::plain()(bank, span, output);
-    else if (span.count < 2 * int64_t{bank.round})
-        sumSideBySide<Sum>(bank, span, output);
-    else
-        sumSharing<Sum>(bank, span, output);
+        return;
+    }
+    // In parts whose samples stay in the nearest cache. They end with a round, so that no group is cut.
+    constexpr int64_t samplesAtOnce = 2048;
+    const int64_t samplesPerRound = int64_t{bank.round} / bank.up * bank.down;
+    const int64_t turns = samplesAtOnce / samplesPerRound / mostSharing;
+    const int64_t length = (turns > 0 ? turns : 1) * mostSharing * bank.round;
+    for (int32_t done = 0; done < span.count;) {
+        const int64_t first = span.firstOutput + done;
+        const int64_t untilEnd = first / bank.round * bank.round + length - first;
+        const int32_t left = span.count - done;
+        const int32_t count = left < untilEnd ? left : static_cast<int32_t>(untilEnd);
+        const OutputSpan part = {span.samples, span.firstSample, first, count};
+        if (count < 2 * int64_t{bank.round})
+            sumSideBySide<Sum>(bank, part, output + done);
+        else
+            sumSharing<Sum>(bank, part, output + done);
+        done += count;
+    }
 }
 
 using HalfBits [[gnu::vector_size(ORVA_VECTOR_BYTES / 2)]] = uint32_t;
