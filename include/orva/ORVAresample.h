@@ -153,7 +153,7 @@ ORVA_API ORVA_RESAMPLER *ORVA_ResampleInit(int32_t inputRate, int32_t outputRate
  *  Real time: yes, if an earlier block was at least as long (a block longer than all before it may allocate);
  *  no lock or system call, no log except for a refusal; O(`count` + results * P), P = ceil((N + 1) / L), and once
  *  in P samples a copy of the delay line. Blocks with infinities or not-a-number, and those of the P samples
- *  after, take about ten times as long.
+ *  after, take about fifteen times as long.
  */
 ORVA_API int32_t ORVA_Resample(ORVA_RESAMPLER *handle, const float *input, float *output, int32_t count);
 
