@@ -1,11 +1,13 @@
 // One second of speech at 44.1 kHz, in blocks of 1024 samples: ours at each level, the definition in its plainest
-// form, and SoundTouch, whose overlap-add is of the same kind, at its own settings and with its quick seek.
+// form; SoundTouch, whose overlap-add is of the same kind, at its own settings and with its quick seek; and Rubber
+// Band, which works on spectra.
 // Times are for a sample of output.
 #include "cases.h"
 #include "solafs/ORVAsolafs_internal.h"
 #include "solafs/plain_scaler.h"
 #include "solafs/signals.h"
 
+#include <rubberband/RubberBandStretcher.h>
 #include <soundtouch/SoundTouch.h>
 
 #include <algorithm>
@@ -78,6 +80,22 @@ template <bool seeksQuickly> int64_t stretchBySoundTouch(const Samples &samples,
     return frames;
 }
 
+int64_t stretchByRubberBand(const Samples &samples, float speed)
+{
+    using RubberBand::RubberBandStretcher;
+    RubberBandStretcher scaler(rate, 1, RubberBandStretcher::OptionProcessRealTime,
+                               1.0 / static_cast<double>(speed));
+    Samples output(room);
+    int64_t frames = 0;
+    forEachBlock(samples, [&](const float *block, size_t count) {
+        scaler.process(&block, count, false);
+        float *const to = output.data();
+        const int available = std::clamp(scaler.available(), 0, room);
+        frames += static_cast<int64_t>(scaler.retrieve(&to, static_cast<size_t>(available)));
+    });
+    return frames;
+}
+
 // The time of all searches of a run: each is made once more, alone, on the record as its hop has left it.
 double searchSeconds(const Samples &samples, float speed)
 {
@@ -137,6 +155,7 @@ const bool registered = [] {
         add(name + "/definition", std::stof(speed), stretchPlainly);
         add(name + "/soundtouch", std::stof(speed), stretchBySoundTouch<false>);
         add(name + "/soundtouch quick", std::stof(speed), stretchBySoundTouch<true>);
+        add(name + "/rubberband", std::stof(speed), stretchByRubberBand);
     }
     return true;
 }();
