@@ -69,7 +69,7 @@ set_tests_properties(${@name@_TESTS} PROPERTIES
     LABELS "@labels@"
     ENVIRONMENT "@ARG_ENVIRONMENT@"
     FIXTURES_REQUIRED "@ARG_FIXTURES@"
-    TIMEOUT 300)
+    TIMEOUT 1200)
 ]])
     set_property(DIRECTORY APPEND PROPERTY TEST_INCLUDE_FILES ${properties})
 endfunction()

@@ -45,7 +45,7 @@ bool isAvailable(Level level)
 namespace
 {
 
-// Until this has been initialised, at load, it holds zero: the plain level, which always runs.
+// Zero before its initialisation at load, which is the plain level; that runs everywhere.
 std::atomic<Level> inForce = *std::find_if(allLevels.rbegin(), allLevels.rend(), isAvailable);
 
 } // namespace

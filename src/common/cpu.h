@@ -29,6 +29,7 @@ Level levelInForce();
 // For tests and benchmarks, while nothing else runs. False, with nothing changed, for a level that is not available.
 bool forceLevel(Level level);
 
+// Defined for no family here: the object of each level defines its own.
 template <class Kernels, Level level> const Kernels &kernelsAt();
 
 // The kernels of a family at a level that is available.

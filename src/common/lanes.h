@@ -4,6 +4,7 @@
 #pragma once
 
 #include <cstdint>
+#include <utility>
 
 namespace orva::ORVA_LEVEL
 {
@@ -57,255 +58,134 @@ template <class Vector, class Element> [[gnu::always_inline]] inline Vector allL
     return x - Vector{}; // not a sum: that would make -0 to 0
 }
 
-// Of the numbers x0 y0 x1 y1 ... in two vectors, those at even places, or those at odd ones; and back, the lower and the
-// upper half of the numbers. In one vector, each even one in the place of its neighbour too, each odd one, and neighbours
-// exchanged. Of the pairs in two vectors, as many as one holds from the second on. The grouped ones work on each four lanes
-// of two vectors by themselves, which is quicker, and undo each other. Two halves in one vector; a half with anything after it; the lower
-// of two vectors of doubles in one.
-#if ORVA_VECTOR_BYTES == 16
-[[gnu::always_inline]] inline Floats evens(Floats low, Floats high)
+// Lane i of the result is lane index(i) of the two vectors, those of `b` counted on after those of `a`; -1 stands for any.
+template <class Result, class Vector, class Index, int32_t... lane>
+[[gnu::always_inline]] inline Result permutedLanes(Vector a, Vector b, Index index,
+                                                   std::integer_sequence<int32_t, lane...>)
 {
-    return __builtin_shufflevector(low, high, 0, 2, 4, 6);
+    return __builtin_shufflevector(a, b, index(lane)...);
 }
 
-[[gnu::always_inline]] inline Floats odds(Floats low, Floats high)
+template <class Result, class Vector, class Index>
+[[gnu::always_inline]] inline Result permuted(Vector a, Vector b, Index index)
 {
-    return __builtin_shufflevector(low, high, 1, 3, 5, 7);
+    constexpr int32_t lanes = sizeof(Result) / sizeof(a[0]);
+    return permutedLanes<Result>(a, b, index, std::make_integer_sequence<int32_t, lanes>());
 }
 
-[[gnu::always_inline]] inline Floats evensTwice(Floats x)
+// Both lower halves, both upper halves.
+[[gnu::always_inline]] inline Floats lowerHalves(Floats a, Floats b)
 {
-    return __builtin_shufflevector(x, x, 0, 0, 2, 2);
+    return permuted<Floats>(a, b, [](int32_t i) { return i < floatLanes / 2 ? i : i + floatLanes / 2; });
 }
 
-[[gnu::always_inline]] inline Floats oddsTwice(Floats x)
+[[gnu::always_inline]] inline Floats upperHalves(Floats a, Floats b)
 {
-    return __builtin_shufflevector(x, x, 1, 1, 3, 3);
+    return permuted<Floats>(
+        a, b, [](int32_t i) { return i < floatLanes / 2 ? i + floatLanes / 2 : i + floatLanes; });
 }
 
-[[gnu::always_inline]] inline Floats exchanged(Floats x)
-{
-    return __builtin_shufflevector(x, x, 1, 0, 3, 2);
-}
-
-[[gnu::always_inline]] inline Floats interleavedLow(Floats even, Floats odd)
-{
-    return __builtin_shufflevector(even, odd, 0, 4, 1, 5);
-}
-
-[[gnu::always_inline]] inline Floats interleavedHigh(Floats even, Floats odd)
-{
-    return __builtin_shufflevector(even, odd, 2, 6, 3, 7);
-}
-
-[[gnu::always_inline]] inline Floats afterFirstPair(Floats low, Floats high)
-{
-    return __builtin_shufflevector(low, high, 2, 3, 4, 5);
-}
-
+// Of the numbers x0 y0 x1 y1 ... in each four lanes of two vectors, the even and the odd ones; and back. Quicker than the
+// same over whole vectors, and they undo each other.
 [[gnu::always_inline]] inline Floats groupedEvens(Floats low, Floats high)
 {
-    return __builtin_shufflevector(low, high, 0, 2, 4, 6);
+    return permuted<Floats>(low, high,
+                            [](int32_t i) { return i / 4 * 4 + i % 2 * 2 + i % 4 / 2 * floatLanes; });
 }
 
 [[gnu::always_inline]] inline Floats groupedOdds(Floats low, Floats high)
 {
-    return __builtin_shufflevector(low, high, 1, 3, 5, 7);
+    return permuted<Floats>(low, high,
+                            [](int32_t i) { return i / 4 * 4 + i % 2 * 2 + i % 4 / 2 * floatLanes + 1; });
 }
 
 [[gnu::always_inline]] inline Floats groupedLow(Floats even, Floats odd)
 {
-    return __builtin_shufflevector(even, odd, 0, 4, 1, 5);
+    return permuted<Floats>(even, odd, [](int32_t i) { return i / 4 * 4 + i % 4 / 2 + i % 2 * floatLanes; });
 }
 
 [[gnu::always_inline]] inline Floats groupedHigh(Floats even, Floats odd)
 {
-    return __builtin_shufflevector(even, odd, 2, 6, 3, 7);
+    return permuted<Floats>(even, odd,
+                            [](int32_t i) { return i / 4 * 4 + i % 4 / 2 + i % 2 * floatLanes + 2; });
 }
 
-[[gnu::always_inline]] inline Floats joined(HalfFloats lower, HalfFloats upper)
-{
-    return __builtin_shufflevector(lower, upper, 0, 1, 2, 3);
-}
-
-[[gnu::always_inline]] inline Floats joinedWithAny(HalfFloats lower)
-{
-    return __builtin_shufflevector(lower, lower, 0, 1, -1, -1);
-}
-
-[[gnu::always_inline]] inline Doubles lowerOfTwo(TwiceAsMany x)
-{
-    return __builtin_shufflevector(x, x, 0, 1);
-}
-#elif ORVA_VECTOR_BYTES == 32
-// Where two steps stand, each is one instruction; in one step GCC takes three.
-[[gnu::always_inline]] inline Floats lowerHalves(Floats low, Floats high)
-{
-    return __builtin_shufflevector(low, high, 0, 1, 2, 3, 8, 9, 10, 11);
-}
-
-[[gnu::always_inline]] inline Floats upperHalves(Floats low, Floats high)
-{
-    return __builtin_shufflevector(low, high, 4, 5, 6, 7, 12, 13, 14, 15);
-}
-
+// Of the numbers x0 y0 x1 y1 ... in two vectors, those at even places and those at odd ones. With eight lanes in two steps,
+// each of them one instruction; in one step GCC takes three.
 [[gnu::always_inline]] inline Floats evens(Floats low, Floats high)
 {
-    return __builtin_shufflevector(lowerHalves(low, high), upperHalves(low, high), 0, 2, 8, 10, 4, 6, 12, 14);
+    if constexpr (floatLanes == 8)
+        return groupedEvens(lowerHalves(low, high), upperHalves(low, high));
+    return permuted<Floats>(low, high, [](int32_t i) { return 2 * i; });
 }
 
 [[gnu::always_inline]] inline Floats odds(Floats low, Floats high)
 {
-    return __builtin_shufflevector(lowerHalves(low, high), upperHalves(low, high), 1, 3, 9, 11, 5, 7, 13, 15);
+    if constexpr (floatLanes == 8)
+        return groupedOdds(lowerHalves(low, high), upperHalves(low, high));
+    return permuted<Floats>(low, high, [](int32_t i) { return 2 * i + 1; });
 }
 
-[[gnu::always_inline]] inline Floats evensTwice(Floats x)
-{
-    return __builtin_shufflevector(x, x, 0, 0, 2, 2, 4, 4, 6, 6);
-}
-
-[[gnu::always_inline]] inline Floats oddsTwice(Floats x)
-{
-    return __builtin_shufflevector(x, x, 1, 1, 3, 3, 5, 5, 7, 7);
-}
-
-[[gnu::always_inline]] inline Floats exchanged(Floats x)
-{
-    return __builtin_shufflevector(x, x, 1, 0, 3, 2, 5, 4, 7, 6);
-}
-
+// The numbers of two vectors in turn: the lower and the upper half of x0 y0 x1 y1 ...
 [[gnu::always_inline]] inline Floats interleavedLow(Floats even, Floats odd)
 {
-    return __builtin_shufflevector(even, odd, 0, 8, 1, 9, 2, 10, 3, 11);
+    return permuted<Floats>(even, odd, [](int32_t i) { return i / 2 + i % 2 * floatLanes; });
 }
 
 [[gnu::always_inline]] inline Floats interleavedHigh(Floats even, Floats odd)
 {
-    return __builtin_shufflevector(even, odd, 4, 12, 5, 13, 6, 14, 7, 15);
+    return permuted<Floats>(even, odd, [](int32_t i) { return i / 2 + i % 2 * floatLanes + floatLanes / 2; });
 }
 
-[[gnu::always_inline]] inline Floats afterFirstPair(Floats low, Floats high)
-{
-    const Floats middle = __builtin_shufflevector(low, high, 4, 5, 6, 7, 8, 9, 10, 11);
-    return __builtin_shufflevector(low, middle, 2, 3, 8, 9, 6, 7, 12, 13);
-}
-
-[[gnu::always_inline]] inline Floats groupedEvens(Floats low, Floats high)
-{
-    return __builtin_shufflevector(low, high, 0, 2, 8, 10, 4, 6, 12, 14);
-}
-
-[[gnu::always_inline]] inline Floats groupedOdds(Floats low, Floats high)
-{
-    return __builtin_shufflevector(low, high, 1, 3, 9, 11, 5, 7, 13, 15);
-}
-
-[[gnu::always_inline]] inline Floats groupedLow(Floats even, Floats odd)
-{
-    return __builtin_shufflevector(even, odd, 0, 8, 1, 9, 4, 12, 5, 13);
-}
-
-[[gnu::always_inline]] inline Floats groupedHigh(Floats even, Floats odd)
-{
-    return __builtin_shufflevector(even, odd, 2, 10, 3, 11, 6, 14, 7, 15);
-}
-
-[[gnu::always_inline]] inline Floats joined(HalfFloats lower, HalfFloats upper)
-{
-    return __builtin_shufflevector(lower, upper, 0, 1, 2, 3, 4, 5, 6, 7);
-}
-
-[[gnu::always_inline]] inline Floats joinedWithAny(HalfFloats lower)
-{
-    return __builtin_shufflevector(lower, lower, 0, 1, 2, 3, -1, -1, -1, -1);
-}
-
-[[gnu::always_inline]] inline Doubles lowerOfTwo(TwiceAsMany x)
-{
-    return __builtin_shufflevector(x, x, 0, 1, 2, 3);
-}
-#else
-[[gnu::always_inline]] inline Floats evens(Floats low, Floats high)
-{
-    return __builtin_shufflevector(low, high, 0, 2, 4, 6, 8, 10, 12, 14, 16, 18, 20, 22, 24, 26, 28, 30);
-}
-
-[[gnu::always_inline]] inline Floats odds(Floats low, Floats high)
-{
-    return __builtin_shufflevector(low, high, 1, 3, 5, 7, 9, 11, 13, 15, 17, 19, 21, 23, 25, 27, 29, 31);
-}
-
+// Each even number in the place of its neighbour too; each odd one; neighbours exchanged.
 [[gnu::always_inline]] inline Floats evensTwice(Floats x)
 {
-    return __builtin_shufflevector(x, x, 0, 0, 2, 2, 4, 4, 6, 6, 8, 8, 10, 10, 12, 12, 14, 14);
+    return permuted<Floats>(x, x, [](int32_t i) { return i / 2 * 2; });
 }
 
 [[gnu::always_inline]] inline Floats oddsTwice(Floats x)
 {
-    return __builtin_shufflevector(x, x, 1, 1, 3, 3, 5, 5, 7, 7, 9, 9, 11, 11, 13, 13, 15, 15);
+    return permuted<Floats>(x, x, [](int32_t i) { return i / 2 * 2 + 1; });
 }
 
 [[gnu::always_inline]] inline Floats exchanged(Floats x)
 {
-    return __builtin_shufflevector(x, x, 1, 0, 3, 2, 5, 4, 7, 6, 9, 8, 11, 10, 13, 12, 15, 14);
+    return permuted<Floats>(x, x, [](int32_t i) { return i % 2 == 0 ? i + 1 : i - 1; });
 }
 
-[[gnu::always_inline]] inline Floats interleavedLow(Floats even, Floats odd)
-{
-    return __builtin_shufflevector(even, odd, 0, 16, 1, 17, 2, 18, 3, 19, 4, 20, 5, 21, 6, 22, 7, 23);
-}
-
-[[gnu::always_inline]] inline Floats interleavedHigh(Floats even, Floats odd)
-{
-    return __builtin_shufflevector(even, odd, 8, 24, 9, 25, 10, 26, 11, 27, 12, 28, 13, 29, 14, 30, 15, 31);
-}
-
+// Of the pairs in two vectors, as many as one holds, from the second pair on. Two steps as above.
 [[gnu::always_inline]] inline Floats afterFirstPair(Floats low, Floats high)
 {
-    return __builtin_shufflevector(low, high, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12, 13, 14, 15, 16, 17);
+    if constexpr (floatLanes == 8) {
+        const Floats middle = permuted<Floats>(low, high, [](int32_t i) { return i + 4; });
+        return permuted<Floats>(low, middle,
+                                [](int32_t i) { return i % 4 < 2 ? i + 2 : i / 4 * 4 + i % 2 + floatLanes; });
+    }
+    return permuted<Floats>(low, high, [](int32_t i) { return i + 2; });
 }
 
-[[gnu::always_inline]] inline Floats groupedEvens(Floats low, Floats high)
-{
-    return __builtin_shufflevector(low, high, 0, 2, 16, 18, 4, 6, 20, 22, 8, 10, 24, 26, 12, 14, 28, 30);
-}
-
-[[gnu::always_inline]] inline Floats groupedOdds(Floats low, Floats high)
-{
-    return __builtin_shufflevector(low, high, 1, 3, 17, 19, 5, 7, 21, 23, 9, 11, 25, 27, 13, 15, 29, 31);
-}
-
-[[gnu::always_inline]] inline Floats groupedLow(Floats even, Floats odd)
-{
-    return __builtin_shufflevector(even, odd, 0, 16, 1, 17, 4, 20, 5, 21, 8, 24, 9, 25, 12, 28, 13, 29);
-}
-
-[[gnu::always_inline]] inline Floats groupedHigh(Floats even, Floats odd)
-{
-    return __builtin_shufflevector(even, odd, 2, 18, 3, 19, 6, 22, 7, 23, 10, 26, 11, 27, 14, 30, 15, 31);
-}
-
+// Two halves in one vector; a half with anything after it.
 [[gnu::always_inline]] inline Floats joined(HalfFloats lower, HalfFloats upper)
 {
-    return __builtin_shufflevector(lower, upper, 0, 1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12, 13, 14, 15);
+    return permuted<Floats>(lower, upper, [](int32_t i) { return i; });
 }
 
 [[gnu::always_inline]] inline Floats joinedWithAny(HalfFloats lower)
 {
-    return __builtin_shufflevector(lower, lower, 0, 1, 2, 3, 4, 5, 6, 7, -1, -1, -1, -1, -1, -1, -1, -1);
+    return permuted<Floats>(lower, lower, [](int32_t i) { return i < floatLanes / 2 ? i : -1; });
 }
 
+// The lower of two vectors of doubles in one.
 [[gnu::always_inline]] inline Doubles lowerOfTwo(TwiceAsMany x)
 {
-    return __builtin_shufflevector(x, x, 0, 1, 2, 3, 4, 5, 6, 7);
+    return permuted<Doubles>(x, x, [](int32_t i) { return i; });
 }
-#endif
 
 // The even or the odd lanes negated: a sum with one is the difference, to the bit.
 [[gnu::always_inline]] inline Floats withEvensNegated(Floats x)
 {
-    return reinterpret_cast<Floats>(reinterpret_cast<PairBits>(x) ^
-                                    0x80000000u); // the even lane is the lower half
+    // The even lane is the lower half of a pair.
+    return reinterpret_cast<Floats>(reinterpret_cast<PairBits>(x) ^ 0x80000000u);
 }
 
 [[gnu::always_inline]] inline Floats withOddsNegated(Floats x)

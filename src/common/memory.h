@@ -8,8 +8,8 @@
 namespace orva
 {
 
-// `count` zeroed elements for std::free; null only when memory is out, so that no element is no failure. Overflow counts
-// as memory that is out.
+// `count` zeroed elements for std::free. A count of 0 gives a block, too, so that null means that memory is out; a size that
+// overflows counts as that.
 template <class Element> Element *newZeroed(size_t count)
 {
     return static_cast<Element *>(std::calloc(count > 0 ? count : 1, sizeof(Element)));

@@ -15,7 +15,7 @@ constexpr int32_t spectrumBins(int32_t length)
     return length / 2 + 1;
 }
 
-// The least complex values of a work array: powers are computed in groups of four.
+// The fewest values that a complex work array holds: powers are computed in groups of four.
 inline constexpr int32_t leastWorkLength = 4;
 
 } // namespace orva

@@ -12,7 +12,7 @@ namespace orva
 namespace
 {
 
-// Uses of the library; zero or below means that it is down. Plain on purpose: load and unload are serialised by the
+// Uses of the library; zero or below means that it is down. Deliberately plain: load and unload are serialised by the
 // loader, and hosts call from one thread at a time.
 int32_t __IsInitialized = 0;
 

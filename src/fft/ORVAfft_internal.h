@@ -20,7 +20,7 @@ namespace orva
 {
 
 // The one lock around FFTW's planner: plan creation, plan destruction, wisdom import and export. Another
-// family takes it where the handle is not null, and never creates or destroys it.
+// family locks it if it is not null, and never creates or destroys it.
 extern KT_MUTEX *__FFTW_PlanLock;
 
 extern KT_THREAD *__FFTW_InitThread; // the preparation, null when none was started or it has been collected

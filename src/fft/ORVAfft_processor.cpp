@@ -7,6 +7,7 @@
 
 #include <kett/KTdebug.h>
 #include <kett/KTvector.h>
+#include <orva/ORVAcomplex.h>
 
 #include <algorithm>
 #include <cstdlib>
@@ -37,8 +38,7 @@ int32_t groupedCount(const ORVA_FFT *fft)
 // heap held reaches the output.
 ORVA_COMPLEX *newWorkArray(const ORVA_FFT *fft)
 {
-    const auto size = static_cast<size_t>(std::max(fft->length, leastWorkLength));
-    auto *work = static_cast<ORVA_COMPLEX *>(fftwf_malloc(size * sizeof(ORVA_COMPLEX)));
+    ORVA_COMPLEX *work = ORVA_CreateComplexVector(fft);
     if (work != nullptr)
         std::fill(work + spectrumBins(fft->length), work + groupedCount(fft), ORVA_COMPLEX{});
     return work;
@@ -71,7 +71,7 @@ int32_t ORVA_FFTProcExecute(const ORVA_FFT *fft, const float *input, ORVA_COMPLE
 
 int32_t ORVA_IFFTProcExecuteEx(const ORVA_FFT *fft, ORVA_COMPLEX *input, float *output, bool normalise)
 {
-    // The message names the operation without its ending, on purpose: hosts look for it.
+    // The message names the operation without its ending, deliberately: hosts look for it.
     if (static_cast<const void *>(output) == input)
         KTDEBUG_TerminalError(-1, "ORVA_IFFTProcExecute: Input and output vectors must be different!");
     if (!canExecute(fft) || input == nullptr || output == nullptr)
@@ -93,7 +93,7 @@ int32_t ORVA_FFTProcExecutePSDEx(const ORVA_FFT *fft, const float *input, float 
     transform(fft, input, bins);
     kernels<FftKernels>().powers(bins, power, groupedCount(fft));
     if (work == nullptr)
-        fftwf_free(bins);
+        ORVA_DestroyComplexVector(bins);
     return spectrumBins(fft->length);
 }
 

@@ -5,6 +5,8 @@
 #include <cstddef>
 #include <cstdlib>
 
+namespace orva
+{
 namespace
 {
 
@@ -12,7 +14,7 @@ int formatInto(char *room, size_t size, const char *format, va_list arguments)
 {
     va_list copy;
     va_copy(copy, arguments);
-    const int length = orva::formatInCLocale(room, size, format, copy);
+    const int length = formatInCLocale(room, size, format, copy);
     va_end(copy);
     return length;
 }
@@ -35,3 +37,5 @@ char *newFormattedText(const char *format, va_list arguments)
     std::free(text);
     return nullptr;
 }
+
+} // namespace orva

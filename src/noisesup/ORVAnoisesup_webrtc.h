@@ -22,6 +22,11 @@ void WebRtcSpl_SynthesisQMF(const int16_t *low, const int16_t *high, size_t band
                             int32_t *filterState1, int32_t *filterState2);
 }
 
+namespace orva
+{
+
 // Creation and destruction in the form of the other calls: 0 is success.
 int createNs(NsHandle **ns);
 int freeNs(NsHandle *ns);
+
+} // namespace orva

@@ -1,4 +1,3 @@
-#include "common/numbers.h"
 #include "fft/kernels/ORVAfft_kernels.h"
 #include "fft/kernels/logarithm.h"
 
