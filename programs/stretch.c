@@ -25,7 +25,7 @@ enum { frameMs = 20, mostChannels = 1024 };
 static ORVA_SOLAFS *scalers[mostChannels]; /* one a channel; all take and give the same number of frames */
 static Envelope before, after;             /* outlines of what went in and what came out */
 
-/* Sends the sound through, block by block, and behind it the silence that brings out its tail. */
+/* Sends the sound through, block by block, and after it the silence that brings out its tail. */
 static bool stretch(Sound *input, const Schedule *speeds, SoundOutput *output)
 {
     const int rate = input->info.samplerate;
@@ -40,7 +40,7 @@ static bool stretch(Sound *input, const Schedule *speeds, SoundOutput *output)
     while (done && position < all) {
         int64_t count = all - position < block ? all - position : block;
         const float speed = scheduleAt(speeds, position, rate, &count);
-        soundRead(input, 0, in, count); /* zeros behind its end */
+        soundRead(input, 0, in, count); /* zeros after its end */
         int32_t taken = 0;
         int32_t written = 0;
         for (int c = 0; c < channels; ++c) {

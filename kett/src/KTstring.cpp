@@ -43,7 +43,10 @@ int32_t KTSTRING_GetStringValueFromString(const char *config, const char *key, c
     if (findPair(config, key, pair)) {
         text = pair.value.substr(0, room);
     } else if (defaultValue != nullptr) {
-        text = {defaultValue, strnlen(defaultValue, room)};
+        size_t length = 0;
+        while (length < room && defaultValue[length] != '\0')
+            ++length;
+        text = {defaultValue, length};
     } else {
         return 0;
     }

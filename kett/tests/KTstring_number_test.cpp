@@ -10,18 +10,23 @@
 
 using support::sameBits;
 
+namespace
+{
+
 // A pair with this value, among others.
-static std::string pairOf(const std::string &value)
+std::string pairOf(const std::string &value)
 {
     return "b=7;a=" + value + ";c=8";
 }
 
-static const char *const notNumbers[] = {
+const char *const notNumbers[] = {
     "x",        "5x",    "x5",     "-",      "+",       ".",       "-.",     "e5",    "1e",  "1e+",
     "1e5.0",    "1e.5",  "1.2.3",  "+-5",    "--5",     "- 5",     "0x10",   "0x1p3", "1p3", "0b1",
     "inf",      "-inf",  "nan",    "NAN(1)", "1f",      "1d5",     "1_000",  "1'000", "$5",  "5%",
     "=5",       "5=",    "1\x80",  "\"\"",   "\"5x\"",  "[5]",     "[1 2]",  "[[5]]", "[]",  "\"[5]\"",
     "infinity", "1e5e5", "\" 5\"", "\"5 \"", "\"5 6\"", "\"5,0\"", "\"\t5\""};
+
+} // namespace
 
 TEST(ConfigInteger, ReadsItsWholeWordAndCutsTowardZero)
 {

@@ -90,7 +90,7 @@ TEST(ConfigText, BlanksMayStandAroundTheEqualsSign)
     });
 }
 
-TEST(ConfigText, NothingButASeparatorBehindTheEqualsSignIsNoPair)
+TEST(ConfigText, NothingButASeparatorAfterTheEqualsSignIsNoPair)
 {
     check({
         {"type=; order=4", "type", nullptr},

@@ -87,7 +87,7 @@ TEST(CompareInsensitiveN, ComparesUpToTheCountAndTheTerminatingNull)
             << row.count;
 }
 
-TEST(CompareInsensitiveN, ReadsNothingBehindTheTerminatingNull)
+TEST(CompareInsensitiveN, ReadsNothingAfterTheTerminatingNull)
 {
     const char first[] = "ab\0x";
     const char second[] = "AB\0y";

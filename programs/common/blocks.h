@@ -13,13 +13,13 @@ typedef struct {
 
 typedef struct {
     int32_t length; /* frames in a block; the last one is filled up with zeros */
-    int64_t delay;  /* frames by which what comes out lies behind what goes in */
+    int64_t delay;  /* frames by which what comes out lies after what goes in */
     int64_t state;  /* floats that a channel needs from one block to the next */
     void (*run)(void *context, Block *one);
     void *context;
 } BlockProcess;
 
-/* Sends all of input through and writes as many frames as it has: zeros behind its end bring out the last of
+/* Sends all of input through and writes as many frames as it has: zeros after its end bring out the last of
    the sound, and the first delay frames are left out. */
 bool blocksRun(Sound *input, SoundOutput *output, const BlockProcess *process);
 

@@ -16,7 +16,7 @@ typedef struct {
    then the result is false. */
 bool conversionBegin(Conversion *c, const Sound *input, int rate, const char *config);
 
-/* Sends the sound through, block by block, and behind it as much of the filter's tail as belongs to it. */
+/* Sends the sound through, block by block, and after it as much of the filter's tail as belongs to it. */
 bool conversionRun(const Conversion *c, Sound *input, SoundOutput *output);
 
 /* All zero is one that was not begun. */

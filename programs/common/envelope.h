@@ -20,7 +20,7 @@ typedef struct {
 void envelopeAdd(Envelope *outline, const float *samples, int64_t frames, int channels);
 
 /* Draws an outline in a panel of its own, whose axes reach to these seconds and as far as its greatest value;
-   what lies behind is left out. The label is that of the vertical axis. */
+   what lies after it is left out. The label is that of the vertical axis. */
 void envelopeDraw(const Envelope *outline, Plot *picture, int panel, int rate, double seconds,
                   const char *label);
 

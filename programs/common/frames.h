@@ -18,7 +18,7 @@ typedef struct {
 /* Reads input, which is at its start, by frames of size samples. */
 Frames framesBegin(Sound *input, int channel, int32_t size, int32_t hop);
 
-/* Writes the next frame, size samples; false behind the last. */
+/* Writes the next frame, size samples; false after the last. */
 bool framesNext(Frames *reader, float *frame);
 
 /* Where the stretch begins and ends for which the frame just read speaks, 0 and 1 being the ends of the file:

@@ -27,7 +27,7 @@ static size_t sequence(const unsigned char *text)
     return bad ? 0 : length;
 }
 
-/* A copy that Cairo accepts, with room behind it for an ellipsis. */
+/* A copy that Cairo accepts, with room after it for an ellipsis. */
 static char *clean(const char *text)
 {
     char *copy = allocate(strlen(text) * strlen(replacement) + sizeof ellipsis, 1);

@@ -55,7 +55,8 @@ ORVA_RESAMPLER *ORVA_ResampleInit(int32_t inputRate, int32_t outputRate, const c
     constexpr size_t configBytes = 256;
     std::array<char, configBytes + 1> lowered{}; // cut text ends in a zero, too
     if (config != nullptr)
-        std::memcpy(lowered.data(), config, strnlen(config, configBytes));
+        for (size_t i = 0; i < configBytes && config[i] != '\0'; ++i)
+            lowered[i] = config[i];
     KTSTRING_Strlwr(lowered.data(), 0);
 
     if (isPolyphase(lowered.data())) {

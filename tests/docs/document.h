@@ -4,12 +4,12 @@
 //   c, cpp       a program, compiled and run. A C block without a main is a fragment: it stands in the main of
 //                fragment.c, with what is declared there.
 //   sh           commands, run in a folder that holds the named files of the document
-//   console      commands behind "$ " that no test can run, since they need root, packages or a whole build: what they
+//   console      commands after "$ " that no test can run, since they need root, packages or a whole build: what they
 //                name has to be there
 //   cmake, make  files that the commands need
 //   text         what the program or the commands right before it write, where "..." stands for any text within a line;
 //                anything else elsewhere
-// A fragment without such a text writes what stands in comments behind its printf lines, a line each.
+// A fragment without such a text writes what stands in comments after its printf lines, a line each.
 // A line above a block that ends in "`name`:" names the file that the block is saved as. A named program is not run by
 // itself, but by the document's commands. One that ends in "[name.c](../examples/name.c):" says that the block is that
 // file; the tests of the examples run it.
@@ -68,7 +68,7 @@ inline std::string faultOf(const Block &block)
     return "";
 }
 
-// The comments behind the printf lines of a fragment.
+// The comments after the printf lines of a fragment.
 inline std::string commentsOf(const std::string &fragment)
 {
     static const std::regex line(R"( *printf\(.*\); +/\* (.*) \*/\n)");

@@ -102,7 +102,7 @@ TEST(Document, ShowsFilesThatItDoesNotRun)
     EXPECT_FALSE(document.blocks[0].isRun());
 }
 
-TEST(Document, FragmentsWriteTheCommentsBehindTheirPrintfs)
+TEST(Document, FragmentsWriteTheCommentsAfterTheirPrintfs)
 {
     const std::string code =
         "int x = 1; /* one */\nprintf(\"%d\\n\", x);  /* 1 */\nprintf(\"b\\n\"); /* b */\n";

@@ -26,7 +26,7 @@ std::vector<std::string> pictures()
     return stemsIn("docs/images", ".png");
 }
 
-// What all files of a folder with an extension hold, one behind the other.
+// What all files of a folder with an extension hold, one after the other.
 std::string textOf(const char *folder, const char *extension)
 {
     std::string text;

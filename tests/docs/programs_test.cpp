@@ -3,7 +3,7 @@
 
 #include <gmock/gmock.h>
 
-// How a failure names the block.
+// How a failure names the block. GoogleTest looks for it beside Block, so it stands in no namespace.
 static void PrintTo(const Block &block, std::ostream *out)
 {
     *out << block.place();

@@ -5,13 +5,18 @@
 
 #include <dlfcn.h>
 
-static bool isLoaded(const char *library)
+namespace
+{
+
+bool isLoaded(const char *library)
 {
     void *handle = dlopen(library, RTLD_LAZY | RTLD_NOLOAD);
     if (handle != nullptr)
         dlclose(handle);
     return handle != nullptr;
 }
+
+} // namespace
 
 TEST(FftwPin, FftwOutlivesTheLibrary)
 {

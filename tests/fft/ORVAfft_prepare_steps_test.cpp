@@ -122,8 +122,8 @@ TEST(PreparationSteps, EachLengthIsPlannedBothWaysAndDestroyedUnderTheLock)
     });
 }
 
-// The flag is looked at behind each length, planned or skipped.
-TEST(PreparationSteps, AStopEndsItBehindTheLengthAndSavesWhatIsThere)
+// The flag is looked at after each length, planned or skipped.
+TEST(PreparationSteps, AStopEndsItAfterTheLengthAndSavesWhatIsThere)
 {
     struct Case {
         int stopAt; // set while the n-th length is under way

@@ -208,7 +208,7 @@ TEST(Preparation, AStopWaitsOutTheSleepsToo)
     });
 }
 
-TEST(Preparation, AfterARestartItStopsBehindItsFirstLength)
+TEST(Preparation, AfterARestartItStopsAfterItsFirstLength)
 {
     inOwnProcess([] {
         const Store store;
@@ -252,7 +252,8 @@ TEST(Preparation, CaughtByAForkKeepsNoChildFromItsEnd)
             EXPECT_TRUE(ORVA_FinalizeFFT());
             EXPECT_FALSE(__FFTW_Initialized);
             EXPECT_FALSE(store.exists()) << "saved from a planner that may stand in the middle of a change";
-            static KT_MUTEX *leftBehind; // on purpose, which a look for leaks has to see
+            // Left deliberately, which a look for leaks has to see.
+            static KT_MUTEX *leftBehind;
             leftBehind = __FFTW_PlanLock;
             ORVA_InitializeFFT(); // starts anew
             EXPECT_NE(__FFTW_PlanLock, leftBehind);

@@ -98,7 +98,7 @@ TEST(FFTProcessor, ForwardIsTheUnscaledTransformOfTheDefinition)
         EXPECT_TRUE(sameBits(copy, input)) << "the input stays";
         for (size_t k = 0; k < output.size(); ++k) {
             if (k >= binsOf(length)) {
-                EXPECT_TRUE(isMark(output[k])) << "wrote behind the bins, at " << k;
+                EXPECT_TRUE(isMark(output[k])) << "wrote after the bins, at " << k;
                 continue;
             }
             const auto expected = definition(input, k);
@@ -191,7 +191,7 @@ TEST(FFTProcessorPower, IsTheSquareOfTheWorkArrayInWholeGroupsOfFour)
         ASSERT_EQ(ORVA_FFTProcExecutePSDEx(fft.get(), input.data(), power.data(), work.data()),
                   static_cast<int32_t>(binsOf(length)));
         EXPECT_TRUE(sameBits(floatsOf(work, work.size()), floatsOf(spectrum, spectrum.size())))
-            << "the work array holds the spectrum and nothing is written behind it";
+            << "the work array holds the spectrum and nothing is written after it";
         for (size_t k = 0; k < powersOf(length); ++k)
             ASSERT_EQ(bitsOf(power[k]), bitsOf(work[k].re * work[k].re + work[k].im * work[k].im)) << k;
         EXPECT_EQ(power.back(), 55.0f);

@@ -19,20 +19,25 @@ namespace recorder
 
 Answers answers;
 
-static Calls calls;
-static bool isLocked = false;
-static bool isWriting = false;
-static char things[100]; // handles point into it
-static size_t thingCount = 0;
+namespace
+{
+
+Calls calls;
+bool isLocked = false;
+bool isWriting = false;
+char things[100]; // handles point into it
+size_t thingCount = 0;
+
+template <class Thing> Thing *newThing()
+{
+    return reinterpret_cast<Thing *>(&things[thingCount++]);
+}
+
+} // namespace
 
 void note(const std::string &call)
 {
     calls.push_back(call);
-}
-
-template <class Thing> static Thing *newThing()
-{
-    return reinterpret_cast<Thing *>(&things[thingCount++]);
 }
 
 Calls takeCalls()

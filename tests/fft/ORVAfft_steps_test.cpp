@@ -10,11 +10,16 @@ using namespace orva;
 using namespace recorder;
 using support::inOwnProcess;
 
-static Calls loadOf(const std::string &size)
+namespace
+{
+
+Calls loadOf(const std::string &size)
 {
     return {"lock", folder,         use,     "exists " + path, "open r " + path,
             "size", "read " + size, "close", "unlock"};
 }
+
+} // namespace
 
 TEST(EngineSteps, AStartMakesTheLockAndLoadsUnderIt)
 {

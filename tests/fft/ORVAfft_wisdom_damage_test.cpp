@@ -60,7 +60,7 @@ Piece anyLine(const std::string &text, Random &random)
     return {begin, end - begin};
 }
 
-// From the first `opening` at or behind `from` to before the next `closing`; to the end where there is none.
+// From the first `opening` at or after `from` to before the next `closing`; to the end where there is none.
 Piece pieceBetween(const std::string &text, size_t from, char opening, char closing)
 {
     const size_t begin = std::min(text.find(opening, from), text.size());

@@ -23,8 +23,11 @@ using support::inOwnProcess;
 using support::readFile;
 using support::writeFile;
 
+namespace
+{
+
 // FFTW keeps wisdom in a hash table, so the order of the lines says nothing.
-static std::string sortedLines(const std::string &text)
+std::string sortedLines(const std::string &text)
 {
     std::istringstream in(text);
     std::vector<std::string> lines;
@@ -36,6 +39,8 @@ static std::string sortedLines(const std::string &text)
         sorted += line + '\n';
     return sorted;
 }
+
+} // namespace
 
 TEST(WisdomLoad, WithoutAFolderPlansAreMadeAndNothingIsKept)
 {
@@ -144,7 +149,7 @@ TEST(WisdomLoad, ACorruptStoreIsPassedOverInSilence)
         {"a line feed", "\n"},
         {"other text", "no wisdom here\n"},
         {"cut in a line", good.substr(0, good.size() / 2)},
-        {"cut behind the first line", good.substr(0, good.find('\n') + 1)},
+        {"cut after the first line", good.substr(0, good.find('\n') + 1)},
         {"a null byte first", std::string(1, '\0') + good},
         {"a null byte inside", good.substr(0, 100) + std::string(1, '\0') + good.substr(101)},
         {"null bytes alone", std::string(good.size(), '\0')},
@@ -173,13 +178,13 @@ TEST(WisdomLoad, ACorruptStoreIsPassedOverInSilence)
     }
 }
 
-TEST(WisdomLoad, WhatStandsBehindTheWisdomIsNotRead)
+TEST(WisdomLoad, WhatStandsAfterTheWisdomIsNotRead)
 {
     const std::string good = store::wisdomOf({16});
-    for (const std::string &behind : {std::string("x"), std::string(1, '\0'), std::string("\n\n"), good}) {
+    for (const std::string &appended : {std::string("x"), std::string(1, '\0'), std::string("\n\n"), good}) {
         inOwnProcess([&] {
             const Store store;
-            writeFile(store.path, good + behind);
+            writeFile(store.path, good + appended);
             store.announce();
             EXPECT_TRUE(__FFTW_LoadWisdom());
             EXPECT_EQ(sortedLines(wisdom()), sortedLines(good));

@@ -181,8 +181,8 @@ TEST(WisdomPath, ALongerPathIsCut)
         SCOPED_TRACE(nameLength);
         inOwnProcess([&] {
             const Store store;
-            const size_t folderLength =
-                511 - 1 - nameLength; // leaves room for a separator and part of the name
+            // Leaves room for a separator and part of the name.
+            const size_t folderLength = 511 - 1 - nameLength;
             std::string folder = store.folder.path;
             while (folder.size() < folderLength) {
                 // Never so that a single character, a separator, is left over.

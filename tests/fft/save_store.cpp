@@ -15,10 +15,15 @@
 
 using namespace orva;
 
-static void mark(const char *name)
+namespace
+{
+
+void mark(const char *name)
 {
     static_cast<void>(access(name, F_OK));
 }
+
+} // namespace
 
 int main(int count, char **arguments)
 {

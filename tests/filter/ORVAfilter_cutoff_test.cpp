@@ -88,7 +88,7 @@ TEST(BilinearTransform, CountsAPairTwiceAndStopsAtTheOrder)
     lists.gain = 1.0;
     makeDigital(3, lists);
     EXPECT_EQ(lists.poles[1], Root(-0.5, 0.0));
-    EXPECT_EQ(lists.poles[2], Root(-0.25, 0.0)) << "behind the third root";
+    EXPECT_EQ(lists.poles[2], Root(-0.25, 0.0)) << "after the third root";
     for (int32_t order : {0, -5}) {
         Lists untouched(1);
         untouched.gain = 5.0;

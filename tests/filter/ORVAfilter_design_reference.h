@@ -241,7 +241,7 @@ inline Lists elliptic(Demand d, int N)
 
 struct Moved {
     Roots roots;
-    std::vector<double> before, behind;
+    std::vector<double> before, after;
 };
 
 inline double product(const std::vector<double> &factors)
@@ -262,8 +262,8 @@ template <class Move> Lists moved(const Lists &lists, Move move)
 {
     const Moved poles = move(lists.poles);
     const Moved zeros = move(lists.zeros);
-    const double above = product(poles.behind) * product(zeros.before);
-    const double below = product(zeros.behind) * product(poles.before);
+    const double above = product(poles.after) * product(zeros.before);
+    const double below = product(zeros.after) * product(poles.before);
     return {poles.roots, zeros.roots, (above / below) * lists.gain};
 }
 
@@ -275,14 +275,14 @@ inline Lists digital(const Lists &lists)
             const double modulus = std::abs(r);
             if (!std::isfinite(modulus)) {
                 out.roots.emplace_back(-1.0, 0.0);
-                out.behind.push_back(2.0);
+                out.after.push_back(2.0);
                 continue;
             }
             out.before.push_back(modulus);
             if (!onAxis(r))
                 out.before.push_back(modulus);
             out.roots.push_back(Complex(1.0 + r.real(), r.imag()) / Complex(1.0 - r.real(), -r.imag()));
-            out.behind.push_back(away({1.0, 0.0}, out.roots.back()));
+            out.after.push_back(away({1.0, 0.0}, out.roots.back()));
         }
         return out;
     });
@@ -313,7 +313,7 @@ inline Lists toCutoff(const Lists &lists, bool isHigh, float cutoff)
             if (isHigh)
                 above = {-above.real(), -above.imag()};
             out.roots.push_back(inside(above / Complex(1.0 + alpha * r.real(), alpha * r.imag())));
-            out.behind.push_back(away(edgeOf(cutoff), out.roots.back()));
+            out.after.push_back(away(edgeOf(cutoff), out.roots.back()));
         }
         return out;
     });
@@ -333,7 +333,7 @@ inline Lists toBand(const Lists &lists, bool isReject, float lower, float upper)
         Moved out;
         const auto keep = [&](Complex z) {
             out.roots.push_back(inside(z));
-            out.behind.push_back(away(edgeOf(lower), out.roots.back()));
+            out.after.push_back(away(edgeOf(lower), out.roots.back()));
         };
         for (Complex p : roots) {
             out.before.push_back(away(quarter, p));

@@ -53,7 +53,7 @@ std::vector<Example> examples()
     return found;
 }
 
-double numberBehind(const std::string &text, const std::string &key, double otherwise)
+double numberAfter(const std::string &text, const std::string &key, double otherwise)
 {
     std::smatch match;
     return std::regex_search(text, match, std::regex("(?:^|[; ])" + key + "=([0-9.]+)")) ? std::stod(match[1])
@@ -63,7 +63,7 @@ double numberBehind(const std::string &text, const std::string &key, double othe
 // What a filter answers to a single 1 on its first channel.
 std::vector<float> answerOf(const std::string &text)
 {
-    const double channels = numberBehind(text, "num_channels", numberBehind(text, "nc", 1));
+    const double channels = numberAfter(text, "num_channels", numberAfter(text, "nc", 1));
     const auto stride = static_cast<size_t>(channels);
     std::vector<float> block(65536 * stride);
     block[0] = 1.0f;
@@ -129,7 +129,7 @@ TEST(FilterHeader, ExamplesDoWhatIsSaidBelowThem)
         EXPECT_GE(claims.size(), 2u) << text;
         const auto answer = answerOf(text);
         ASSERT_FALSE(answer.empty()) << text;
-        const double half = numberBehind(text, "fs", 2.0) / 2.0;
+        const double half = numberAfter(text, "fs", 2.0) / 2.0;
         for (const auto &[decibels, frequency] : claims)
             EXPECT_NEAR(attenuationOf(answer, frequency / half), std::stod(decibels),
                         halfOfTheLastDigit(decibels) + 1e-3)

@@ -43,7 +43,7 @@ const Case cases[] = {
     {"an offset beyond the buffer", 1, 12, 13, 1, {}},
     {"gaps between frames", 2, 12, 1, 5, {1, 2, 6, 7}},
     {"a last frame that ends the buffer", 2, 12, 0, 5, {0, 1, 5, 6, 10, 11}},
-    {"a last frame that would end behind it", 2, 11, 0, 5, {0, 1, 5, 6}},
+    {"a last frame that would end after it", 2, 11, 0, 5, {0, 1, 5, 6}},
     {"a second start of 2^31 - 1", 1, 12, 0, 0x7fffffffu, {0}},
     {"a second start of 2^31", 1, 12, 0, 0x80000000u, {0}},
     {"a second start of 2^31 from an offset", 2, 12, 4, 0x7ffffffcu, {4, 5}},

@@ -31,7 +31,7 @@ Filter ofSections(size_t channels, size_t sections)
     return fromRecords(channels, std::vector<double>(5 * sections, 0.25));
 }
 
-// A memory of `size` elements with a guard behind it, in the place of the one that a filter owns.
+// A memory of `size` elements with a guard after it, in the place of the one that a filter owns.
 template <class T> class Guarded
 {
 public:
@@ -228,7 +228,7 @@ TEST(DirectCopy, RowsKeepTheirNumbersAndClearingStartsAtFourTimesTheSourceRows)
                 ASSERT_TRUE(sameBits(from.values(), history)) << title;
                 ASSERT_TRUE(to.guardHolds() && from.guardHolds()) << title;
                 ASSERT_EQ(direct(source)->position, sourcePosition) << title;
-                // max(d, position of the source), and inside the ring of d + 1 rows where that lies behind it
+                // max(d, position of the source), and inside the ring of d + 1 rows where that lies after it
                 const int32_t larger = std::max(static_cast<int32_t>(d), sourcePosition);
                 ASSERT_EQ(direct(destination)->position,
                           larger > static_cast<int32_t>(d) ? static_cast<int32_t>(d) : larger)

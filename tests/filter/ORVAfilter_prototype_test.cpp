@@ -215,8 +215,11 @@ TEST(FilterPrototype, HasTheBitsOfTheDefinition)
         }
 }
 
+namespace
+{
+
 // |K product(zeros) / product(poles)|, conjugates counted.
-static double magnitudeAtZero(const Lists &lists, size_t poleCount, size_t zeroCount)
+double magnitudeAtZero(const Lists &lists, size_t poleCount, size_t zeroCount)
 {
     const auto modulus = [](const std::vector<Root> &roots, size_t count) {
         double product = 1.0;
@@ -227,6 +230,8 @@ static double magnitudeAtZero(const Lists &lists, size_t poleCount, size_t zeroC
     };
     return lists.gain * modulus(lists.zeros, zeroCount) / modulus(lists.poles, poleCount);
 }
+
+} // namespace
 
 TEST(FilterPrototype, HasItsMagnitudeAtFrequencyZeroByApproximationAndParity)
 {

@@ -228,8 +228,8 @@ TEST(Biquads, TheSumsAreTakenFromTheLeft)
     ASSERT_EQ(ORVA_Filter(output.get(), x.data(), x.data(), 3), 1);
     EXPECT_EQ(x[2], 0.0f);
 
-    const Filter recursion =
-        fromRecords(1, {1.0, -0x1p60, 1.0, 0.0, 0.0}); // w: 1, then 2^60, then (1 - 2^60) + 2^60
+    // w: 1, then 2^60, then (1 - 2^60) + 2^60.
+    const Filter recursion = fromRecords(1, {1.0, -0x1p60, 1.0, 0.0, 0.0});
     x = {1.0f, 0x1p60f, 1.0f};
     ASSERT_EQ(ORVA_Filter(recursion.get(), x.data(), x.data(), 3), 1);
     EXPECT_EQ(x[1], 0x1p60f);

@@ -115,7 +115,7 @@ void directOfBoth(Stream &stream, const Samples &u)
     stream.direct(processor(static_cast<int32_t>(M)), u.data() + M);
 }
 
-// Sends samples through direct and inverse in blocks of M, a block of zeros behind them; gives what comes out, less the
+// Sends samples through direct and inverse in blocks of M, a block of zeros after them; gives what comes out, less the
 // block of the silence before the stream.
 Samples thereAndBack(int32_t M, Samples samples)
 {

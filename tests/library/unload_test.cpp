@@ -107,8 +107,8 @@ TEST(Unload, AfterOneInitializeTooManyLeavesTheLibraryUpButNoThread)
         startPreparation(again);
         again.unload();
         EXPECT_FALSE(isMapped("liborva.so"));
-        std::this_thread::sleep_for(
-            2 * untilThePreparationIsAtWork); // a thread that ran on would run into nothing
+        // A thread that ran on would run into nothing.
+        std::this_thread::sleep_for(2 * untilThePreparationIsAtWork);
         _exit(testing::Test::HasFailure() ? 1 : 0);
     };
     EXPECT_EXIT(unloadAndEnd(), testing::ExitedWithCode(0), "^$");
@@ -185,7 +185,7 @@ TEST(Unload, WaitsForThePreparationAndUnmapsAllTheSame)
     }
 }
 
-TEST(Unload, RightBehindTheStartOfAPreparationIsSafe)
+TEST(Unload, RightAfterTheStartOfAPreparationIsSafe)
 {
     const DataFolder folder;
     Loaded library;

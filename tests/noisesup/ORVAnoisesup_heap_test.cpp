@@ -11,8 +11,8 @@ TEST(NoiseSupHeap, ASuppressorThatRunsOutOfMemoryIsNullAndGivesAllBack)
 {
     const support::Log log;
     for (const int32_t rate : {8000, 16000, 32000}) {
-        const uint64_t instance =
-            rate == 32000 ? 6 : 4; // behind the descriptor's two, the record and two blocks
+        // After the descriptor's two, the record and two blocks.
+        const uint64_t instance = rate == 32000 ? 6 : 4;
         uint64_t n = 1;
         for (bool hasFailed = true; hasFailed; ++n) {
             if (n == instance) // the WebRTC library writes to it untested

@@ -9,7 +9,7 @@ namespace
 
 namespace fs = std::filesystem;
 
-// The part of a record from `begin` to behind `end`.
+// The part of a record from `begin` to after `end`.
 std::string part(const std::string &record, const std::string &begin, const std::string &end)
 {
     const size_t at = record.find(begin);
@@ -101,7 +101,7 @@ TEST(Interface, WhatHasChangedIsNamed)
         EXPECT_EQ(outcome.status, 1);
         EXPECT_NE(outcome.out.find(told), std::string::npos) << told << " is not in\n" << outcome.out;
         EXPECT_NE(outcome.out.find("abi: " + library + " differs from " + record +
-                                   "; if it is meant to, run: script/abi renew\n"),
+                                   "; if that is deliberate, run: script/abi renew\n"),
                   std::string::npos)
             << outcome.out;
         const std::string other = library == "liborva" ? "libkett" : "liborva";

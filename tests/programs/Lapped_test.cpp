@@ -1,4 +1,4 @@
-// The lapped program: the sound behind the gate, the error that it tells, its picture, and what it refuses.
+// The lapped program: the sound after the gate, the error that it tells, its picture, and what it refuses.
 #include "picture.h"
 #include "program.h"
 #include "refusals.h"
@@ -96,10 +96,10 @@ TEST(LappedProgram, TheGateTakesAwayWhatIsFaintAndLeavesTheRest)
     EXPECT_EQ(lapped("in.wav", "block=512; gate=-6", folder).passed, 0);
 
     // Two panels of 804 by 230 points; 12 kHz is half their height, and -66 dB 0.34 of the colour scale.
-    constexpr int x = 84 + 402, before = 72 + 115, behind = 72 + 230 + 66 + 115;
+    constexpr int x = 84 + 402, before = 72 + 115, after = 72 + 230 + 66 + 115;
     EXPECT_EQ(picture.height, 72 + 2 * (230 + 66));
     EXPECT_LE(distance(picture.at(x, before), colormapColor(0.34)), 12);
-    EXPECT_EQ(picture.at(x, behind), colormapColor(0));
+    EXPECT_EQ(picture.at(x, after), colormapColor(0));
     for (const int top : {72, 72 + 230 + 66}) // 3 kHz
         EXPECT_LE(distance(picture.at(x, top + 230 - 29), colormapColor(0.88)), 12);
 }

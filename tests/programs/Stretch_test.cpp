@@ -99,7 +99,7 @@ TEST(Stretch, EachSpeedHoldsFromItsSecondOn)
                  {"1:2", 1, 0.5, 0.5}, // 1 before the first
                  {"2,1:0.5,2:1", 0.5, 2, 1},
                  {"0.5 1:0.5\t2:2.5", 2, 2, 0.4},
-                 {"1 2:2 10:3", 1, 1, 0.5}}; // one behind the end never comes
+                 {"1 2:2 10:3", 1, 1, 0.5}}; // one after the end never comes
     for (const auto &c : cases) {
         const std::vector<float> out = stretched("three.wav", c.speed, folder).samples;
         const auto isLoud = [](float x) { return std::abs(x) > 0.25f; };

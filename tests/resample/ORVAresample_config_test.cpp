@@ -176,7 +176,7 @@ TEST(ResampleConfig, OfALongTextTheFirst256BytesAreRead)
     EXPECT_TRUE(log.messages.empty());
 }
 
-// The text is copied to the last byte that is read, so nothing behind its end is looked at.
+// The text is copied to the last byte that is read, so nothing after its end is looked at.
 TEST(ResampleConfig, ATextIsReadNoFurtherThanItsEnd)
 {
     for (const size_t length : {0, 1, 255, 256}) {

@@ -123,7 +123,7 @@ TEST(HoldStream, DoublingGivesExactlyTwoOutputsForEachInput)
 }
 
 // The filter of 96000 to 48000 runs before the dropping: what is kept are the even ones of its outputs.
-TEST(HoldStream, HalvingKeepsTheEvenSamplesBehindTheFilter)
+TEST(HoldStream, HalvingKeepsTheEvenSamplesAfterTheFilter)
 {
     support::Random random;
     const auto input = random.noise(101);

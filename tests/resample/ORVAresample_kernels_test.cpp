@@ -156,7 +156,8 @@ TEST(ResampleKernels, SpansOfAnyLengthAreThoseOfThePlainForm)
             const auto count = i < 45 ? i : static_cast<int32_t>(random.integer(45, 700));
             const int64_t first = random.integer(0, bank.up - 1);
             const int64_t newest = (first + count) * bank.down / bank.up;
-            const Floats noise = // no sample too many
+            // No sample too many.
+            const Floats noise =
                 anyFinites(random, static_cast<size_t>(resampler->history + newest + 1 + resampler->ahead));
             const std::vector<double> samples(noise.begin(), noise.end());
             const OutputSpan span{samples.data() + resampler->history, 0, first, count};

@@ -11,7 +11,7 @@ namespace
 constexpr Rates up{44100, 48000}, down{48000, 44100}, third{48000, 16000}, triple{16000, 48000};
 constexpr double amplitude = 0.5;
 
-// Output at a sine of a frequency, from its beginning on or behind the transient.
+// Output at a sine of a frequency, from its beginning on or after the transient.
 Floats outputOf(Rates rates, const std::string &config, double hertz, size_t leftOut)
 {
     const size_t length = 6000;

@@ -50,7 +50,7 @@ inline int64_t lengthAfter(int64_t n, Rates rates)
 
 constexpr float unwritten = 12345.0f;
 
-// A call with just the room that its result takes; what lies behind stays as it was.
+// A call with just the room that its result takes; what lies after it stays as it was.
 inline Floats convert(ORVA_RESAMPLER *resampler, std::span<const float> input, size_t room)
 {
     Floats output(room + 4, unwritten);
@@ -60,7 +60,7 @@ inline Floats convert(ORVA_RESAMPLER *resampler, std::span<const float> input, s
     EXPECT_LE(written, std::ssize(output) - 4);
     const auto count = static_cast<size_t>(std::max(written, 0));
     for (size_t i = count; i < output.size(); ++i)
-        EXPECT_EQ(output[i], unwritten) << "behind the result, at " << i << " of " << count;
+        EXPECT_EQ(output[i], unwritten) << "after the result, at " << i << " of " << count;
     output.resize(std::min(count, output.size()));
     return output;
 }
@@ -105,7 +105,7 @@ inline Floats flush(ORVA_RESAMPLER *resampler, int32_t maxCount)
     EXPECT_GE(written, 0);
     const auto count = static_cast<size_t>(std::max(written, 0));
     for (size_t i = count; i < output.size(); ++i)
-        EXPECT_EQ(output[i], unwritten) << "behind the flush, at " << i << " of " << count;
+        EXPECT_EQ(output[i], unwritten) << "after the flush, at " << i << " of " << count;
     output.resize(std::min(count, output.size()));
     return output;
 }

@@ -183,8 +183,8 @@ private:
     int played = 0;
     int skew = 0;
     int match = 0;
-    int64_t firstKept =
-        -half; // position of the oldest sample kept, the silence in front of the stream included
+    // Position of the oldest sample kept, the silence in front of the stream included.
+    int64_t firstKept = -half;
     std::vector<float> stream;
     std::vector<Stretch> history;
     size_t inForce = 0; // entries of the history that are or were in force

@@ -35,7 +35,7 @@ public:
     {
     }
 
-    // The number of samples taken. The array ends right behind the channel's outermost sample.
+    // The number of samples taken. The array ends right after the channel's outermost sample.
     int32_t input(std::span<const float> block, float speed)
     {
         std::vector<float> data = untouched(block.size());

@@ -26,7 +26,7 @@ inline std::vector<float> tones(size_t length, double sampleRate)
     return samples;
 }
 
-// Constant, and from `turn` on the same with its sign turned: what lies behind the turn correlates
+// Constant, and from `turn` on the same with its sign turned: what lies after the turn correlates
 // negatively, at every skew, with what lies before it.
 inline std::vector<float> turned(size_t length, size_t turn)
 {

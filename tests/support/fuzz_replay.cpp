@@ -97,7 +97,7 @@ private:
     std::mt19937_64 engine;
 };
 
-// In a block of its exact size, so that a sanitizer sees a read behind it.
+// In a block of its exact size, so that a sanitizer sees a read after it.
 void run(const Bytes &bytes)
 {
     const std::unique_ptr<uint8_t[]> exact(new uint8_t[bytes.size()]);

@@ -17,7 +17,10 @@ void count(uint64_t Counts::*kind)
         ++(state.counts.*kind);
 }
 
-static bool isPlannedFailure(Failure kind)
+namespace
+{
+
+bool isPlannedFailure(Failure kind)
 {
     if (state.planned != kind || state.silenced || state.callsToFailure == 0 || --state.callsToFailure > 0)
         return false;
@@ -25,6 +28,16 @@ static bool isPlannedFailure(Failure kind)
     errno = state.error;
     return true;
 }
+
+void plan(Failure kind, uint64_t n, int error)
+{
+    state.planned = kind;
+    state.callsToFailure = n;
+    state.error = error;
+    state.failed = false;
+}
+
+} // namespace
 
 bool allocationFails()
 {
@@ -38,14 +51,6 @@ bool fileCallFails()
     if (isPlannedFailure(Failure::kill))
         raise(SIGKILL);
     return isPlannedFailure(Failure::fileCall);
-}
-
-static void plan(Failure kind, uint64_t n, int error)
-{
-    state.planned = kind;
-    state.callsToFailure = n;
-    state.error = error;
-    state.failed = false;
 }
 
 } // namespace interposer

@@ -24,8 +24,8 @@ struct Counts {
     uint64_t heap = 0; // malloc, calloc, realloc, free and the aligned ones; new and delete end there
     uint64_t lock = 0; // mutexes, read-write locks, conditions, semaphores; also what waits: join, sleep
     uint64_t file = 0; // open .. close, their buffered counterparts, and whatever looks at or changes a path
-    uint64_t log =
-        0; // KTDEBUG_Log, _Warning, _Error, _TerminalError; what happens inside them is not counted
+    // KTDEBUG_Log, _Warning, _Error, _TerminalError; what happens inside them is not counted
+    uint64_t log = 0;
 
     bool operator==(const Counts &) const = default;
 };

@@ -11,16 +11,21 @@
 
 using namespace support::interposer;
 
+namespace
+{
+
 template <auto *ours, class Result, class... Arguments>
-static Result fileCall(Result failure, const char *name, Arguments... arguments)
+Result fileCall(Result failure, const char *name, Arguments... arguments)
 {
     return fileCallFails() ? failure : next<ours>(name)(arguments...);
 }
 
-static mode_t modeOf(int flags, va_list arguments)
+mode_t modeOf(int flags, va_list arguments)
 {
     return (flags & (O_CREAT | O_TMPFILE)) != 0 ? va_arg(arguments, mode_t) : 0;
 }
+
+} // namespace
 
 #pragma GCC visibility push(default)
 extern "C" {

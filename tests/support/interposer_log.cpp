@@ -9,8 +9,10 @@
 
 using namespace support::interposer;
 
-template <auto *ours>
-static void logCall(const char *name, int32_t code, const char *format, va_list arguments)
+namespace
+{
+
+template <auto *ours> void logCall(const char *name, int32_t code, const char *format, va_list arguments)
 {
     count(&support::Counts::log);
     const bool before = state.silenced;
@@ -22,6 +24,8 @@ static void logCall(const char *name, int32_t code, const char *format, va_list 
     }
     state.silenced = before;
 }
+
+} // namespace
 
 extern "C" {
 

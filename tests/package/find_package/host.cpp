@@ -36,8 +36,8 @@ int main(int argumentCount, char **arguments)
 {
     if (argumentCount > 1)
         KTENV_SetEnvValue("KT_DATA_PATH", arguments[1]);
-    ORVA_FFTProcDestroy(
-        ORVA_FFTProcCreate(512)); // reads the store, if there is one; the end of the process writes it
+    // Reads the store, if there is one; the end of the process writes it.
+    ORVA_FFTProcDestroy(ORVA_FFTProcCreate(512));
 
     const std::unique_ptr<_ORVA_FILTER, Destroy> filter(ORVA_CreateFilter("biquads=[0, 0, 0.5, 0.5, 0]"));
     std::vector<float> block = {1.0f, 0.0f, 1.0f, 1.0f};
