@@ -7,6 +7,7 @@
 #include <fftw3.h>
 
 #include <algorithm>
+#include <cstring>
 #include <functional>
 #include <memory>
 #include <random>
@@ -110,4 +111,16 @@ void addLevels(const std::string &name, size_t samples, Make make, const Counter
     for (const orva::Level level : orva::allLevels)
         if (orva::isAvailable(level))
             addCase(name + "/orva " + orva::nameOf(level), samples, make, counters, level);
+}
+
+// A copy of `count` floats, the least that a pass over them can take. The two lie half a page apart from a whole number of
+// pages: a copy within a few bytes of that takes twenty times as long on some processors.
+inline void addCopy(const std::string &name, size_t items, size_t count)
+{
+    addCase(name, items, [=] {
+        const size_t distance = (count + 1023) / 1024 * 1024 + 512;
+        return [count, distance, floats = alignedFloats(distance + count)] {
+            std::memcpy(floats.get() + distance, floats.get(), count * sizeof(float));
+        };
+    });
 }

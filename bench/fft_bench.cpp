@@ -8,7 +8,6 @@
 
 #include <algorithm>
 #include <cmath>
-#include <cstring>
 #include <kiss_fftr.h>
 
 namespace
@@ -154,11 +153,7 @@ void addProducts(size_t count)
                                        static_cast<int32_t>(count));
         };
     });
-    addCase(name + "/copy", count, [=] {
-        return [count, a = Transform(2 * count), b = Transform(2 * count)] {
-            std::memcpy(a.result.get(), a.samples.get(), count * sizeof(ORVA_COMPLEX));
-        };
-    });
+    addCopy(name + "/copy", count, 2 * count);
 }
 
 const bool registered = [] {

@@ -1,10 +1,8 @@
 // What this processor can do at best, by which the page on speed computes the limit of each path: multiplications, each
-// with an addition beside it, in a nanosecond, at each width of vectors; the dependent steps of recursions; the copy of
-// memory. Times are for one multiplication and one addition, for one step, for a float.
+// with an addition beside it, at each width of vectors; and the dependent steps of recursions. Times are for one
+// multiplication with its addition, or for one step.
 #include "cases.h"
 #include "widths.h"
-
-#include <cstring>
 
 namespace
 {
@@ -37,15 +35,6 @@ template <class Real, int additions> void addChain(const std::string &name)
     });
 }
 
-void addCopy(size_t count)
-{
-    addCase("copy of " + std::to_string(count) + " floats/memcpy", count, [=] {
-        return [=, input = noise(count), output = std::vector<float>(count)]() mutable {
-            std::memcpy(output.data(), input.data(), count * sizeof(float));
-        };
-    });
-}
-
 const bool registered = [] {
     addPeak("baseline", baseline::width);
 #ifdef __x86_64__
@@ -55,9 +44,7 @@ const bool registered = [] {
         addPeak("avx512", avx512::width);
 #endif
     addChain<double, 2>("chain/multiply and 2 adds, double");
-    addChain<float, 1>("chain/multiply and add, float");
     addChain<float, 8>("chain/multiply and 8 adds, float");
-    addCopy(4096);
     return true;
 }();
 

@@ -59,11 +59,7 @@ void addUses()
                 data[i] *= window[i];
         };
     });
-    addCase("apply/copy", length, [=] {
-        return [input = noise(length), copy = std::vector<float>(length)]() mutable {
-            std::copy(input.begin(), input.end(), copy.begin());
-        };
-    });
+    addCopy("apply/copy", length, length);
     addCase("mean/orva", length, [] {
         return [window = noise(length)] {
             benchmark::DoNotOptimize(ORVA_GetWindowNormFactor(window.data(), length));
