@@ -12,7 +12,7 @@
  *      ORVA_FFTProcDestroy(fft);
  *      ORVA_Finalize();                          // back to the first use
  *
- *  If ORVA_Finalize() is called once more often than ORVA_Initialize(), it takes the library down while it stays loaded, and
+ *  After one call of ORVA_Finalize() more than of ORVA_Initialize() the library is down while it stays loaded, and
  *  unloading then does nothing more. A later ORVA_Initialize() brings the library up again, with the limits that
  *  ORVA_InitializeFFT() describes: the wisdom store is not read again, and a preparation of plans ends after its first
  *  transform length.

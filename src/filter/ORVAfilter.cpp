@@ -82,7 +82,7 @@ int32_t ORVA_DestroyFilter(_ORVA_FILTER *filter)
         std::free(state->memory);
         std::free(state);
     } else {
-        // Whose state it is nobody knows: it is abandoned.
+        // The kind of the state is unknown, so it is not freed.
         KTDEBUG_Error(-1, "ORVA_DestroyFilter: Invalid filter type!");
     }
     std::free(filter);

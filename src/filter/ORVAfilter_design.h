@@ -91,7 +91,7 @@ int32_t _EllipticDesign(double wp, double ws, double Ap, double As, int32_t orde
 double attenuationRatio(double Ap, double As);
 
 // x cut toward zero; the most negative integer where x is not a number or beyond the range.
-int32_t truncated(double x);
+int32_t truncatedOrLowest(double x);
 
 void _ConvertAnalogProtoToDigital(int32_t order, Root *poles, Root *zeros, double *designGain);
 void _ConvertDigitalProtoToLP(int32_t order, float fpass1, Root *poles, Root *zeros, double *designGain);

@@ -60,11 +60,11 @@ double seriesQuotient(double odd, double even, double q)
 
 } // namespace
 
-// log10(16 D) / log10(1 / q) + 1,  D as in attenuationRatio()
+// log10(16 D) / log10(1 / q) + 1,  D that of attenuationRatio(), but with As * 0.1 for As / 10, which decides bits
 int32_t _EllipticOrder(double, double ws, double Ap, double As)
 {
     const double D = (std::pow(10.0, As * 0.1) - 1.0) / (std::pow(10.0, Ap * 0.1) - 1.0);
-    return truncated(std::log10(16.0 * D) / std::log10(1.0 / nome(1.0 / ws)) + 1.0);
+    return truncatedOrLowest(std::log10(16.0 * D) / std::log10(1.0 / nome(1.0 / ws)) + 1.0);
 }
 
 // Of the order N and the attenuation Ap, with a = 10^(Ap / 20):

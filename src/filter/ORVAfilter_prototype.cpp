@@ -71,7 +71,7 @@ double attenuationRatio(double Ap, double As)
     return (std::pow(10.0, As / 10.0) - 1.0) / (std::pow(10.0, Ap / 10.0) - 1.0);
 }
 
-int32_t truncated(double x)
+int32_t truncatedOrLowest(double x)
 {
     // Both bounds are doubles, and so the comparisons exact.
     return x > -2147483649.0 && x < 2147483648.0 ? static_cast<int32_t>(x)
@@ -84,7 +84,7 @@ int32_t _ButterworthOrder(double, double ws, double Ap, double As)
     if (!isSpecified(ws, Ap, As))
         return -1;
     const double D = attenuationRatio(Ap, As);
-    return truncated(roundedQuotient(std::log10(D), std::log10(ws) + std::log10(ws))) + 1;
+    return truncatedOrLowest(roundedQuotient(std::log10(D), std::log10(ws) + std::log10(ws))) + 1;
 }
 
 // acosh(sqrt(D)) / acosh(ws), cut, and 1 more
@@ -93,15 +93,13 @@ int32_t _ChebyshevOrder(double, double ws, double Ap, double As)
     if (!isSpecified(ws, Ap, As))
         return -1;
     const double D = attenuationRatio(Ap, As);
-    return truncated(roundedQuotient(std::acosh(std::sqrt(D)), std::acosh(ws))) + 1;
+    return truncatedOrLowest(roundedQuotient(std::acosh(std::sqrt(D)), std::acosh(ws))) + 1;
 }
 
-int32_t _ChebyshevIIOrder(double, double ws, double Ap, double As)
+// That of _ChebyshevOrder().
+int32_t _ChebyshevIIOrder(double wp, double ws, double Ap, double As)
 {
-    if (!isSpecified(ws, Ap, As))
-        return -1;
-    const double D = attenuationRatio(Ap, As);
-    return truncated(roundedQuotient(std::acosh(std::sqrt(D)), std::acosh(ws))) + 1;
+    return _ChebyshevOrder(wp, ws, Ap, As);
 }
 
 // With eps^2 = 10^(Ap / 10) - 1 and the angles theta = i pi / (2N):
@@ -130,6 +128,7 @@ int32_t _ButterworthDesign(double, double, double Ap, double, int32_t order, Roo
     return 1;
 }
 
+// With eps^2 = 10^(Ap / 10) - 1 and the angles theta as above:
 //     poles  sin(theta) sinh(phi) + j cos(theta) cosh(phi),  phi = asinh(1 / eps) / N
 // They lie in the right half-plane; the last transform brings them inside the unit circle by reflection.
 int32_t _ChebyshevDesign(double, double, double Ap, double, int32_t order, Root *poles, Root *zeros,

@@ -83,7 +83,8 @@ _ORVA_FILTER *_MakeFilterFromRoots(int32_t rootCount, const Root *poles, const R
     if (filter == nullptr)
         return nullptr;
     filter->kind = kind;
-    // g = K^(1 / sections): spread evenly, over a first-order section too. A negative one thus gives not-a-number for two and more.
+    // g = K^(1 / sections): spread evenly, over a first-order section too. A negative K gives not-a-number where there are
+    // two sections or more.
     const double g =
         std::pow(static_cast<double>(filterGain) * designGain, 1.0 / static_cast<double>(numBiquads));
     auto *state = static_cast<_DFIISOSstate *>(filter->state);

@@ -22,7 +22,7 @@ float readFloat(const char *text, const char *key, float defaultValue)
 
 int32_t readCut(const char *text, const char *key, float defaultValue)
 {
-    return truncated(static_cast<double>(readFloat(text, key, defaultValue)));
+    return truncatedOrLowest(static_cast<double>(readFloat(text, key, defaultValue)));
 }
 
 Request readRequest(const char *text, int32_t numChannels)

@@ -25,7 +25,7 @@
 //     row 0      0 0 0  h[0]   h[M]     h[2M]  ...  0 0 0
 //     row 1      0 0 0  h[L']  h[M+L']  ...         0 0 0      the next older sample; begins floor(L / M) columns
 //     ...                                                      to the left, or one more
-//     row M - 1
+//     row M - 1                                                L' = L mod M
 //     row 0 again, L columns to the right
 //
 // The zeros between rows are as many as eight consecutive outputs reach out of h. A single row, M = 1, does not come

@@ -13,7 +13,7 @@ namespace orva
 namespace
 {
 
-// Puts the delay line at the beginning of `work` when what is after it has no room for the block. Blocks that are shorter
+// Moves the delay line back to the beginning of `work` when the block does not fit after it. Blocks that are shorter
 // than the delay line do so only once in as many samples as that is long.
 void makeRoom(PolyphaseResampler *resampler, int32_t count)
 {
@@ -109,8 +109,8 @@ int32_t runPolyphase(PolyphaseResampler *resampler, const float *input, float *o
     return static_cast<int32_t>(written);
 }
 
-// Zeros go through the filter, no more of them than the last output takes. The phase comes out as that of the last output,
-// less the sample that is played: below zero, which makes a flush final.
+// Zeros go through the filter, no more of them than the last output takes. The phase is left below zero, at that of the last
+// output less L, which marks the converter as flushed.
 int32_t flushPolyphase(PolyphaseResampler *resampler, float *output, int32_t maxCount)
 {
     const int32_t remaining = resampler->delay;

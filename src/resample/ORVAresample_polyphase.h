@@ -19,11 +19,11 @@ struct PolyphaseResampler {
     int32_t downFactor; // M
     int32_t phase;      // of the next output, in L-ths of an input sample; below 0 once flushed
     int32_t tapsPerPhase;
-    int32_t history;       // samples before a block that its outputs take, or others of their groups
+    int32_t history;       // samples before a block that its outputs read
     int32_t ahead;         // samples after a block that others of their groups take: zeros
     int64_t end;           // of the samples in `work`
     int32_t nextSample;    // counted from the beginning of a period, M samples that make L outputs
-    int32_t finiteSamples; // since the last that was not, as far as `history` goes
+    int32_t finiteSamples; // finite samples at the end of the delay line, at most `history`
     int32_t delayToSkip;   // output samples still to drop
     int32_t delay;         // of the filter, in output samples; later those left to flush
 };

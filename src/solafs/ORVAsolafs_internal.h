@@ -37,11 +37,11 @@ struct ORVA_SOLAFS {
     int32_t similarityLength;      // compared in the search
     int32_t overlapLength;         // of the cross-fade
     int32_t maxSkew;               // upper end of the skew range
-    int32_t correlationDecimation; // orva::correlationStep
-    int32_t skewDecimation;        // orva::skewStep
+    int32_t correlationDecimation; // orva::correlationStep; nothing reads it
+    int32_t skewDecimation;        // orva::skewStep; nothing reads it
     int32_t hop;                   // of synthesis
     int32_t lastAnalysisA;         // analysis position of the previous hop
-    int32_t lastAnalysisB;         // the same again
+    int32_t lastAnalysisB;         // the analysis position once more, see updateSkew()
     int32_t skew;                  // in use
     int32_t bufferCapacity;        // slots in buffer
     int32_t bufferEnd;             // padded position one past the newest sample
@@ -66,7 +66,7 @@ namespace orva
 {
 
 // Toward zero; beyond the range of int32 the nearest end of it, not-a-number gives 0.
-inline int32_t truncated(float x)
+inline int32_t truncatedInRange(float x)
 {
     constexpr float limit = 2147483648.0f; // 2^31
     if (std::isnan(x))
@@ -82,8 +82,8 @@ inline int32_t truncated(float x)
 // samples it moves in steps.
 inline int32_t analysisPosition(const ORVA_SOLAFS *solafs)
 {
-    return truncated(static_cast<float>(solafs->outputPosition) * solafs->speed +
-                     static_cast<float>(solafs->positionBias));
+    return truncatedInRange(static_cast<float>(solafs->outputPosition) * solafs->speed +
+                            static_cast<float>(solafs->positionBias));
 }
 
 // Slots of the buffer that hold samples, the lead-in included. Below 0 where the analysis has run past the end of the

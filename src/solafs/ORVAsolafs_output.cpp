@@ -26,7 +26,7 @@ void changeSpeed(ORVA_SOLAFS *solafs, int32_t analysis)
     ++solafs->nextSegment;
     --solafs->pendingSegments;
     solafs->speed = next.speed;
-    solafs->positionBias = truncated((before - after) + static_cast<float>(solafs->positionBias));
+    solafs->positionBias = truncatedInRange((before - after) + static_cast<float>(solafs->positionBias));
 }
 
 // Keeps the skew, moved along with the two timelines, as long as it stays in its range; else searches.

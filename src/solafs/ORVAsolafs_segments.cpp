@@ -50,7 +50,8 @@ void recordSpeed(ORVA_SOLAFS *solafs, float speed, int32_t taken)
     }
     target->inputEnd += taken;
     // Truncated at every call, so many small calls lose more than a few large ones.
-    target->outputEnd = truncated(static_cast<float>(target->outputEnd) + static_cast<float>(taken) / speed);
+    target->outputEnd =
+        truncatedInRange(static_cast<float>(target->outputEnd) + static_cast<float>(taken) / speed);
 }
 
 } // namespace orva
@@ -71,6 +72,6 @@ int64_t ORVA_SolafsTranslateCursorPosition(ORVA_SOLAFS *solafs, int64_t position
     const int64_t distance = std::clamp(position, std::numeric_limits<int64_t>::min() + margin,
                                         std::numeric_limits<int64_t>::max() - margin) -
                              previousEnd;
-    return truncated(static_cast<float>(distance) * segments[i].speed +
-                     static_cast<float>(segments[i].inputStart));
+    return truncatedInRange(static_cast<float>(distance) * segments[i].speed +
+                            static_cast<float>(segments[i].inputStart));
 }

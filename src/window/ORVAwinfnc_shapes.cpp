@@ -31,7 +31,7 @@ void _halftriangular(float *w, uint32_t N)
         w[i] = static_cast<float>(i) / last;
 }
 
-// H - 1 is the distance to the centre for even lengths only; an odd window overshoots on purpose.
+// H - 1 is the distance to the centre for even lengths only; an odd window overshoots deliberately.
 void _triangular(float *w, uint32_t N)
 {
     const uint32_t H = N / 2;

@@ -107,7 +107,7 @@ TEST(FilterTruncation, GoesTowardZeroAndGivesTheLowestIntegerOutsideTheRange)
         {std::numeric_limits<double>::quiet_NaN(), lowest},
     };
     for (const auto &[x, integer] : rows)
-        EXPECT_EQ(truncated(x), integer) << x;
+        EXPECT_EQ(truncatedOrLowest(x), integer) << x;
 }
 
 TEST(FilterPrototype, HasTheWorkedRoots)

@@ -20,7 +20,7 @@ struct Search {
     const float *reference; // what has just been played, at the points
     float *grid;            // gridCopies times gridRoom numbers, of which the first are the grid
     float *eights;          // gridRoom numbers for kernels to work with
-    float *scores;          // the same, one a candidate, up to a whole group
+    float *scores;          // one a candidate, rounded up to a whole group
     int64_t gridRoom; // what whole groups of candidates need, a multiple of 64 bytes as the addresses are
 };
 

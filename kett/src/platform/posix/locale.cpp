@@ -8,8 +8,8 @@ namespace kett
 
 int formatInCLocale(char *room, size_t size, const char *format, va_list arguments)
 {
-    // All of it, not the numbers alone: the GNU C library has this one at hand, and loses a block for each
-    // other one that is made while LOCPATH is set.
+    // All of it, not the numbers alone: the GNU C library keeps the whole C locale ready; for any other it loses a block
+    // each time while LOCPATH is set.
     const locale_t plain = newlocale(LC_ALL_MASK, "C", static_cast<locale_t>(nullptr));
     if (plain == static_cast<locale_t>(nullptr))
         return -1;
