@@ -1,10 +1,10 @@
 // FFTW allocates while it executes some of these plans; the transforms themselves never do.
 #include "ORVAfmclt_reference.h"
-
 #include "support/interposer.h"
 
-#include <cmath>
 #include <gtest/gtest.h>
+
+#include <cmath>
 
 using namespace fmclt;
 using support::Counts;

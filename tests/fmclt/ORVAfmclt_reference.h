@@ -3,8 +3,9 @@
 
 #include <orva/ORVAfmclt.h>
 
-#include <cstdint>
 #include <fftw3.h>
+
+#include <cstdint>
 #include <memory>
 #include <vector>
 

@@ -1,10 +1,10 @@
 // The private steps of a frame.
+#include "ORVAnoisesup_reference.h"
 #include "noisesup/ORVAnoisesup_internal.h"
 #include "noisesup/kernels/ORVAnoisesup_kernels.h"
 
-#include "ORVAnoisesup_reference.h"
-
 #include <gtest/gtest.h>
+
 #include <limits>
 
 using namespace noisesup;

@@ -1,11 +1,12 @@
 // What becomes of a suppressor that does not get its memory.
+#include "support/interposer.h"
+#include "support/log.h"
+
 #include <orva/ORVAnoisesup.h>
 
 #include <gtest/gtest.h>
-#include <malloc.h>
 
-#include "support/interposer.h"
-#include "support/log.h"
+#include <malloc.h>
 
 TEST(NoiseSupHeap, ASuppressorThatRunsOutOfMemoryIsNullAndGivesAllBack)
 {

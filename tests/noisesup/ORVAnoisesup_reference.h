@@ -8,9 +8,10 @@
 #include <cmath>
 #include <cstdint>
 #include <cstring>
-#include <malloc.h>
 #include <memory>
 #include <vector>
+
+#include <malloc.h>
 
 namespace noisesup
 {

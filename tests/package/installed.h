@@ -3,9 +3,10 @@
 
 #include "support/program.h"
 
+#include <gtest/gtest.h>
+
 #include <filesystem>
 #include <fstream>
-#include <gtest/gtest.h>
 #include <set>
 #include <string>
 #include <vector>

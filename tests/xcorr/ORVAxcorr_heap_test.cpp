@@ -3,8 +3,9 @@
 #include "support/interposer.h"
 #include "support/log.h"
 
-#include <gtest/gtest.h>
 #include <orva/ORVAxcorr.h>
+
+#include <gtest/gtest.h>
 
 namespace
 {

@@ -4,6 +4,7 @@
 #define EVERY_FUNCTION_HOST_H
 
 #include <orva/orva.h>
+
 #include <stddef.h>
 
 /* Counts a check, and says what does not hold. */

@@ -1,7 +1,8 @@
 /* A host that loads the library at run time, if it is there, and looks up every name. */
-#include <dlfcn.h>
 #include <stdio.h>
 #include <stdlib.h>
+
+#include <dlfcn.h>
 
 static const char *const names[] = {
 #include "names.h"
