@@ -14,7 +14,7 @@ constexpr size_t band = 160;
 constexpr size_t frames = 100; // a second, over and over
 
 using Suppressor = Owned<ORVA_NOISESUP, ORVA_DestroyNoiseSup>;
-using Instance = Owned<NsHandle, freeNs>;
+using Instance = Owned<NsHandle, orva::freeNs>;
 
 // Noise at -26 dB.
 std::vector<float> quietNoise(size_t length, float fullScale)
@@ -28,7 +28,7 @@ std::vector<float> quietNoise(size_t length, float fullScale)
 Instance instance(int rate)
 {
     NsHandle *ns = nullptr;
-    createNs(&ns);
+    orva::createNs(&ns);
     WebRtcNs_Init(ns, static_cast<uint32_t>(rate));
     WebRtcNs_set_policy(ns, 2);
     return Instance(ns);
