@@ -136,6 +136,7 @@ TEST(Scripts, RefuseWhatTheyDoNotKnow)
     } cases[] = {
         {{"abi", "nonsense"}, "abi: unknown action 'nonsense'"},
         {{"abi", "compare", "a", "b", "c"}, "abi: unknown argument 'c'"},
+        {{"avx512", "not one's name"}, "avx512: 'not one's name' is no filter of tests"},
         {{"bench", "nonsense"}, "bench: no benchmarks of a family 'nonsense'"},
         {{"bootstrap", "build", "nonsense"}, "bootstrap: unknown group 'nonsense'"},
         {{"coverage", "nonsense"}, "coverage: unknown argument 'nonsense'"},
@@ -199,12 +200,12 @@ TEST(Bootstrap, InstallsWhatEachGroupNeeds)
 
     // None named is all of them.
     std::set<std::string> every;
-    for (const char *group : {"build", "examples", "tests", "bench", "documents", "packages"})
+    for (const char *group : {"build", "examples", "tests", "bench", "documents", "packages", "emulator"})
         for (const auto &package : system.packagesOf({group}))
             every.insert(package);
     const auto all = system.packagesOf({});
     EXPECT_EQ(std::set<std::string>(all.begin(), all.end()), every);
-    for (const char *package : {"libgtest-dev", "libbenchmark-dev", "doxygen", "lintian"})
+    for (const char *package : {"libgtest-dev", "libbenchmark-dev", "doxygen", "lintian", "bochs"})
         EXPECT_EQ(every.count(package), 1u) << package;
 }
 
