@@ -84,8 +84,8 @@ def polyphase(rate_in, rate_out):
 
 
 def rows():
-    for rates, aims in (((44100, 48000), ((1.5, 2.5), (3.5, 6), (None, 20))),
-                        ((48000, 44100), ((1.5, 2.5), (3.5, 6), (None, 20))),
+    for rates, aims in (((44100, 48000), ((1.5, 2.5), (3.5, 6), (20, 20))),
+                        ((48000, 44100), ((1.5, 2.5), (3.5, 6), (20, 20))),
                         ((16000, 48000), ((0.85, 1.3),)), ((48000, 16000), ((0.8, 1.25),))):
         pair, limit = polyphase(*rates)
         case = f"{pair}, polyphase"
@@ -96,7 +96,7 @@ def rows():
     pair, limit = polyphase(44100, 48000)
     case = f"{pair}, polyphase, blocks of 64"
     yield Row(f"The same {pair}, blocks of 64", case,
-              [("soxr HQ", [f"{case}/soxr"], None, 1.0), ("zita 32", [f"{case}/zita"], None, 2.5)], limit)
+              [("soxr HQ", [f"{case}/soxr"], 1.0, 1.0), ("zita 32", [f"{case}/zita"], 2.5, 2.5)], limit)
     case = "44100 to 48000, hold"
     yield Row("Zero-order hold, 44100 to 48000", case, [("bare loop", [f"{case}/bare"], 0.5, 0.5)], steps(2))
     for channels, counts in ((1, (1, 4, 10)), (2, (4, 10)), (6, (4, 10))):
