@@ -6,9 +6,10 @@
 
 #include <orva/ORVAcomplex.h>
 
+#include <kiss_fftr.h>
+
 #include <algorithm>
 #include <cmath>
-#include <kiss_fftr.h>
 
 namespace
 {

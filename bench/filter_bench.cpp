@@ -6,7 +6,9 @@
 
 #include <orva/ORVAfilter.h>
 
-#include <complex> // before liquid.h, which then takes its types from here
+// Before liquid.h, which then takes its types from here.
+#include <complex>
+
 #include <liquid/liquid.h>
 #include <sox.h>
 

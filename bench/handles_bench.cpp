@@ -5,8 +5,9 @@
 
 #include <orva/orva.h>
 
-#include <malloc.h>
 #include <soxr.h>
+
+#include <malloc.h>
 
 namespace
 {

@@ -1,7 +1,8 @@
 #include "widths.h"
 
-#include <cstring>
 #include <sleef.h>
+
+#include <cstring>
 
 namespace ORVA_LEVEL
 {

@@ -1,8 +1,10 @@
 /* Where a fragment of a document stands: with the recorded voice at hand, and room for as many samples again. */
 #include <kett/kett.h>
-#include <math.h>
 #include <orva/orva.h>
+
 #include <sndfile.h>
+
+#include <math.h>
 #include <stdio.h>
 #include <stdlib.h>
 #include <string.h>

@@ -9,16 +9,18 @@
 namespace support
 {
 
-// All but the plain one. Says which there are not.
+// All but the plain one. Says once which there are not.
 inline std::vector<orva::Level> fasterLevels()
 {
+    static bool isSaid = false;
     std::vector<orva::Level> levels;
     for (const auto level : orva::allLevels) {
-        if (!orva::isAvailable(level))
+        if (!orva::isAvailable(level) && !isSaid)
             std::printf("level %s: not run, this processor lacks it\n", orva::nameOf(level));
-        else if (level != orva::Level::plain)
+        else if (orva::isAvailable(level) && level != orva::Level::plain)
             levels.push_back(level);
     }
+    isSaid = true;
     return levels;
 }
 
