@@ -24,7 +24,7 @@ inline Interval intervalOf(const float *x, int32_t n, float xq)
         return {0, 0};
     uint32_t lo = 0;
     uint32_t hi = static_cast<uint32_t>(n) - 1;
-    for (int halvings = std::bit_width(hi) - 1; halvings > 0; --halvings) {
+    for (auto halvings = static_cast<int32_t>(std::bit_width(hi)) - 1; halvings > 0; --halvings) {
         const uint32_t mid = (lo + hi) >> 1;
         if (x[mid] > xq) // a conditional move
             hi = mid;
