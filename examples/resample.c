@@ -14,14 +14,11 @@ int main(int count, char **arguments)
 {
     SF_INFO info = {0}, format = {.samplerate = to, .channels = 1, .format = SF_FORMAT_WAV | SF_FORMAT_FLOAT};
     SNDFILE *sound = count == 3 ? sf_open(arguments[1], SFM_READ, &info) : NULL;
-    if (sound == NULL || info.samplerate != from || info.channels != 1) {
-        fprintf(stderr, "usage: resample SOUND.wav OUTPUT.wav, of one channel at %d Hz\n", from);
-        return 1;
-    }
-    SNDFILE *output = sf_open(arguments[2], SFM_WRITE, &format);
+    const bool taken = sound != NULL && info.samplerate == from && info.channels == 1;
+    SNDFILE *output = taken ? sf_open(arguments[2], SFM_WRITE, &format) : NULL;
     ORVA_RESAMPLER *converter = ORVA_ResampleInit(from, to, "order=30");
     if (output == NULL || converter == NULL) {
-        fprintf(stderr, "resample: %s\n", output == NULL ? sf_strerror(NULL) : "out of memory");
+        fprintf(stderr, "usage: resample SOUND.wav OUTPUT.wav, of one channel at %d Hz\n", from);
         return 1;
     }
 
@@ -40,9 +37,6 @@ int main(int count, char **arguments)
         written += sf_write_float(output, out, made);
     }
     printf("%lld samples became %lld\n", (long long) all, (long long) written);
-    if (written < due)
-        fprintf(stderr, "resample: %s: %s\n", arguments[2], sf_strerror(output));
-
     ORVA_ResampleDestroy(converter);
     sf_close(output);
     sf_close(sound);

@@ -89,7 +89,7 @@ TEST(Examples, SayWhatTheyTakeWhereASoundIsMissingOrNone)
     }
 }
 
-TEST(Examples, SayThatTheirOutputCannotBeWritten)
+TEST(Examples, SayWhatTheyTakeWhereTheirOutputCannotBeWritten)
 {
     const support::Folder folder;
     fill(folder);
@@ -101,7 +101,8 @@ TEST(Examples, SayThatTheirOutputCannotBeWritten)
         command.replace(command.rfind(' ') + 1, std::string::npos, "none/out.wav");
         const support::Outcome outcome = runRefused(folder, command);
         EXPECT_EQ(outcome.status, 1) << command;
-        EXPECT_TRUE(outcome.err.starts_with(example.name + ": ")) << command << ": " << outcome.err;
+        EXPECT_TRUE(outcome.err.starts_with("usage: " + example.name + " "))
+            << command << ": " << outcome.err;
         ++count;
     }
     EXPECT_GT(count, 0u);
