@@ -138,6 +138,7 @@ TEST(Scripts, RefuseWhatTheyDoNotKnow)
         {{"abi", "compare", "a", "b", "c"}, "abi: unknown argument 'c'"},
         {{"avx512", "not one's name"}, "avx512: 'not one's name' is no filter of tests"},
         {{"bench", "nonsense"}, "bench: no benchmarks of a family 'nonsense'"},
+        {{"bits", "gcc-O2", "nonsense"}, "bits: unknown build 'nonsense'"},
         {{"bootstrap", "build", "nonsense"}, "bootstrap: unknown group 'nonsense'"},
         {{"coverage", "nonsense"}, "coverage: unknown argument 'nonsense'"},
         {{"demo", "a", "b"}, "demo: unknown argument 'b'"},
