@@ -11,39 +11,47 @@ if(ORVA_SANITIZE MATCHES undefined)
     target_compile_options(orva_test_options INTERFACE -fno-sanitize=undefined)
 endif()
 
-# What 'interposer' and 'strace' name works by standing between a program and the C library, where a sanitizer stands
-# already; 'lint' looks at sources and at code compiled for the purpose, to which a sanitizer adds nothing; 'package'
-# looks at what is shipped, in which there is none; 'hashes' runs for minutes under one, which sees the same loops in other
-# tests. 'superuser' needs a second user, whom only a superuser can become.
+# orva_leave_out(<label> <reason>): this build leaves out the tests of a label or a family. script/test counts them and
+# tells the reason.
 set(ORVA_LEFT_OUT_LABELS "")
+set(ORVA_LEFT_OUT_TESTS ${CMAKE_BINARY_DIR}/left_out_tests)        # one line a test: its label, a tab, the test
+set(ORVA_LEFT_OUT_REASONS ${CMAKE_BINARY_DIR}/left_out_reasons)    # one line a label: the label, a tab, the reason
+file(WRITE ${ORVA_LEFT_OUT_TESTS} "")
+file(WRITE ${ORVA_LEFT_OUT_REASONS} "")
+function(orva_leave_out label reason)
+    set(ORVA_LEFT_OUT_LABELS ${ORVA_LEFT_OUT_LABELS} ${label} PARENT_SCOPE)
+    file(APPEND ${ORVA_LEFT_OUT_REASONS} "${label}\t${reason}\n")
+endfunction()
+
 if(ORVA_SANITIZE)
-    list(APPEND ORVA_LEFT_OUT_LABELS interposer strace lint package hashes)
+    orva_leave_out(interposer "stand between a program and the C library, where the sanitizer stands already")
+    orva_leave_out(strace "stand between a program and the C library, where the sanitizer stands already")
+    orva_leave_out(lint "look at sources and at code compiled for the purpose, to which the sanitizer adds nothing")
+    orva_leave_out(hashes "run for minutes under a sanitizer, which sees the same loops in other tests")
+    orva_leave_out(package "look at what is shipped, in which there is no sanitizer")
 endif()
 execute_process(COMMAND id -u OUTPUT_VARIABLE user OUTPUT_STRIP_TRAILING_WHITESPACE COMMAND_ERROR_IS_FATAL ANY)
 if(NOT user EQUAL 0)
-    list(APPEND ORVA_LEFT_OUT_LABELS superuser)
+    orva_leave_out(superuser "need a second user, whom only a superuser can become")
 endif()
-set(ORVA_LEFT_OUT_TESTS ${CMAKE_BINARY_DIR}/left_out_tests)    # one line a test that this build leaves out
-file(WRITE ${ORVA_LEFT_OUT_TESTS} "")
 
 # orva_test(<name> FAMILY <family> [SOURCES <files>] [LIBRARIES <targets>] [LABELS <labels>] [ENVIRONMENT <NAME=value>]
 #           [FIXTURES <fixtures>] [WITHOUT_KETT])
 #
 # Builds the test program <name> of the SOURCES, <name>.cpp by default, and registers its tests under the label <family>
-# and the further LABELS. Tests labelled 'interposer', 'strace', 'lint', 'package' or 'hashes' exist only in builds without
-# a sanitizer, those labelled 'superuser' only where a superuser builds; 'interposer' links the interposer in front of the
-# LIBRARIES. Every test program links libkett, unless it is told not to.
+# and the further LABELS; where one of them is left out, there is no such target. The label 'interposer' links the
+# interposer in front of the LIBRARIES. Every test program links libkett, unless it is told not to.
 function(orva_test name)
     cmake_parse_arguments(ARG "WITHOUT_KETT" "FAMILY" "SOURCES;LIBRARIES;LABELS;ENVIRONMENT;FIXTURES" ${ARGN})
     if(NOT ARG_SOURCES)
         set(ARG_SOURCES ${name}.cpp)
     endif()
-    foreach(label ${ARG_LABELS})
+    foreach(label ${ARG_FAMILY} ${ARG_LABELS})
         if(label IN_LIST ORVA_LEFT_OUT_LABELS)
             foreach(source ${ARG_SOURCES})
                 file(STRINGS ${source} tests REGEX "^TEST(_F)?\\(")
                 foreach(test ${tests})
-                    file(APPEND ${ORVA_LEFT_OUT_TESTS} "${test}\n")
+                    file(APPEND ${ORVA_LEFT_OUT_TESTS} "${label}\t${test}\n")
                 endforeach()
             endforeach()
             return()

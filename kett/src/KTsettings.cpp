@@ -9,6 +9,7 @@
 
 #include <cstdarg>
 #include <cstdlib>
+#include <utility>
 
 namespace kett
 {
@@ -83,8 +84,8 @@ bool set(char *Setting::*place, const char *format, va_list arguments)
         std::free(value);
         return false;
     }
-    std::free(setting->*place);
-    setting->*place = value;
+    char *before = std::exchange(setting->*place, value);
+    std::free(before); // now that nothing points to it
     return true;
 }
 

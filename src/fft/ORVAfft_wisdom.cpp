@@ -2,6 +2,7 @@
 #include "fft/ORVAfft_internal.h"
 #include "fft/ORVAfft_wisdom_grammar.h"
 #include "platform/path.h"
+#include "platform/wisdom_text.h"
 
 #include <kett/KTenv.h>
 #include <kett/KTio.h>
@@ -104,12 +105,12 @@ bool saveStore()
     StorePath path;
     if (!findStore(path))
         return false;
-    char *exported = fftwf_export_wisdom_to_string();
+    char *exported = newWisdomText();
     if (exported == nullptr)
         return false;
     const std::span<const char> wisdom(exported, std::strlen(exported));
     const bool isSaved = storeHolds(path.text, wisdom) || writeStore(path.text, wisdom);
-    std::free(exported); // not fftwf_free: FFTW gives this text out for plain free
+    std::free(exported);
     return isSaved;
 }
 

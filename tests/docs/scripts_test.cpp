@@ -201,7 +201,8 @@ TEST(Bootstrap, InstallsWhatEachGroupNeeds)
 
     // None named is all of them.
     std::set<std::string> every;
-    for (const char *group : {"build", "examples", "tests", "bench", "documents", "packages", "emulator"})
+    for (const char *group :
+         {"build", "examples", "tests", "bench", "documents", "packages", "emulator", "windows"})
         for (const auto &package : system.packagesOf({group}))
             every.insert(package);
     const auto all = system.packagesOf({});
