@@ -14,7 +14,8 @@ namespace
 {
 
 // Both under the lock of Data::log, which is held during the sink's call as well: it serialises the calls,
-// and a sink that has been replaced is not running any more.
+// and a sink that has been replaced is not running any more. They change under that of Data::sink as
+// well: a fork waits for the second lock, though not for the first, and so leaves its child a sink with its own context.
 constinit KTDEBUG_SINK currentSink = nullptr;
 constinit void *currentContext = nullptr;
 
@@ -38,7 +39,8 @@ using namespace kett;
 
 void KTDEBUG_SetSink(KTDEBUG_SINK sink, void *context)
 {
-    const Hold hold(Data::log);
+    const Hold log(Data::log);
+    const Hold pair(Data::sink);
     currentSink = sink;
     currentContext = context;
 }

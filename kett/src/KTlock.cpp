@@ -1,7 +1,5 @@
 #include "KTlock.h"
 
-#include "platform/lock.h"
-
 namespace kett
 {
 
@@ -13,14 +11,9 @@ constinit SystemLock locks[static_cast<int>(Data::threads) + 1] = {};
 
 } // namespace
 
-void lock(Data data)
+SystemLock &lockOf(Data data)
 {
-    lock(locks[static_cast<int>(data)]);
-}
-
-void unlock(Data data)
-{
-    unlock(locks[static_cast<int>(data)]);
+    return locks[static_cast<int>(data)];
 }
 
 } // namespace kett

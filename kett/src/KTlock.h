@@ -2,33 +2,36 @@
 // of a process to the last.
 #pragma once
 
+#include "platform/lock.h"
+
 namespace kett
 {
 
-enum class Data { log, settings, environment, versions, descriptors, threads };
+// The lock of `log` is held while a sink runs, which is the host's code and may take its time. The others are held for a
+// moment, in which nothing of the host's runs.
+enum class Data { log, sink, settings, environment, versions, descriptors, threads };
 
-void lock(Data data);
-void unlock(Data data);
+SystemLock &lockOf(Data data);
 
 // Holds the lock of `data` as long as it lives.
 class Hold
 {
 public:
-    explicit Hold(Data guarded) : data(guarded)
+    explicit Hold(Data data) : guard(lockOf(data))
     {
-        lock(data);
+        lock(guard);
     }
 
     ~Hold()
     {
-        unlock(data);
+        unlock(guard);
     }
 
     Hold(const Hold &) = delete;
     Hold &operator=(const Hold &) = delete;
 
 private:
-    const Data data;
+    SystemLock &guard;
 };
 
 } // namespace kett

@@ -25,14 +25,6 @@ constinit KT_THREAD *threads = nullptr;
 
 } // namespace
 
-bool wereThreadsCaught()
-{
-    for (const KT_THREAD *thread = threads; thread != nullptr; thread = thread->next)
-        if (isElsewhere(thread->system) && !hasEnded(thread->system))
-            return true;
-    return false;
-}
-
 void discardThreads()
 {
     const Hold hold(Data::threads);

@@ -9,8 +9,6 @@ namespace kett
 
 void onUnload()
 {
-    if (wereThreadsCaught())
-        return;
     KTMEM_DisposeDisplayed(); // nobody could free them any more
     discardThreads();
     discardSettings();

@@ -10,8 +10,4 @@ void discardSettings();
 void discardThreads();
 void discardVersions();
 
-// Whether this is a child of fork, and a thread was at work in its parent: it may have held any lock, and
-// the child holds it for ever. Takes none itself.
-bool wereThreadsCaught();
-
 } // namespace kett

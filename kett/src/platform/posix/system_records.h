@@ -17,6 +17,7 @@ struct SystemFile {
 
 struct SystemLock {
     pthread_mutex_t mutex = PTHREAD_MUTEX_INITIALIZER;
+    std::atomic<pthread_t> holder = pthread_t{}; // zero for nobody
 };
 
 struct SystemThread {
