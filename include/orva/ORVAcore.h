@@ -17,6 +17,25 @@
  *  ORVA_InitializeFFT() describes: the wisdom store is not read again, and a preparation of plans ends after its first
  *  transform length.
  *
+ *  A child of fork() has the library as its parent had it, with copies of all handles. It may call everything, but must
+ *  leave alone each handle that another thread was using at the moment of the fork. It has no preparation of plans, and may
+ *  start one. One thing it may have lost: if another thread was then at FFTW's planner, the child and its own children do
+ *  without the planner as long as they live. Then
+ *
+ *      ORVA_FFTProcCreate(), ORVA_IFFTProcCreate(), ORVA_FMCLTProcCreate()     give null,
+ *      ORVA_XcorrProcCreate()              gives a processor for which both execute calls give -1,
+ *      ORVA_XcorrCoef()                    gives -1.0,
+ *      ORVA_OptimizeFFT()                  starts nothing and returns at once,
+ *      the calls that destroy              free everything but the plans,
+ *      the wisdom store                    is neither read nor written,
+ *
+ *  and all else works, the execution of processors made before the fork included. In no case does a child hang or crash
+ *  when it takes the library down, be it by ORVA_Finalize(), by unloading or at the end of the process; it saves the wisdom
+ *  only if it has the planner. At the planner are the calls that create or destroy a processor for transforms, correlation
+ *  or the lapped transform, ORVA_XcorrCoef(), a preparation of plans while it plans or saves, and the start and the stop
+ *  of the library. A child without the planner must not unload the library and load it again to plan, since FFTW stays as
+ *  it is. vfork() and posix_spawn() change nothing here.
+ *
  *  None of this reports a failure, and no failure prevents the library from being loaded. Only transforms, correlation and
  *  the lapped transform need the library to be up; everything else works whatever the count is.
  */
@@ -37,7 +56,7 @@ ORVA_API void ORVA_Initialize(void);
  *  the count to one, however far below zero it was.
  *
  *  A preparation of plans that is under way first finishes its current transform length, and the call waits for that. So do
- *  the end of the process and the unloading of the library.
+ *  the end of the process and the unloading of the library. A child of fork() waits for no preparation of its parent.
  *
  *  Threads: one at a time, ORVA_Initialize() included.   Real time: no (waits, may write the wisdom store).
  */

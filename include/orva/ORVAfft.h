@@ -36,6 +36,9 @@
  *      int32_t bins = ORVA_FFTProcExecute(fft, input, spectrum);   // 513
  *      ORVA_FFTProcDestroy(fft);
  *
+ *  A child of fork() does without the planner if another thread was at it at the moment of the fork:
+ *  whatever would plan is then refused, as orva/ORVAcore.h tells. It never waits for a thread of its parent.
+ *
  *  FFTW belongs to the whole process: the engine never clears FFTW's wisdom, and when this library is
  *  unloaded, FFTW stays loaded with everything that its planner has allocated.
  *
@@ -68,8 +71,7 @@ ORVA_API bool ORVA_InitializeFFT(void);
  *  A preparation ends after its current transform length, and saves the wisdom; one that is still waiting for
  *  its folder goes on waiting, for 300 ms at most. A store that cannot be written stays as it is.
  *
- *  In a child of fork() that was made while a preparation was at work, nothing is waited for, written or
- *  destroyed: the preparation belongs to the parent, and the fork may have caught it inside the planner.
+ *  In a child of fork() that has lost the planner, nothing is waited for, written or destroyed.
  *
  *  @return true.
  *
@@ -98,7 +100,8 @@ ORVA_API bool ORVA_FinalizeFFT(void);
  *               the next call then starts a new one. False: return at once. After a call that did not wait,
  *               further calls that do not wait start nothing, even when the preparation has long ended: a
  *               call that waits has to come between them.
- *  @return      true, also when the thread could not be started; a later call then tries again.
+ *  @return      true, also when the thread could not be started; a later call then tries again. In a child of
+ *               fork() that has lost the planner, true at once, with nothing started.
  *
  *  Call it while the engine runs, and not while another thread stops it. Before the very first start of the
  *  engine it works without a lock, so no other thread may then be in a call of the library; that start loses
@@ -149,8 +152,9 @@ typedef struct ORVA_FFT ORVA_FFT;
 /** Makes a forward processor.
  *
  *  @param length  N, real samples; every length that FFTW accepts, fastest with small prime factors.
- *  @return        the processor, to be destroyed by ORVA_FFTProcDestroy(); null when memory is out. For a
- *                 length that FFTW refuses, such as zero and below, a processor that executes nothing.
+ *  @return        the processor, to be destroyed by ORVA_FFTProcDestroy(); null when memory is out and in a
+ *                 child of fork() that has lost the planner. For a length that FFTW refuses, such as zero and
+ *                 below, a processor that executes nothing.
  *
  *  Threads: any, while the engine runs.   Real time: no (allocates, locks, plans, may read the wisdom store).
  */
@@ -222,7 +226,8 @@ ORVA_API int32_t ORVA_FFTProcExecutePSDEx(const ORVA_FFT *fft, const float *inpu
 
 /** Destroys a processor of either direction.
  *
- *  @param fft  the processor, gone after the call, or null.
+ *  @param fft  the processor, gone after the call, or null. Its plan stays in memory in a child of fork()
+ *              that has lost the planner.
  *  @return     true, or false for null, which does nothing and takes no lock.
  *
  *  Threads: any, while the engine runs and no other thread uses the processor.   Real time: no (locks, frees

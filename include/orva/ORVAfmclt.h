@@ -45,8 +45,8 @@ typedef struct ORVA_FMCLT ORVA_FMCLT;
 /** Makes a processor.
  *
  *  @param blockLength  M, samples in a block, 1 to 268435456 (2^28).
- *  @return             the processor, owned by the caller until ORVA_FMCLTProcDestroy(); null for any other length and when
- *                      memory is out.
+ *  @return             the processor, owned by the caller until ORVA_FMCLTProcDestroy(); null for any other length, when
+ *                      memory is out and in a child of fork() that has lost FFTW's planner (orva/ORVAcore.h).
  *
  *  Threads: any, but not between ORVA_FinalizeFFT() and a new ORVA_InitializeFFT().   Real time: no (allocates, plans under
  *  a lock).

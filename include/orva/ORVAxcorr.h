@@ -38,7 +38,8 @@ typedef struct ORVA_XCORR ORVA_XCORR;
  *                  for a negative length, for one above 1073741823, and when memory for the record is out.
  *                  When memory for its buffers is out, a processor for which both execute calls give -1; if
  *                  the buffers of the spectra are among these, the error
- *                  "ORVAXcorrProcCreate: Erro na alocacao dos vetores!\n" is logged.
+ *                  "ORVAXcorrProcCreate: Erro na alocacao dos vetores!\n" is logged. In a child of fork()
+ *                  that has lost FFTW's planner (orva/ORVAcore.h), such a processor, too, without a message.
  *
  *  Threads: any, between ORVA_InitializeFFT() and ORVA_FinalizeFFT().   Real time: no (allocates, plans under
  *  a lock).
@@ -120,7 +121,8 @@ ORVA_API bool ORVA_XcorrProcDestroy(ORVA_XCORR *xcorr);
  *                  written even then. -1.0, with the lag untouched: for a null `x` with the error
  *                  "ORVA_XcorrCoef: Invalid vector x\n", else for a null `y` with
  *                  "ORVA_XcorrCoef: Invalid vector y\n"; without a message for a negative length, one above
- *                  1073741823, and when memory is out.
+ *                  1073741823, when memory is out, and in a child of fork() that has lost FFTW's planner
+ *                  (orva/ORVAcore.h).
  *
  *  For occasional use: each call makes a processor and destroys it.
  *  Threads: any, between ORVA_InitializeFFT() and ORVA_FinalizeFFT().   Real time: no (allocates, plans under

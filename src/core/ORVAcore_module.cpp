@@ -1,4 +1,4 @@
-// Module entry: one use is counted at load and taken away at unload.
+// Module entry: one use is counted at load and taken away at unload. A child of fork has the count of its parent.
 #include "fft/ORVAfft_internal.h"
 #include "platform/module.h"
 
@@ -10,6 +10,11 @@ namespace orva
 void onLoad()
 {
     ORVA_Initialize();
+}
+
+void onThreadsGone()
+{
+    leaveOutAbsentThreads();
 }
 
 void onUnload()

@@ -4,30 +4,16 @@
 #include "common/memory.h"
 #include "fft/ORVAfft_internal.h"
 #include "platform/pinning.h"
-#include "platform/process.h"
 
 namespace orva
 {
 
-KT_MUTEX *__FFTW_PlanLock = nullptr;
 KT_THREAD *__FFTW_InitThread = nullptr;
 bool __FFTW_Initialized = false;
 std::atomic<bool> __FFTW_StopOptimization = false;
 
 namespace
 {
-
-int64_t startedIn = 0; // process
-
-// A child of fork has the state in which a preparation was caught at work in its parent, but not the preparation:
-// the lock may stay held for ever, and FFTW's planner may stand in the middle of a change.
-bool wasPreparationCaught()
-{
-    if (currentProcess() == startedIn || __FFTW_InitThread == nullptr)
-        return false;
-    __FFTW_StopOptimization.store(true, std::memory_order_relaxed); // it may also be one of the child itself
-    return KTTHREAD_JoinThreadEx(__FFTW_InitThread, 0) == 0;
-}
 
 // The scratch arrays are only looked at for their alignment: FFTW_ESTIMATE does not write to them. Without
 // both, as for a length of zero or below, which FFTW refuses, there is no plan.
@@ -58,13 +44,14 @@ fftwf_plan newPlan(int32_t length, bool inverse)
 ORVA_FFT *__FFTW_CreatePlan(int32_t length, bool inverse)
 {
     __FFTW_LoadWisdom();
-    MutexLock(__FFTW_PlanLock);
+    if (!enterPlanner())
+        return nullptr;
     auto *fft = newZeroed<ORVA_FFT>(1);
     if (fft != nullptr) {
         fft->length = length;
         fft->plan = newPlan(length, inverse);
     }
-    MutexUnlock(__FFTW_PlanLock);
+    leavePlanner();
     return fft;
 }
 
@@ -78,7 +65,6 @@ bool ORVA_InitializeFFT(void)
         return true;
     // Here and not on the preparing thread, which an unload may wait for with the loader's lock held.
     pinFFTW();
-    startedIn = currentProcess();
     __FFTW_PlanLock = MutexInit();
     __FFTW_InitThread = nullptr;
     __FFTW_LoadWisdom();
@@ -88,14 +74,12 @@ bool ORVA_InitializeFFT(void)
 
 bool ORVA_FinalizeFFT(void)
 {
-    if (wasPreparationCaught()) {
-        __FFTW_Initialized = false;
-        return true;
-    }
-    MutexLock(__FFTW_PlanLock);
+    const bool hasPlanner = enterPlanner();
     __FFTW_Initialized = false;
     __FFTW_StopOptimization.store(true, std::memory_order_relaxed);
-    MutexUnlock(__FFTW_PlanLock);
+    if (!hasPlanner) // nothing may be saved, and the lock may be held for ever
+        return true;
+    leavePlanner();
     if (__FFTW_InitThread != nullptr)
         KTTHREAD_JoinThreadEx(__FFTW_InitThread, 0);
     if (__FFTW_WisdomLoaded) // looked at after the join: the preparation may have loaded it
@@ -106,17 +90,19 @@ bool ORVA_FinalizeFFT(void)
 
 bool ORVA_OptimizeFFT(bool wait)
 {
-    MutexLock(__FFTW_PlanLock);
+    if (!enterPlanner())
+        return true;
     if (__FFTW_InitThread == nullptr)
         __FFTW_InitThread = KTTHREAD_AddThread(__InitializeFFTWPlans, nullptr, 0);
     KT_THREAD *thread = __FFTW_InitThread;
-    MutexUnlock(__FFTW_PlanLock);
+    leavePlanner();
     if (!wait || thread == nullptr)
         return true;
     KTTHREAD_JoinThreadEx(thread, 0);
-    MutexLock(__FFTW_PlanLock);
+    if (!enterPlanner())
+        return true;
     if (__FFTW_InitThread == thread) // another that waited may have collected it and started the next
         __FFTW_InitThread = nullptr;
-    MutexUnlock(__FFTW_PlanLock);
+    leavePlanner();
     return true;
 }

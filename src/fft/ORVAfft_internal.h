@@ -19,8 +19,8 @@ struct ORVA_FFT {
 namespace orva
 {
 
-// The one lock around FFTW's planner: plan creation, plan destruction, wisdom import and export. Another
-// family locks it if it is not null, and never creates or destroys it.
+// The one lock around FFTW's planner: plan creation, plan destruction, wisdom import and export. Taken by
+// enterPlanner() alone; null, and then no lock, before the engine's start.
 extern KT_MUTEX *__FFTW_PlanLock;
 
 extern KT_THREAD *__FFTW_InitThread; // the preparation, null when none was started or it has been collected
@@ -30,6 +30,15 @@ extern bool __FFTW_Initialized;      // between ORVA_InitializeFFT and ORVA_Fina
 // Tells the preparation to stop. Set by ORVA_FinalizeFFT and never cleared: after a restart, a preparation
 // stops after its first length. Relaxed: no ordering rests on it, and being late by a length is harmless.
 extern std::atomic<bool> __FFTW_StopOptimization;
+
+// Every use of the planner, in any family, stands between these two. False, with nothing taken, in a process that has
+// lost the planner.
+[[nodiscard]] bool enterPlanner();
+void leavePlanner();
+
+// In a process whose other threads are gone, wherever they were: the planner is lost if one of them was at it, and there
+// is no preparation any more.
+void leaveOutAbsentThreads();
 
 ORVA_FFT *__FFTW_CreatePlan(int32_t length, bool inverse);
 bool __FFTW_LoadWisdom();

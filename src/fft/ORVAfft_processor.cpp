@@ -101,10 +101,11 @@ bool ORVA_FFTProcDestroy(ORVA_FFT *fft)
 {
     if (fft == nullptr)
         return false;
-    MutexLock(__FFTW_PlanLock);
-    if (fft->plan != nullptr)
-        fftwf_destroy_plan(fft->plan);
-    MutexUnlock(__FFTW_PlanLock);
+    if (enterPlanner()) { // else the plan stays
+        if (fft->plan != nullptr)
+            fftwf_destroy_plan(fft->plan);
+        leavePlanner();
+    }
     std::free(fft);
     return true;
 }

@@ -118,17 +118,19 @@ bool saveStore()
 
 bool __FFTW_LoadWisdom()
 {
-    MutexLock(__FFTW_PlanLock);
+    if (!enterPlanner())
+        return false;
     const bool isRead = loadStore();
-    MutexUnlock(__FFTW_PlanLock);
+    leavePlanner();
     return isRead;
 }
 
 bool __FFTW_SaveWisdom()
 {
-    MutexLock(__FFTW_PlanLock);
+    if (!enterPlanner())
+        return false;
     const bool isSaved = saveStore();
-    MutexUnlock(__FFTW_PlanLock);
+    leavePlanner();
     return isSaved;
 }
 

@@ -56,10 +56,12 @@ ORVA_FMCLT *ORVA_FMCLTProcCreate(int32_t blockLength)
     if (fmclt == nullptr)
         return nullptr;
     fmclt->blockLength = blockLength;
-    MutexLock(orva::__FFTW_PlanLock); // null, and then no lock, before the engine's start
-    const bool made = makePlans(*fmclt);
-    MutexUnlock(orva::__FFTW_PlanLock);
-    if (made)
+    bool isMade = false;
+    if (enterPlanner()) {
+        isMade = makePlans(*fmclt);
+        leavePlanner();
+    }
+    if (isMade)
         return fmclt;
     ORVA_FMCLTProcDestroy(fmclt);
     return nullptr;
@@ -69,12 +71,13 @@ int32_t ORVA_FMCLTProcDestroy(ORVA_FMCLT *fmclt)
 {
     if (fmclt == nullptr)
         return 0;
-    MutexLock(orva::__FFTW_PlanLock);
+    const bool hasPlanner = enterPlanner();
     for (const fftwf_plan plan : {fmclt->planDirect, fmclt->planInverse, fmclt->planTrig})
-        if (plan != nullptr)
+        if (hasPlanner && plan != nullptr) // else the plan stays
             fftwf_destroy_plan(plan);
     fftwf_free(fmclt->buffer);
-    MutexUnlock(orva::__FFTW_PlanLock);
+    if (hasPlanner)
+        leavePlanner();
     std::free(fmclt);
     return 1;
 }

@@ -3,6 +3,8 @@
 // library does, but before libkett, which has the lowest number that a program may take.
 #include "platform/module.h"
 
+#include <pthread.h>
+
 namespace orva
 {
 
@@ -11,6 +13,8 @@ namespace
 
 __attribute__((constructor(102))) void load()
 {
+    // The GNU C library drops the handler when this library is unloaded.
+    pthread_atfork(nullptr, nullptr, onThreadsGone);
     onLoad();
 }
 
