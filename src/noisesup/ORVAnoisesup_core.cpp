@@ -30,8 +30,8 @@ void cleanTwoBands(ORVA_NOISESUP &suppressor)
     float outHigh[bandLength];
     const float *const input[] = {inLow, inHigh, nullptr};
     float *const output[] = {outLow, outHigh, nullptr};
-    WebRtcSpl_AnalysisQMF(suppressor.inputFrame, 2 * bandLength, split.low, split.high, split.filterState1,
-                          split.filterState2);
+    WebRtcSpl_AnalysisQMF(suppressor.inputFrame, size_t{2} * bandLength, split.low, split.high,
+                          split.filterState1, split.filterState2);
     convert.widenBand(split.low, inLow, bandLength);
     convert.widenBand(split.high, inHigh, bandLength);
     WebRtcNs_Process(suppressor.ns, input, 2, output);

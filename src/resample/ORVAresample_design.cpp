@@ -109,7 +109,7 @@ Layout layoutFor(int64_t length, int32_t L, int32_t M)
 
 void fillGroups(double *coefs, const PolyphaseBank &bank, const double *h, int64_t length)
 {
-    for (int32_t group = 0; group < groupCount(bank); ++group)
+    for (int32_t group = 0; group < groupCount(bank); ++group) {
         for (int32_t lane = 0; lane < groupLanes; ++lane) {
             const int64_t first = groupStart(bank, group);
             const int64_t newest = newestSample(bank, first + groupLanes - 1);
@@ -119,6 +119,7 @@ void fillGroups(double *coefs, const PolyphaseBank &bank, const double *h, int64
                     coefs[group * bank.groupSize + row * groupLanes + lane] = h[k];
             }
         }
+    }
 }
 
 // H(s, c) = h[c M + s L]

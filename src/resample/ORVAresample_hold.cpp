@@ -68,7 +68,7 @@ ZohResampler *newHold(int32_t inputRate, int32_t outputRate)
         return nullptr;
     resampler->outputsPerInput = quotient + 1;
     const int32_t count = resampler->coefficientCount;
-    resampler->stateA = newZeroed<double>(static_cast<size_t>(2 * count + 2));
+    resampler->stateA = newZeroed<double>(2 * static_cast<size_t>(count) + 2);
     if (resampler->stateA == nullptr)
         return nullptr;
     resampler->stateB = resampler->stateA + count + 1;

@@ -101,11 +101,12 @@ int32_t runPolyphase(PolyphaseResampler *resampler, const float *input, float *o
     if (written > 0)
         prepareKernels(resampler, block).sums(resampler->bank, outputs, output);
     advance(resampler, block);
-    if (allFinite)
+    if (allFinite) {
         resampler->finiteSamples =
             static_cast<int32_t>(std::min<int64_t>(history, int64_t{resampler->finiteSamples} + count));
-    else
+    } else {
         resampler->finiteSamples = finiteAtEnd(resampler->work + resampler->end, history);
+    }
     return static_cast<int32_t>(written);
 }
 

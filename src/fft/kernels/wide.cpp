@@ -80,7 +80,7 @@ template <class Scaled>
             x[v] = scaled(i + v * floatLanes, [](const float *from) { return load<Floats>(from); });
         decibelsOf(x, floors);
 #pragma GCC unroll 4
-        for (int32_t v = 0; v < atOnce; ++v)
+        for (int64_t v = 0; v < atOnce; ++v)
             store(output + i + v * floatLanes, x[v]);
     }
     for (; i < count; i += floatLanes) {
@@ -146,7 +146,7 @@ void products(const ORVA_COMPLEX *a, const ORVA_COMPLEX *b, ORVA_COMPLEX *output
 {
     constexpr int32_t valuesPerVector = floatLanes / 2;
     int32_t i = 0;
-    if (!overlaps(a, output, count) && !overlaps(b, output, count))
+    if (!overlaps(a, output, count) && !overlaps(b, output, count)) {
         for (; i <= count - valuesPerVector; i += valuesPerVector) {
             const auto x = load<Floats>(floatsOf(a + i));
             const auto y = load<Floats>(floatsOf(b + i));
@@ -154,6 +154,7 @@ void products(const ORVA_COMPLEX *a, const ORVA_COMPLEX *b, ORVA_COMPLEX *output
             const Floats crossed = exchanged(x) * oddsTwice(y); // a.im b.im, a.re b.im
             store(&output[i].re, straight + withEvensNegated(crossed));
         }
+    }
     kernelsAt<FftKernels, Level::plain>().products(a + i, b + i, output + i, count - i);
 }
 

@@ -43,13 +43,14 @@ bool isEstimateSmall(const std::string &text)
 {
     if (number(text, "As", -1.0f) > 300.0f || std::fabs(number(text, "Ap", 3.0f)) < 1e-3f)
         return false;
-    for (const char *stop : {"fstop", "fstop1", "fstop2"})
+    for (const char *stop : {"fstop", "fstop1", "fstop2"}) {
         for (const char *pass : {"fpass", "fpass1", "fpass2"}) {
             const float s = number(text, stop, -1.0f);
             const float p = number(text, pass, -1.0f);
             if (s > 0.0f && p > 0.0f && !(std::fabs(s - p) > 1e-3f * std::max(s, p)))
                 return false;
         }
+    }
     return true;
 }
 

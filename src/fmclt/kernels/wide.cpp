@@ -111,7 +111,7 @@ int32_t overlapAddInFloat(const float *first, const float *second, float *output
         Floats quotient[atOnce];
         Ints isExact = Ints{} - 1;
 #pragma GCC unroll 4
-        for (int32_t v = 0; v < atOnce; ++v) {
+        for (int64_t v = 0; v < atOnce; ++v) {
             const auto y = load<Floats>(first + i + v * floatLanes);
             quotient[v] = y * inverse;
             isExact &= quotient[v] * d == y;

@@ -96,8 +96,13 @@ enum class From {
     each      // each its own, where rows follow each other
 };
 
+constexpr int32_t bankCount(From from, int32_t groups)
+{
+    return from == From::each ? groups : 1;
+}
+
 template <From from, int32_t groups> struct Sums {
-    static constexpr int32_t banks = from == From::each ? groups : 1;
+    static constexpr int32_t banks = bankCount(from, groups);
 
     Doubles sum[groups][vectors];
     const double *x[groups];
@@ -118,7 +123,7 @@ template <class Sum, bool isEnd, From from, int32_t groups>
         for (int32_t b = 0; b < banks; ++b) {
             for (int32_t l = 0; l < groupLanes; ++l)
                 ofLane[l] = coefficients[b] + l * int64_t{bank.down};
-            for (int32_t v = 0; v < vectors; ++v)
+            for (int64_t v = 0; v < vectors; ++v)
                 h[b][v] = load<Longs>(ofLane + v * doubleLanes);
         }
     }
@@ -153,10 +158,11 @@ template <class Sum, bool isEnd, From from, int32_t groups>
                     s.sum[g][v] = next;
             }
         }
-        if constexpr (isEnd)
+        if constexpr (isEnd) {
             for (int32_t b = 0; b < banks; ++b)
                 for (int32_t v = 0; v < vectors; ++v)
                     h[b][v] += int64_t{bank.up};
+        }
     }
 }
 
@@ -258,14 +264,14 @@ template <class Sum> void sumSideBySide(const PolyphaseBank &bank, const OutputS
     while (n < end) {
         Group group[mostSideBySide] = {};
         int32_t count = 0;
-        for (; count < most && n < end; ++count) {
-            group[count] = groupAt(bank, span, number, n);
+        do {
+            group[count++] = groupAt(bank, span, number, n);
             if (++number == groups) {
                 number = 0;
                 round += bank.round;
             }
             n = round + groupStart(bank, number);
-        }
+        } while (count < most && n < end);
         if (comesRound(bank))
             sumGroups<Sum, From::oneRound, 1>(bank, span, group, output);
         else

@@ -53,12 +53,13 @@ void takeEveryFourth(const float *from, float *to, int32_t count)
 {
     int32_t i = 0;
     for (; i < count - floatLanes; i += floatLanes) { // the last vector would read beyond its samples
-        const float *part = from + 4 * i;
+        const float *part = from + int64_t{4} * i;
         const Floats low = evens(load<Floats>(part), load<Floats>(part + floatLanes));
-        const Floats high = evens(load<Floats>(part + 2 * floatLanes), load<Floats>(part + 3 * floatLanes));
+        const Floats high =
+            evens(load<Floats>(part + int64_t{2} * floatLanes), load<Floats>(part + int64_t{3} * floatLanes));
         store(to + i, evens(low, high));
     }
-    kernelsAt<SolafsKernels, Level::plain>().takeEveryFourth(from + 4 * i, to + i, count - i);
+    kernelsAt<SolafsKernels, Level::plain>().takeEveryFourth(from + int64_t{4} * i, to + i, count - i);
 }
 
 // Calls use(point, row) for the points begin .. end - 1 of the candidates from `first` on; begin is a multiple of gridCopies.
@@ -66,8 +67,8 @@ template <class Use>
 [[gnu::always_inline]] inline void forPoints(const Search &search, int32_t first, int32_t begin, int32_t end,
                                              Use use)
 {
-    const float *row = search.grid + first + gridPerPoint * begin;
-    for (int32_t i = begin; i < end; i += gridCopies, row += gridPerPoint * gridCopies)
+    const float *row = search.grid + first + int64_t{gridPerPoint} * begin;
+    for (int32_t i = begin; i < end; i += gridCopies, row += int64_t{gridPerPoint} * gridCopies)
         for (int32_t copy = 0; copy < gridCopies && i + copy < end; ++copy)
             use(i + copy, row + copy * search.gridRoom);
 }
@@ -80,13 +81,13 @@ void sumEights(const Search &search)
         Floats sum[atOnce] = {};
         forPoints(search, first, 0, energyPoints, [&](int32_t, const float *row) {
 #pragma GCC unroll 8
-            for (int32_t v = 0; v < atOnce; ++v) {
+            for (int64_t v = 0; v < atOnce; ++v) {
                 const auto x = load<Floats>(row + v * floatLanes);
                 sum[v] += x * x;
             }
         });
 #pragma GCC unroll 8
-        for (int32_t v = 0; v < atOnce; ++v)
+        for (int64_t v = 0; v < atOnce; ++v)
             store(search.eights + first + v * floatLanes, sum[v]);
     }
 }
@@ -99,20 +100,20 @@ float estimateEnergies(const Search &search)
     for (int32_t first = 0; first < search.candidates; first += block) {
         Floats energy[atOnce] = {};
         for (int32_t i = 0; i < inEights; i += energyPoints) {
-            const float *row = search.eights + gridPerPoint * i + first;
+            const float *row = search.eights + int64_t{gridPerPoint} * i + first;
 #pragma GCC unroll 8
-            for (int32_t v = 0; v < atOnce; ++v)
+            for (int64_t v = 0; v < atOnce; ++v)
                 energy[v] += load<Floats>(row + v * floatLanes);
         }
         forPoints(search, first, inEights, search.points, [&](int32_t, const float *row) {
 #pragma GCC unroll 8
-            for (int32_t v = 0; v < atOnce; ++v) {
+            for (int64_t v = 0; v < atOnce; ++v) {
                 const auto x = load<Floats>(row + v * floatLanes);
                 energy[v] += x * x;
             }
         });
 #pragma GCC unroll 8
-        for (int32_t v = 0; v < atOnce; ++v) {
+        for (int64_t v = 0; v < atOnce; ++v) {
             store(search.scores + first + v * floatLanes, energy[v]);
             largest = energy[v] > largest ? energy[v] : largest;
         }
@@ -128,11 +129,11 @@ void estimateScores(const Search &search)
         forPoints(search, first, 0, search.points, [&](int32_t point, const float *row) {
             const auto r = allLanes<Floats>(search.reference[point]);
 #pragma GCC unroll 8
-            for (int32_t v = 0; v < atOnce; ++v)
+            for (int64_t v = 0; v < atOnce; ++v)
                 cross[v] += r * load<Floats>(row + v * floatLanes);
         });
 #pragma GCC unroll 8
-        for (int32_t v = 0; v < atOnce; ++v) {
+        for (int64_t v = 0; v < atOnce; ++v) {
             float *score = search.scores + first + v * floatLanes;
             const Floats size = cross[v] < 0.0f ? -cross[v] : cross[v];
             store(score, cross[v] * size / (load<Floats>(score) + 1.0f));
@@ -193,7 +194,7 @@ void takeInTwo(Best &best, const Search &search, const int32_t (&firsts)[2])
     for (int32_t part = 0; part < parts; ++part)
         energy[part] = allLanes<Doubles>(1.0);
     for (int32_t i = 0; i < search.points; ++i) {
-        const float *row = search.grid + gridPerPoint * i;
+        const float *row = search.grid + int64_t{gridPerPoint} * i;
         const auto r = allLanes<Doubles>(static_cast<double>(search.reference[i]));
 #pragma GCC unroll 4
         for (int32_t part = 0; part < parts; ++part) {
@@ -224,7 +225,7 @@ int32_t bestCandidate(const Search &search)
     if (power == 0.0) // silence, which correlates with nothing
         return 0;
     const int64_t used = gridPerPoint * (search.points - 1) + search.candidates + block;
-    for (int32_t copy = 1; copy < gridCopies; ++copy)
+    for (int64_t copy = 1; copy < gridCopies; ++copy)
         __builtin_memcpy(search.grid + copy * search.gridRoom, search.grid + copy * gridPerPoint,
                          static_cast<size_t>(used - copy * gridPerPoint) * sizeof(float));
     sumEights(search);

@@ -27,20 +27,22 @@ bool isHeldByCaller(const SystemLock &guard)
 // The caller holds one already if it forks in a signal handler that has interrupted it there.
 void beforeFork()
 {
-    for (size_t i = 0; i < std::size(brief); ++i)
+    for (size_t i = 0; i < std::size(brief); ++i) {
         if (SystemLock &guard = lockOf(brief[i]); !isHeldByCaller(guard)) {
             lock(guard);
             isTakenForFork[i] = true;
         }
+    }
 }
 
 void afterForkInParent()
 {
-    for (size_t i = 0; i < std::size(brief); ++i)
+    for (size_t i = 0; i < std::size(brief); ++i) {
         if (isTakenForFork[i]) {
             isTakenForFork[i] = false;
             unlock(lockOf(brief[i]));
         }
+    }
 }
 
 // A sink that another thread runs in the parent is not running here. One that forks holds the lock here as well.
