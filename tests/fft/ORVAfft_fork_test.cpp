@@ -1,8 +1,8 @@
 // What a child of fork has of the engine: all of it, or all but the planner.
+#include "fft/ORVAfft_child.h"
 #include "fft/ORVAfft_internal.h"
 #include "fft/ORVAfft_store.h"
 #include "support/bits.h"
-#include "support/process.h"
 #include "support/random.h"
 
 #include <orva/ORVAfmclt.h>
@@ -48,16 +48,6 @@ private:
     std::atomic<bool> isToLeave = false;
     std::thread thread{&Visitor::visit, this};
 };
-
-// A child of the library's parts, which lack the module entry. One that hangs is ended by a signal.
-void inChild(const std::function<void()> &body)
-{
-    support::inOwnProcess([&] {
-        alarm(60);
-        leaveOutAbsentThreads();
-        body();
-    });
-}
 
 // What is made before a fork and used after it.
 struct Processors {
@@ -167,28 +157,6 @@ TEST(EngineFork, AChildOfAParentWhoseThreadsAreElsewherePlansAndSaves)
             inChild([] { EXPECT_TRUE(ORVA_FFTProcDestroy(ORVA_FFTProcCreate(64))); });
             EXPECT_TRUE(ORVA_FFTProcDestroy(ORVA_FFTProcCreate(64)));
             ORVA_FinalizeFFT();
-        });
-        EXPECT_TRUE(store.exists());
-        ORVA_FinalizeFFT();
-    });
-}
-
-// The preparation sleeps for 50 ms before it plans.
-TEST(EngineFork, AChildHasNoPreparationAndMayStartOne)
-{
-    support::inOwnProcess([] {
-        const Store store;
-        store.announce();
-        ORVA_InitializeFFT();
-        ORVA_OptimizeFFT(false);
-        KT_THREAD *const inParent = __FFTW_InitThread;
-        ASSERT_NE(inParent, nullptr);
-        inChild([&] {
-            EXPECT_EQ(__FFTW_InitThread, nullptr);
-            ORVA_OptimizeFFT(false);
-            EXPECT_NE(__FFTW_InitThread, nullptr);
-            EXPECT_NE(__FFTW_InitThread, inParent);
-            ORVA_FinalizeFFT(); // waits for it
         });
         EXPECT_TRUE(store.exists());
         ORVA_FinalizeFFT();
