@@ -40,6 +40,7 @@ void resampleTaps(Digest &results);
 void timeScaling(Digest &results);
 void interpolation(Digest &results);
 void measures(Digest &results);
+void energy(Digest &results);
 void scales(Digest &results);
 void suppressorSamples(Digest &results);
 void windows(Digest &results);
