@@ -2,6 +2,7 @@
 #   runtime         the shared libraries under the names that programs load
 #   development     headers, link names, CMake package, pkg-config files
 #   archives        the static libraries of a static build, which may share a prefix with a shared one
+#   tools           the program orva, where the programs are built
 #   documentation   the HTML reference, where script/docs has made it
 include(CMakePackageConfigHelpers)
 

@@ -9,10 +9,10 @@
 static const char replacement[] = "\uFFFD";
 static const char ellipsis[] = "\u2026";
 
-/* The length of the UTF-8 sequence that starts at text, 0 if none does (RFC 3629: no overlong forms, no
- * surrogates). */
-static size_t sequence(const unsigned char *text)
+/* RFC 3629: no overlong forms, no surrogates. */
+size_t textSequence(const char *bytes)
 {
+    const unsigned char *text = (const unsigned char *) bytes;
     const unsigned char lead = text[0];
     if (lead < 0x80)
         return lead >= 0x20 && lead != 0x7f ? 1 : 0;
@@ -33,7 +33,7 @@ static char *clean(const char *text)
     char *copy = allocate(strlen(text) * strlen(replacement) + sizeof ellipsis, 1);
     char *end = copy;
     while (*text != '\0') {
-        const size_t length = sequence((const unsigned char *) text);
+        const size_t length = textSequence(text);
         const char *source = length > 0 ? text : replacement;
         const size_t taken = length > 0 ? length : strlen(replacement);
         memcpy(end, source, taken);

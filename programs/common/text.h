@@ -5,6 +5,7 @@
 #include <cairo.h>
 
 #include <stdbool.h>
+#include <stddef.h>
 
 /* Which point of the text stands at the place given: 0 its left end, 0.5 its middle, 1 its right end. */
 typedef struct {
@@ -20,6 +21,9 @@ void textDraw(cairo_t *cairo, Lettering how, double x, double y, const char *tex
 
 /* The same, turned a quarter to the left: it reads from below to above, and its base line is x. */
 void textDrawUpright(cairo_t *cairo, Lettering how, double x, double y, const char *text);
+
+/* The length of the UTF-8 sequence that starts at text, 0 if none does or a control character. */
+size_t textSequence(const char *text);
 
 double textWidth(cairo_t *cairo, Lettering how, const char *text);
 

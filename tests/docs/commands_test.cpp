@@ -7,6 +7,8 @@
 
 #include <gtest/gtest.h>
 
+#include <cstdlib>
+
 namespace
 {
 
@@ -30,10 +32,11 @@ void runCommands(const Document &document, const std::string &prefix)
         if (!block.name.empty())
             support::writeFile(folder / block.name, block.text);
     for (const auto &block : blocksOf(document, "sh")) {
-        const support::Outcome outcome = support::run(
-            {"env", "PKG_CONFIG_PATH=" + prefix + "/lib/pkgconfig", "CMAKE_PREFIX_PATH=" + prefix,
-             "LD_LIBRARY_PATH=" + prefix + "/lib", "bash", "-euo", "pipefail", "-c", block.text},
-            folder);
+        const support::Outcome outcome =
+            support::run({"env", "PATH=" + prefix + "/bin:" + std::getenv("PATH"),
+                          "PKG_CONFIG_PATH=" + prefix + "/lib/pkgconfig", "CMAKE_PREFIX_PATH=" + prefix,
+                          "LD_LIBRARY_PATH=" + prefix + "/lib", "bash", "-euo", "pipefail", "-c", block.text},
+                         folder);
         EXPECT_EQ(outcome.status, 0) << block.place() << ":\n" << outcome.err;
         EXPECT_TRUE(isAsExpected(outcome.out + outcome.err, block.output))
             << block.place() << ": writes\n"

@@ -191,7 +191,7 @@ TEST(Bootstrap, InstallsWhatEachGroupNeeds)
     const std::vector<std::string> build = {
         "cmake", "g++", "libfftw3-dev", "libwebrtc-audio-processing-dev", "ninja-build", "pkg-config"};
     const std::vector<std::string> examples = {"alsa-utils", "fonts-dejavu-core", "libcairo2-dev",
-                                               "libsndfile1-dev"};
+                                               "libcli11-dev", "libsndfile1-dev"};
     EXPECT_EQ(system.packagesOf({"build"}), build);
     EXPECT_EQ(system.packagesOf({"examples"}), examples);
     std::vector<std::string> both = build;
@@ -214,7 +214,8 @@ TEST(Bootstrap, InstallsWhatEachGroupNeeds)
 TEST(Bootstrap, AsksSudoOnlyForWhatIsMissing)
 {
     const System system;
-    support::writeFile(system.folder / "installed", "alsa-utils\nfonts-dejavu-core\nlibcairo2-dev\n");
+    support::writeFile(system.folder / "installed",
+                       "alsa-utils\nfonts-dejavu-core\nlibcairo2-dev\nlibcli11-dev\n");
     const support::Outcome outcome = system.bootstrap({"examples"});
     EXPECT_EQ(outcome.status, 0) << outcome.err;
     EXPECT_EQ(outcome.out, "bootstrap: for examples, installing libsndfile1-dev\n"
@@ -228,7 +229,7 @@ TEST(Bootstrap, AsksSudoOnlyForWhatIsMissing)
 
     support::writeFile(system.folder / "calls", "");
     support::writeFile(system.folder / "installed",
-                       "alsa-utils\nfonts-dejavu-core\nlibcairo2-dev\nlibsndfile1-dev\n");
+                       "alsa-utils\nfonts-dejavu-core\nlibcairo2-dev\nlibcli11-dev\nlibsndfile1-dev\n");
     EXPECT_EQ(system.bootstrap({"examples"}).out, "bootstrap: every package for examples is installed\n");
     EXPECT_THAT(system.calls(), IsEmpty());
 }
@@ -248,9 +249,8 @@ TEST(Bootstrap, SaysWhatToDoWithoutSudoAndWithoutApt)
     system.remove("sudo");
     support::Outcome outcome = system.bootstrap({"examples"});
     EXPECT_EQ(outcome.status, 1);
-    EXPECT_EQ(
-        outcome.out,
-        "bootstrap: for examples, installing libcairo2-dev libsndfile1-dev alsa-utils fonts-dejavu-core\n");
+    EXPECT_EQ(outcome.out, "bootstrap: for examples, installing libcairo2-dev libsndfile1-dev libcli11-dev "
+                           "alsa-utils fonts-dejavu-core\n");
     EXPECT_EQ(
         outcome.err,
         "bootstrap: installing needs root, and there is no sudo; as root, run: script/bootstrap examples\n");
@@ -260,7 +260,7 @@ TEST(Bootstrap, SaysWhatToDoWithoutSudoAndWithoutApt)
     EXPECT_EQ(outcome.status, 1);
     EXPECT_EQ(outcome.err,
               "bootstrap: needs Debian's apt; install by hand what corresponds to: libcairo2-dev "
-              "libsndfile1-dev alsa-utils fonts-dejavu-core\n");
+              "libsndfile1-dev libcli11-dev alsa-utils fonts-dejavu-core\n");
 }
 
 TEST(Bootstrap, ShowsHowFarItIs)
@@ -314,5 +314,5 @@ TEST(Bootstrap, TellsWhatAptSaysWhenItFails)
     outcome = noPackage.bootstrap({"examples"});
     EXPECT_EQ(outcome.status, 1);
     EXPECT_EQ(outcome.err, "E: Unable to locate package\nbootstrap: apt-get could not install: libcairo2-dev "
-                           "libsndfile1-dev alsa-utils fonts-dejavu-core\n");
+                           "libsndfile1-dev libcli11-dev alsa-utils fonts-dejavu-core\n");
 }

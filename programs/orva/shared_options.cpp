@@ -1,0 +1,70 @@
+#include "shared_options.h"
+
+#include "failure.h"
+
+#include <charconv>
+#include <cmath>
+
+namespace orva
+{
+namespace
+{
+
+int rateFrom(const std::string &text)
+{
+    double value = 0;
+    const auto read = std::from_chars(text.data(), text.data() + text.size(), value);
+    std::string unit(read.ptr, text.data() + text.size());
+    if (unit.ends_with("Hz") || unit.ends_with("hz"))
+        unit.resize(unit.size() - 2);
+    if (unit == "k" || unit == "K")
+        value *= 1000;
+    else if (!unit.empty())
+        value = 0;
+    if (read.ec != std::errc() || !(value >= 1 && value <= 1000000) || value != std::floor(value))
+        failUse("rate '" + text +
+                "' is not a whole number of hertz from 1 to 1000000, such as 44100 or 44.1k");
+    return static_cast<int>(value);
+}
+
+void addRaw(CLI::App &command, RawFormat &raw, const std::string &description)
+{
+    command
+        .add_option_function<std::string>(
+            "--raw", [&raw](const std::string &text) { raw = rawFormat(text); }, description)
+        ->type_name("FORMAT");
+}
+
+} // namespace
+
+void addInputOptions(CLI::App &command, RawFormat &raw)
+{
+    addRaw(command, raw,
+           "Samples of standard input, which has no head: s8 u8 s16 s24 s32 f32 f64 ulaw alaw, with le or be "
+           "after it if need be, and then :RATE:CHANNELS");
+}
+
+void addOutputOptions(CLI::App &command, OutputOptions &options)
+{
+    command.add_option("--format", options.as.format, "Format of the file; else the name's ending tells it")
+        ->type_name("NAME");
+    command
+        .add_option("--bits", options.as.bits, "8, 16, 24, 32, float or double; else as the input has them")
+        ->type_name("BITS");
+    command.add_option("--gain", options.gain, "Decibels by which the result is made louder")
+        ->type_name("DB")
+        ->check(CLI::Range(-200.0, 200.0));
+    addRaw(command, options.raw,
+           "Samples of standard input and output, which then have no head: s8 u8 s16 s24 s32 f32 f64 "
+           "ulaw alaw, with le or be after it if need be, and for input :RATE:CHANNELS");
+}
+
+void addRateOption(CLI::App &command, int &rate, const std::string &description)
+{
+    command
+        .add_option_function<std::string>(
+            "-r,--rate", [&rate](const std::string &text) { rate = rateFrom(text); }, description)
+        ->type_name("HZ");
+}
+
+} // namespace orva

@@ -1,0 +1,20 @@
+// Options that commands have in common, and values that they read.
+#pragma once
+
+#include "sound_output.h"
+
+#include <CLI/CLI.hpp>
+
+namespace orva
+{
+
+// --raw for commands that read sound.
+void addInputOptions(CLI::App &command, RawFormat &raw);
+
+// --format, --bits, --gain and --raw for commands that write it. The last is also that of standard input.
+void addOutputOptions(CLI::App &command, OutputOptions &options);
+
+// Reads a rate such as 44100, 44100Hz, 44.1k or 48kHz into `rate`; refuses, as used wrongly, what is none.
+void addRateOption(CLI::App &command, int &rate, const std::string &description);
+
+} // namespace orva
