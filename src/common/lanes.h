@@ -3,6 +3,7 @@
 // shared between levels could run where its instructions are not known.
 #pragma once
 
+#include <bit>
 #include <cstdint>
 #include <utility>
 
@@ -181,16 +182,20 @@ template <class Result, class Vector, class Index>
     return permuted<Doubles>(x, x, [](int32_t i) { return i; });
 }
 
+// The signs of a pair. Its even lane is the lower half, where the lower byte comes first.
+constexpr bool isEvenLower = std::endian::native == std::endian::little;
+constexpr uint64_t evenSign = isEvenLower ? 0x80000000u : 0x8000000000000000u;
+constexpr uint64_t oddSign = isEvenLower ? 0x8000000000000000u : 0x80000000u;
+
 // The even or the odd lanes negated: a sum with one is the difference, to the bit.
 [[gnu::always_inline]] inline Floats withEvensNegated(Floats x)
 {
-    // The even lane is the lower half of a pair.
-    return reinterpret_cast<Floats>(reinterpret_cast<PairBits>(x) ^ 0x80000000u);
+    return reinterpret_cast<Floats>(reinterpret_cast<PairBits>(x) ^ evenSign);
 }
 
 [[gnu::always_inline]] inline Floats withOddsNegated(Floats x)
 {
-    return reinterpret_cast<Floats>(reinterpret_cast<PairBits>(x) ^ 0x8000000000000000u);
+    return reinterpret_cast<Floats>(reinterpret_cast<PairBits>(x) ^ oddSign);
 }
 
 // Whether a comparison holds in each lane.
