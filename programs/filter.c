@@ -1,8 +1,8 @@
 /* Runs a sound through a filter, every channel of it, and draws what the filter does to each frequency.
  *
- *     $ filter Front_Center.wav telephone.wav telephone.png "type=bandpass; order=4; fpass1=300; fpass2=3400"
- *     telephone.wav: 1.43 s, channels: 1, loudest sample: -7.8 dB
- *     telephone.png: 0 to 24000 Hz, greatest gain: 0.0 dB at 1181 Hz
+ *     $ filter Front_Center.wav louder.wav louder.png "type=bandpass; order=1; fpass1=300; fpass2=3400; gain=1.5"
+ *     louder.wav: 1.43 s, channels: 1, loudest sample: -3.4 dB
+ *     louder.png: 0 to 24000 Hz, greatest gain: 3.5 dB at 1017 Hz
  *     $ filter Front_Center.wav ring.wav ring.png "biquads=[-1.9234 0.9409 0.03 0 -0.03]"
  *     ring.wav: 1.43 s, channels: 1, loudest sample: -13.3 dB
  *     ring.png: 0 to 24000 Hz, greatest gain: 0.1 dB at 1027 Hz
