@@ -42,7 +42,12 @@ set(CPACK_INSTALL_DEFAULT_DIRECTORY_PERMISSIONS
     OWNER_READ OWNER_WRITE OWNER_EXECUTE GROUP_READ GROUP_EXECUTE WORLD_READ WORLD_EXECUTE)
 
 # What each of the two builds gives.
-set(CPACK_COMPONENTS_SHARED runtime development documentation)
+set(CPACK_COMPONENTS_SHARED runtime development)
+if(CMAKE_CROSSCOMPILING)                                  # the reference, being for all, is made with those of one
+    set(CPACK_ORVA_SYSROOT ${CMAKE_SYSROOT})
+else()
+    list(APPEND CPACK_COMPONENTS_SHARED documentation)
+endif()
 set(CPACK_COMPONENTS_STATIC archives)
 set(CPACK_INSTALL_CMAKE_PROJECTS
     ${PROJECT_BINARY_DIR} ${PROJECT_NAME} SHARED /

@@ -2,8 +2,12 @@
 # would ask it as well, but then adds scripts that call ldconfig, for which Debian has a trigger.
 list(GET CPACK_INSTALL_CMAKE_PROJECTS 0 build)
 file(WRITE ${build}/debian/debian/control "")               # the tool wants one
+set(tool dpkg-shlibdeps)
+if(CPACK_ORVA_SYSROOT)                                    # made by script/sysroot, which leaves there what the tool reads
+    set(tool ${CMAKE_COMMAND} -E env DEB_HOST_ARCH=${CPACK_DEBIAN_PACKAGE_ARCHITECTURE} ${tool} -S${CPACK_ORVA_SYSROOT})
+endif()
 execute_process(
-    COMMAND dpkg-shlibdeps -O --ignore-missing-info -e${build}/src/liborva.so -e${build}/kett/libkett.so
+    COMMAND ${tool} -O --ignore-missing-info -e${build}/src/liborva.so -e${build}/kett/libkett.so
     WORKING_DIRECTORY ${build}/debian
     OUTPUT_VARIABLE needs ERROR_VARIABLE complaint RESULT_VARIABLE status)
 if(NOT status EQUAL 0 OR NOT needs MATCHES "shlibs:Depends=([^\n]+)")
