@@ -6,7 +6,12 @@ include(GoogleTest)
 # watch for undefined behaviour is the library, not the test.
 add_library(orva_test_options INTERFACE)
 target_link_libraries(orva_test_options INTERFACE orva_compile_options)
-target_compile_options(orva_test_options INTERFACE $<$<NOT:$<CONFIG:Debug>>:-O1 -g0>)
+set(ORVA_EMULATED OFF)                                    # whether tests run in an emulator of another processor
+if(CMAKE_CROSSCOMPILING AND ORVA_PLATFORM STREQUAL posix)
+    set(ORVA_EMULATED ON)
+endif()
+target_compile_options(orva_test_options INTERFACE
+    $<$<NOT:$<CONFIG:Debug>>:-O$<IF:$<BOOL:${ORVA_EMULATED}>,0,1> -g0>)
 if(ORVA_SANITIZE MATCHES undefined)
     target_compile_options(orva_test_options INTERFACE -fno-sanitize=undefined)
 endif()
@@ -33,10 +38,60 @@ endif()
 if(ORVA_SANITIZE MATCHES thread)
     orva_leave_out(thread_after_fork "start a thread in a child, which the sanitizer takes for the parent's of the same id")
 endif()
+if(ORVA_EMULATED)
+    orva_leave_out(strace "look at calls of the system, among which are the emulator's own")
+    orva_leave_out(thread_after_fork "start a thread in a child, at which the emulator aborts")
+    orva_leave_out(memory_limit "set limits on memory, to which the emulator pays no heed")
+    orva_leave_out(lint "look at sources and at code compiled for the purpose, to which this processor adds nothing")
+    orva_leave_out(package "look at what is built and installed for this system")
+endif()
 execute_process(COMMAND id -u OUTPUT_VARIABLE user OUTPUT_STRIP_TRAILING_WHITESPACE COMMAND_ERROR_IS_FATAL ANY)
 if(NOT user EQUAL 0)
     orva_leave_out(superuser "need a second user, whom only a superuser can become")
 endif()
+
+# What most tests include is read once, where they are built besides those of this system, which show that each includes
+# what it needs.
+if(ORVA_EMULATED)
+    file(WRITE ${CMAKE_BINARY_DIR}/test_headers.cpp "")
+    add_library(orva_test_headers OBJECT ${CMAKE_BINARY_DIR}/test_headers.cpp)
+    target_link_libraries(orva_test_headers PRIVATE GTest::gtest orva_test_options)
+    target_precompile_headers(orva_test_headers PRIVATE
+        <gtest/gtest.h> <algorithm> <complex> <filesystem> <fstream> <functional> <random> <regex> <thread>)
+endif()
+
+# orva_program_path(<variable> <target>)
+#
+# Gives the path by which tests start the program <target>, themselves or by a shell: where it runs in an emulator only, that
+# of a script of its name in a folder `emulated` beside it.
+function(orva_program_path variable target)
+    set(${variable} $<TARGET_FILE:${target}> PARENT_SCOPE)
+    if(ORVA_EMULATED)
+        set(script $<TARGET_FILE_DIR:${target}>/emulated/$<TARGET_FILE_NAME:${target}>)
+        set(${variable} ${script} PARENT_SCOPE)
+        list(JOIN CMAKE_CROSSCOMPILING_EMULATOR "' '" emulator)
+        file(GENERATE OUTPUT ${script} CONTENT "#!/bin/sh\nexec '${emulator}' '$<TARGET_FILE:${target}>' \"$@\"\n"
+            FILE_PERMISSIONS OWNER_READ OWNER_WRITE OWNER_EXECUTE)
+    endif()
+endfunction()
+
+# orva_program_folder(<variable> <folder>)
+#
+# The same for all programs whose targets stand in <folder>: gives the folder that has them under their names.
+function(orva_program_folder variable folder)
+    get_property(targets DIRECTORY ${folder} PROPERTY BUILDSYSTEM_TARGETS)
+    foreach(target ${targets})
+        get_target_property(type ${target} TYPE)
+        if(type STREQUAL EXECUTABLE)
+            orva_program_path(path ${target})
+            set(path $<TARGET_FILE_DIR:${target}>)
+        endif()
+    endforeach()
+    if(ORVA_EMULATED)
+        string(APPEND path /emulated)
+    endif()
+    set(${variable} ${path} PARENT_SCOPE)
+endfunction()
 
 # orva_test(<name> FAMILY <family> [SOURCES <files>] [LIBRARIES <targets>] [LABELS <labels>] [ENVIRONMENT <NAME=value>]
 #           [FIXTURES <fixtures>] [WITHOUT_KETT])
@@ -68,6 +123,9 @@ function(orva_test name)
         list(APPEND ARG_LIBRARIES kett::kett)
     endif()
     target_link_libraries(${name} PRIVATE ${ARG_LIBRARIES} orva_test_support GTest::gtest_main orva_test_options)
+    if(ORVA_EMULATED AND NOT ARG_SOURCES MATCHES "\\.c(;|$)")
+        target_precompile_headers(${name} REUSE_FROM orva_test_headers)
+    endif()
     gtest_discover_tests(${name} DISCOVERY_MODE PRE_TEST DISCOVERY_TIMEOUT 60)
 
     # gtest_discover_tests flattens a list among its PROPERTIES; so they are set where ctest has read the tests.

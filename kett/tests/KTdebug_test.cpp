@@ -1,3 +1,4 @@
+#include "KTdebug_standard_error.h"
 #include "support/log.h"
 
 #include <kett/KTdebug.h>
@@ -12,8 +13,6 @@
 #include <vector>
 
 #include <pthread.h>
-#include <sys/resource.h>
-#include <sys/socket.h>
 #include <unistd.h>
 
 namespace
@@ -31,41 +30,6 @@ constexpr Level levels[] = {
     {KTDEBUG_Warning, 1},
     {KTDEBUG_Error, 2},
     {KTDEBUG_TerminalError, 3},
-};
-
-// Standard error as long as it lives: each system call arrives as one piece.
-class StandardError
-{
-public:
-    StandardError() : before(dup(STDERR_FILENO))
-    {
-        socketpair(AF_UNIX, SOCK_DGRAM, 0, ends);
-        dup2(ends[1], STDERR_FILENO);
-    }
-
-    ~StandardError()
-    {
-        dup2(before, STDERR_FILENO);
-        close(before);
-        close(ends[0]);
-        close(ends[1]);
-    }
-
-    StandardError(const StandardError &) = delete;
-    StandardError &operator=(const StandardError &) = delete;
-
-    std::vector<std::string> pieces()
-    {
-        std::vector<std::string> all;
-        std::vector<char> room(1 << 20);
-        for (ssize_t size; (size = recv(ends[0], room.data(), room.size(), MSG_DONTWAIT)) >= 0;)
-            all.emplace_back(room.data(), static_cast<size_t>(size));
-        return all;
-    }
-
-private:
-    int before;
-    int ends[2];
 };
 
 } // namespace
@@ -137,44 +101,6 @@ TEST(DebugMessages, ARefusedFormatIsWrittenAsItStands)
     support::Log log;
     KTDEBUG_Log(-1, "one and %ls\n", L"\x4e2d"); // no text in the C locale
     EXPECT_EQ(log.messages, (std::vector{Message{0, -1, "one and %ls\n"}}));
-}
-
-namespace
-{
-
-// No more blocks of 8 MB: a sanitizer has its own limit, which the build sets for this test.
-#if !defined(__SANITIZE_ADDRESS__) && !defined(__SANITIZE_THREAD__)
-void forbidLargeBlocks(bool forbidden)
-{
-    static rlimit before;
-    if (forbidden)
-        getrlimit(RLIMIT_AS, &before);
-    const rlimit none{1, before.rlim_max};
-    setrlimit(RLIMIT_AS, forbidden ? &none : &before);
-}
-#else
-void forbidLargeBlocks(bool) {}
-#endif
-
-} // namespace
-
-TEST(DebugMessages, AreCutWhereMemoryIsOut)
-{
-    static char kept[2000];
-    const auto keep = [](void *, int32_t, int32_t, const char *text) {
-        snprintf(kept, sizeof kept, "%s", text);
-    };
-    StandardError standardError;
-    forbidLargeBlocks(true);
-    KTDEBUG_Log(-1, "%*d", 9 << 20, 5);
-    KTDEBUG_SetSink(keep, nullptr);
-    KTDEBUG_Log(-1, "%*d", 9 << 20, 5);
-    KTDEBUG_SetSink(nullptr, nullptr);
-    forbidLargeBlocks(false);
-    const std::string cut(1023, ' ');
-    EXPECT_EQ(kept, cut);
-    const auto pieces = standardError.pieces(); // where a sanitizer may have its say as well
-    EXPECT_EQ(std::count(pieces.begin(), pieces.end(), cut), 1);
 }
 
 TEST(DebugDefaultSink, WritesEachMessageByOneCall)

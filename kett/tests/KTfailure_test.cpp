@@ -12,8 +12,6 @@
 #include <string>
 #include <vector>
 
-#include <sys/resource.h>
-
 namespace
 {
 
@@ -112,17 +110,6 @@ TEST(OutOfMemory, DescriptorsBlocksMutexesAndThreadsAreNull)
     EXPECT_GE(
         eachAllocation([&] { return KTTHREAD_JoinThreadEx(KTTHREAD_AddThread(body, nullptr, 0), 0) == 1; }),
         1);
-}
-
-TEST(OutOfMemory, AThreadWithoutRoomForItsStackIsNull)
-{
-    rlimit before;
-    getrlimit(RLIMIT_AS, &before);
-    const rlimit none{1, before.rlim_max};
-    setrlimit(RLIMIT_AS, &none);
-    KT_THREAD *const thread = KTTHREAD_AddThread([](void *) { return int32_t{0}; }, nullptr, 0);
-    setrlimit(RLIMIT_AS, &before);
-    EXPECT_EQ(thread, nullptr);
 }
 
 TEST(OutOfMemory, AFileIsNotOpened)

@@ -19,6 +19,12 @@ inline std::string sourceOf(const Block &block)
     return source.replace(source.find(place), place.size(), text);
 }
 
+inline std::vector<std::string> wordsOf(const char *command)
+{
+    std::istringstream words(command);
+    return {std::istream_iterator<std::string>(words), {}};
+}
+
 // Compiles and runs a program; the folder has the recorded voice as voice.wav. Gives what is wrong with it: an empty
 // text where it compiles without a warning, ends well and writes what the document says, and nothing else.
 inline std::string faultOfProgram(const Block &block)
@@ -28,14 +34,15 @@ inline std::string faultOfProgram(const Block &block)
     support::writeFile(source, sourceOf(block));
     std::filesystem::create_symlink(support::recordingPath(), folder / "voice.wav");
 
-    std::istringstream words(block.language == "c" ? C_COMMAND : CXX_COMMAND);
-    std::vector<std::string> command(std::istream_iterator<std::string>(words), {});
+    std::vector<std::string> command = wordsOf(block.language == "c" ? C_COMMAND : CXX_COMMAND);
     command.insert(command.begin() + 1, {"-o", folder / "program", source});
     const support::Outcome compilation = support::run(command, folder);
     if (compilation.status != 0)
         return block.place() + ": does not compile:\n" + compilation.err;
 
-    const support::Outcome outcome = support::run({folder / "program"}, folder);
+    std::vector<std::string> start = wordsOf(EMULATOR);
+    start.push_back(folder / "program");
+    const support::Outcome outcome = support::run(start, folder);
     if (outcome.status != 0)
         return block.place() + ": ends with " + std::to_string(outcome.status) + ":\n" + outcome.err;
     if (!isAsExpected(outcome.out + outcome.err, block.output))

@@ -147,6 +147,9 @@ TEST(Scripts, RefuseWhatTheyDoNotKnow)
         {{"fuzz", "KTstring_fuzz", "nonsense"}, "fuzz: 'nonsense' is no number of seconds"},
         {{"lint", "nonsense"}, "lint: unknown check 'nonsense'"},
         {{"package", "a", "b"}, "package: unknown argument 'b'"},
+        {{"sysroot"}, "sysroot: unknown architecture ''"},
+        {{"sysroot", "nonsense"}, "sysroot: unknown architecture 'nonsense'"},
+        {{"sysroot", "arm64", "a", "b"}, "sysroot: unknown argument 'b'"},
         {{"test", "nonsense"}, "test: unknown preset 'nonsense'"},
     };
     for (auto [words, says] : cases) {
@@ -202,12 +205,13 @@ TEST(Bootstrap, InstallsWhatEachGroupNeeds)
     // None named is all of them.
     std::set<std::string> every;
     for (const char *group :
-         {"build", "examples", "tests", "bench", "documents", "packages", "emulator", "windows"})
+         {"build", "examples", "tests", "bench", "documents", "packages", "emulator", "arm64", "windows"})
         for (const auto &package : system.packagesOf({group}))
             every.insert(package);
     const auto all = system.packagesOf({});
     EXPECT_EQ(std::set<std::string>(all.begin(), all.end()), every);
-    for (const char *package : {"libgtest-dev", "libbenchmark-dev", "doxygen", "lintian", "bochs"})
+    for (const char *package :
+         {"libgtest-dev", "libbenchmark-dev", "doxygen", "lintian", "bochs", "qemu-user"})
         EXPECT_EQ(every.count(package), 1u) << package;
 }
 

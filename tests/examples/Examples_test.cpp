@@ -13,7 +13,7 @@ void fill(const support::Folder &folder)
 {
     writeSounds(folder);
     for (const auto &example : examples())
-        fs::create_symlink(fs::path(BUILD_DIR) / "examples" / example.name, folder / example.name);
+        fs::create_symlink(fs::path(PROGRAMS) / example.name, folder / example.name);
 }
 
 support::Outcome runIn(const support::Folder &folder, const std::string &command)

@@ -2,53 +2,15 @@
 // level of processors, at -O2 and at -O3. There must be no fused multiply-add, which rounds once where the results are
 // defined to round twice, and no arithmetic on the x87 registers, which are wider. Without flags for newer processors,
 // their instructions stand in the kernels of their own level and nowhere else.
-#include "support/command.h"
+#include "disassembly.h"
 
 #include <gtest/gtest.h>
 
-#include <cstddef>
 #include <filesystem>
-#include <functional>
 #include <set>
-#include <string>
-#include <vector>
 
 namespace
 {
-
-using Lines = std::vector<std::string>;
-
-struct Instruction {
-    std::string name;
-    std::string operands;
-};
-
-using Predicate = std::function<bool(const Instruction &)>;
-
-struct Scan {
-    size_t instructionCount = 0; // looked at
-    Lines found;
-};
-
-void scan(const std::string &object, const Predicate &isWanted, Scan &result)
-{
-    for (const auto &line : support::linesOf("objdump -d --no-show-raw-insn '" + object + "'")) {
-        const size_t tab = line.find('\t');
-        if (tab == std::string::npos)
-            continue;
-        ++result.instructionCount;
-        const size_t space = std::min(line.find(' ', tab), line.size());
-        if (isWanted({line.substr(tab + 1, space - tab - 1), line.substr(space)}))
-            result.found.push_back(object + ":" + line);
-    }
-}
-
-Scan scanOf(const std::string &object, const Predicate &isWanted)
-{
-    Scan result;
-    scan(object, isWanted, result);
-    return result;
-}
 
 bool isFused(const Instruction &instruction)
 {
