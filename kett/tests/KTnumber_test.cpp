@@ -264,7 +264,7 @@ TEST(NumberBoolean, IsAWordInAnyCaseOrAnInteger)
         EXPECT_EQ(boolean(text), std::nullopt) << text;
 }
 
-// Some time for a text ten times as long, not a hundred times as much.
+// With the square of the length it would take hours; an emulator takes half a minute.
 TEST(Number, TimeGrowsWithTheLengthOfTheText)
 {
     using Clock = std::chrono::steady_clock;
@@ -277,5 +277,5 @@ TEST(Number, TimeGrowsWithTheLengthOfTheText)
         asFloat(text);
         boolean(text);
     }
-    EXPECT_LT(Clock::now() - start, std::chrono::seconds(10));
+    EXPECT_LT(Clock::now() - start, std::chrono::minutes(3));
 }
