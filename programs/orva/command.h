@@ -6,7 +6,10 @@
 namespace orva
 {
 
+void addFilter(CLI::App &program);
 void addInfo(CLI::App &program);
 void addResample(CLI::App &program);
+void addResponse(CLI::App &program);
+void addStretch(CLI::App &program);
 
 } // namespace orva

@@ -90,7 +90,10 @@ int run(int count, char **words)
     program.require_subcommand(1);
     program.get_formatter()->column_width(28);
     addInfo(program);
+    addFilter(program);
     addResample(program);
+    addResponse(program);
+    addStretch(program);
     program.footer(
         "Each command has its own help, with examples: orva COMMAND --help\n"
         "A sound file named - is standard input or output. Exit status: 0, 1 if it did not work, 2 if it was "
@@ -121,7 +124,12 @@ int run(int count, char **words)
 
 int main(int count, char **words)
 {
-    orva::removePartsOnSignals();
-    orva::keepLibraryMessages();
-    return orva::run(count, words);
+    try {
+        orva::removePartsOnSignals();
+        orva::keepLibraryMessages();
+        return orva::run(count, words);
+    } catch (...) { // only where there is no memory even to say so
+        std::fputs("orva: out of memory\n", stderr);
+        return orva::didNotWork;
+    }
 }

@@ -91,11 +91,12 @@ int64_t readSound(SoundInput &input, float *frames, int64_t count)
             break;
         done += got;
     }
-    for (int64_t i = 0; i < done * input.info.channels; ++i)
+    for (int64_t i = 0; i < done * input.info.channels; ++i) {
         if (!std::isfinite(frames[i])) {
             frames[i] = 0;
             ++input.notFinite;
         }
+    }
     input.position += done;
     if (done < count && input.position < input.length)
         input.endedEarly = true;
@@ -112,7 +113,7 @@ void noteDamage(const SoundInput &input)
              static_cast<long long>(input.position), static_cast<long long>(input.length));
 }
 
-void copyMetadata(SNDFILE *from, SNDFILE *to, double ratio)
+void copyMetadata(SNDFILE *from, SNDFILE *to, double ratio, double longer)
 {
     for (int kind = SF_STR_FIRST; kind <= SF_STR_LAST; ++kind) {
         const char *text = sf_get_string(from, kind);
@@ -132,11 +133,11 @@ void copyMetadata(SNDFILE *from, SNDFILE *to, double ratio)
     if (sf_command(from, SFC_GET_CART_INFO, &cart, sizeof cart) != 0)
         sf_command(to, SFC_SET_CART_INFO, &cart, sizeof cart);
     SF_CUES cues = {};
-    if (sf_command(from, SFC_GET_CUE, &cues, sizeof cues) != 0) {
+    if (longer > 0 && sf_command(from, SFC_GET_CUE, &cues, sizeof cues) != 0) {
         for (uint32_t i = 0; i < cues.cue_count && i < 100; ++i) {
             SF_CUE_POINT &cue = cues.cue_points[i];
-            cue.sample_offset = static_cast<uint32_t>(std::llround(cue.sample_offset * ratio));
-            cue.position = static_cast<uint32_t>(std::llround(cue.position * ratio));
+            cue.sample_offset = static_cast<uint32_t>(std::llround(cue.sample_offset * ratio * longer));
+            cue.position = static_cast<uint32_t>(std::llround(cue.position * ratio * longer));
         }
         sf_command(to, SFC_SET_CUE, &cues, sizeof cues);
     }

@@ -40,8 +40,8 @@ int64_t readSound(SoundInput &input, float *frames, int64_t count);
 // Tells, where there is any, what was wrong with the samples read.
 void noteDamage(const SoundInput &input);
 
-// Texts and what else a file tells of its sound, taken over into one that is being started; positions are multiplied by
-// `ratio`, the output's rate over the input's.
-void copyMetadata(SNDFILE *from, SNDFILE *to, double ratio);
+// Texts and what else a file tells of its sound, taken over into one that is being started. `ratio` is the output's rate
+// over the input's; marks are moved to where they stand in a sound that is `longer` by that factor, or left out if it is 0.
+void copyMetadata(SNDFILE *from, SNDFILE *to, double ratio, double longer);
 
 } // namespace orva

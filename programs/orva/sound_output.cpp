@@ -71,7 +71,7 @@ sf_count_t streamWrite(const void *bytes, sf_count_t count, void *context)
 } // namespace
 
 SoundOutput::SoundOutput(const std::string &path, const OutputOptions &how, const SoundInput &like, int rate,
-                         int64_t length)
+                         int64_t length, double longer)
     : place(path), name(path == "-" ? "standard output" : path), options(how)
 {
     info.samplerate = rate;
@@ -97,7 +97,7 @@ SoundOutput::SoundOutput(const std::string &path, const OutputOptions &how, cons
     if (file == nullptr)
         openFile(like, spool != nullptr ? fileno(spool) : replacement->descriptor());
     if (stream.descriptor < 0 || spool != nullptr)
-        copyMetadata(like.file.get(), file.get(), ratio);
+        copyMetadata(like.file.get(), file.get(), ratio, longer);
 }
 
 SoundOutput::~SoundOutput()

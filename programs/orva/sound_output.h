@@ -28,9 +28,10 @@ class SoundOutput
 {
 public:
     // Starts a sound at `path`, "-" for standard output, with the channels of `like` and what its file tells, and as it is
-    // stored unless `how` tells otherwise. `length` is in frames, -1 where it is not known.
+    // stored unless `how` tells otherwise. `length` is in frames, -1 where it is not known. `longer` is by what factor the
+    // sound is, for the marks in it; with 0 they are left out.
     SoundOutput(const std::string &path, const OutputOptions &how, const SoundInput &like, int rate,
-                int64_t length);
+                int64_t length, double longer = 1);
     ~SoundOutput();
 
     // Appends frames, channels interleaved. Integers are rounded to the nearest and end at full scale.

@@ -44,7 +44,7 @@ TEST(OrvaUsage, HelpAndVersionGoToStandardOutput)
 TEST(OrvaUsage, EveryCommandHasHelpWithExamplesThatRun)
 {
     const auto names = commands();
-    ASSERT_THAT(names, testing::IsSupersetOf({"info", "resample"}));
+    ASSERT_THAT(names, testing::IsSupersetOf({"filter", "info", "resample", "response", "stretch"}));
     for (const auto &name : names) {
         const support::Folder folder;
         const support::Outcome outcome = orvaRun({name, "--help"}, folder);

@@ -1,11 +1,8 @@
-// The filter program: the sound that it writes, the response that it draws, and what it refuses.
+// orva filter and orva response: the sound, the table, the picture, and what they refuse.
+#include "orva.h"
 #include "picture.h"
-#include "program.h"
-#include "refusals.h"
-#include "sounds.h"
 #include "support/bits.h"
 #include "support/random.h"
-#include "support/recording.h"
 
 #include <orva/ORVAfilter.h>
 
@@ -41,8 +38,7 @@ double curveAt(const Picture &picture, int x, int top)
 Picture responseOf(const std::string &config)
 {
     const support::Folder folder;
-    writeSound(folder / "in.wav", std::vector<float>(100, 0.5F));
-    const support::Outcome outcome = runProgram("filter", {"in.wav", "out.wav", "p.png", config}, folder);
+    const support::Outcome outcome = orvaRun({"response", config, "p.png"}, folder);
     EXPECT_EQ(outcome.status, 0) << config;
     EXPECT_EQ(outcome.err, "") << config;
     return readPicture(folder / "p.png");
@@ -50,16 +46,15 @@ Picture responseOf(const std::string &config)
 
 } // namespace
 
-TEST(FilterProgram, WritesWhatTheLibraryMakesOfEveryChannel)
+TEST(OrvaFilter, WritesWhatTheLibraryMakesOfEveryChannel)
 {
     support::Random random;
     for (const int channels : {1, 2, 3, 8}) {
         const support::Folder folder;
         auto samples = random.noise(static_cast<size_t>(channels) * 10000);
         writeSound(folder / "in.wav", samples, {.channels = channels});
-        const support::Outcome outcome = runProgram(
-            "filter", {"in.wav", "out.wav", "p.png", "biquads=[-0.9 0.3 0.1 0.2 0.1; -1.1 0.4 0.2 0.4 0.2]"},
-            folder);
+        const support::Outcome outcome = orvaRun(
+            {"filter", "in.wav", "out.wav", "biquads=[-0.9 0.3 0.1 0.2 0.1; -1.1 0.4 0.2 0.4 0.2]"}, folder);
         EXPECT_EQ(outcome.status, 0);
         EXPECT_EQ(outcome.err, "");
 
@@ -71,11 +66,11 @@ TEST(FilterProgram, WritesWhatTheLibraryMakesOfEveryChannel)
         EXPECT_TRUE(support::sameBits(support::readSamples(folder / "out.wav", info), samples)) << channels;
         EXPECT_EQ(info.channels, channels);
         EXPECT_EQ(info.samplerate, 48000);
-        EXPECT_EQ(folder.entries(), (std::vector<std::string>{"in.wav", "out.wav", "p.png"}));
+        EXPECT_EQ(folder.entries(), (std::vector<std::string>{"in.wav", "out.wav"}));
     }
 }
 
-TEST(FilterProgram, DesignsAtTheRateAndWithTheChannelsOfTheSound)
+TEST(OrvaFilter, DesignsAtTheRateAndWithTheChannelsOfTheSound)
 {
     support::Random random;
     for (const int rate : {8000, 44100}) {
@@ -84,7 +79,7 @@ TEST(FilterProgram, DesignsAtTheRateAndWithTheChannelsOfTheSound)
         writeSound(folder / "in.wav", samples, {.rate = rate, .channels = 2});
         const std::string config =
             "type=bandpass; approximation=cheby1; order=3; Ap=0.5; fpass1=300; fpass2=3400";
-        const support::Outcome outcome = runProgram("filter", {"in.wav", "out.wav", "p.png", config}, folder);
+        const support::Outcome outcome = orvaRun({"filter", "in.wav", "out.wav", config}, folder);
         EXPECT_EQ(outcome.status, 0) << outcome.err;
         EXPECT_EQ(outcome.err, "");
 
@@ -96,7 +91,7 @@ TEST(FilterProgram, DesignsAtTheRateAndWithTheChannelsOfTheSound)
     }
 }
 
-TEST(FilterProgram, DrawsADesignThroughItsEdges)
+TEST(OrvaFilter, DrawsADesignThroughItsEdges)
 {
     const Picture telephone = responseOf("type=bandpass; order=4; fpass1=300; fpass2=3400; gain=0.5");
     for (const double hertz : {300.0, 3400.0})
@@ -105,7 +100,7 @@ TEST(FilterProgram, DrawsADesignThroughItsEdges)
 }
 
 // Where rounding decides the phase, no curve is drawn.
-TEST(FilterProgram, DrawsNoPhaseFarBelowTheGreatestGain)
+TEST(OrvaFilter, DrawsNoPhaseFarBelowTheGreatestGain)
 {
     const Picture steep = responseOf("order=8; fpass=1000");
     int painted = 0;
@@ -115,12 +110,12 @@ TEST(FilterProgram, DrawsNoPhaseFarBelowTheGreatestGain)
     EXPECT_EQ(painted, 0);
 }
 
-TEST(FilterProgram, TakesNumeratorAndDenominator)
+TEST(OrvaFilter, TakesNumeratorAndDenominator)
 {
     const support::Folder folder;
     writeSound(folder / "in.wav", {1.0F, 0.0F, 0.0F, 0.0F});
     const support::Outcome outcome =
-        runProgram("filter", {"in.wav", "out.wav", "p.png", "numerator=[2 4]; denominator=[2 1]"}, folder);
+        orvaRun({"filter", "in.wav", "out.wav", "numerator=[2 4]; denominator=[2 1]"}, folder);
     EXPECT_EQ(outcome.status, 0) << outcome.err;
     SF_INFO info;
     EXPECT_EQ(support::readSamples(folder / "out.wav", info),
@@ -128,7 +123,7 @@ TEST(FilterProgram, TakesNumeratorAndDenominator)
 }
 
 // The axis of the gain ends at the next ten dB above the greatest gain, 80 dB above its start.
-TEST(FilterProgram, DrawsTheMeasuredGainAndPhase)
+TEST(OrvaFilter, DrawsTheMeasuredGainAndPhase)
 {
     const Picture half = responseOf("numerator=[0.5]; denominator=[1]");
     EXPECT_EQ(half.width, 1000);
@@ -147,95 +142,79 @@ TEST(FilterProgram, DrawsTheMeasuredGainAndPhase)
                 0.01);
 }
 
-TEST(FilterProgram, WorksWhereAFilterLetsNothingThrough)
+TEST(OrvaFilter, WorksWhereAFilterLetsNothingThrough)
 {
     const support::Folder folder;
-    std::filesystem::create_symlink(support::recordingPath(), folder.path / "voice.wav");
+    putVoice(folder);
     const support::Outcome outcome =
-        runProgram("filter", {"voice.wav", "out.wav", "p.png", "numerator=0, denominator=1"}, folder);
+        orvaRun({"filter", "voice.wav", "out.wav", "numerator=0, denominator=1"}, folder);
     EXPECT_EQ(outcome.status, 0) << outcome.err;
-    EXPECT_EQ(outcome.out, "out.wav: 1.43 s, channels: 1, loudest sample: -inf dB\n"
-                           "p.png: 0 to 24000 Hz, greatest gain: -inf dB at 0 Hz\n");
+    EXPECT_EQ(outcome.out, "out.wav: 1.43 s, 1 channel, loudest sample 0\n");
+    EXPECT_EQ(orvaRun({"response", "numerator=0, denominator=1", "p.png"}, folder).status, 0);
     EXPECT_EQ(readPicture(folder / "p.png").width, 1000);
 }
 
-TEST(FilterProgram, AFileThatEndsEarlyKeepsItsLength)
+// Half the sum of two neighbours has the gain cos(w / 2) and is half a sample late.
+TEST(OrvaFilter, TableHoldsGainPhaseDelayAndTheEdges)
 {
     const support::Folder folder;
-    writeHalfSound(folder / "a.flac");
-    const support::Outcome outcome =
-        runProgram("filter", {"a.flac", "out.wav", "p.png", "biquads=[0 0 1 0 0]"}, folder);
-    EXPECT_EQ(outcome.status, 0);
-    EXPECT_TRUE(outcome.err.ends_with(" of 100000 frames; the rest was taken as silence\n")) << outcome.err;
-    SF_INFO info;
-    const auto samples = support::readSamples(folder / "out.wav", info);
-    ASSERT_EQ(samples.size(), 100000U);
-    EXPECT_NE(samples[20000], 0.0F);
-    EXPECT_EQ(samples[99999], 0.0F);
+    const support::Outcome mean =
+        orvaRun({"response", "numerator=[0.5 0.5]; denominator=1", "--rate=200"}, folder);
+    EXPECT_EQ(mean.out, "greatest gain: 0.00 dB; 3 dB below it: 50.0 Hz\n"
+                        "        Hz    gain dB    phase \u00b0  delay, samples\n"
+                        "       0.0       0.00        0.0         0.50\n"
+                        "       1.0       0.00       -0.9         0.50\n"
+                        "       2.0       0.00       -1.8         0.50\n"
+                        "       5.0      -0.03       -4.5         0.50\n"
+                        "      10.0      -0.11       -9.0         0.50\n"
+                        "      20.0      -0.44      -18.0         0.50\n"
+                        "      50.0      -3.01      -45.0         0.50\n"
+                        "     100.0 below -200          -            -\n");
+    const support::Outcome band =
+        orvaRun({"response", "type=bandpass; order=4; fpass1=300; fpass2=3400", "--rate=16k"}, folder);
+    EXPECT_TRUE(band.out.starts_with("greatest gain: 0.00 dB; 3 dB below it: 299.")) << band.out;
+    EXPECT_NE(band.out.find(", 3401."), std::string::npos) << band.out;
 }
 
-TEST(FilterProgram, ADiskThatIsFullLeavesNothing)
+TEST(OrvaFilter, RefusesInOneLineAndWritesNothing)
 {
     const support::Folder folder;
-    writeSound(folder / "in.wav", std::vector<float>(100000, 0.5F));
-    const support::Outcome outcome =
-        runProgramOnFullDisk("filter", {"in.wav", "out.wav", "p.png", "biquads=[0 0 1 0 0]"}, folder);
-    EXPECT_EQ(outcome.status, 1);
-    EXPECT_EQ(outcome.out, "");
-    EXPECT_EQ(std::count(outcome.err.begin(), outcome.err.end(), '\n'), 1) << outcome.err;
-    EXPECT_TRUE(outcome.err.starts_with("out.wav: ")) << outcome.err;
-    EXPECT_EQ(folder.entries(), std::vector<std::string>{"in.wav"});
-}
-
-TEST(FilterProgram, RefusesWithOneLineAndWritesNothing)
-{
+    putVoice(folder);
     const std::string information = "ORVA_CreateFilter: you must specify As or order";
     const std::string nothing = "configuration: no filter has these edges, attenuations and order";
     const std::string edge = " is not a frequency below half the sampling rate";
     const std::string columns = "configuration: a row of biquads has 5 numbers, a1, a2, b0, b1 and b2, not ";
-    const std::string unstable = "configuration: this filter is not stable";
-    const std::string usage = "usage: filter SOUND OUTPUT.wav RESPONSE.png CONFIGURATION";
-    const std::vector<Refusal> cases = {
-        {{}, usage},
-        {{"voice.wav", "o.wav", "p.png"}, usage},
-        {{"voice.wav", "o.wav", "p.png", "biquads=[0 0 1 0 0]", "x"}, usage},
-        {{"missing.wav", "o.wav", "p.png", "biquads=[0 0 1 0 0]"}, "missing.wav: No such file or directory"},
-        {{"voice.wav", "o.mp3", "p.png", "biquads=[0 0 1 0 0]"},
-         "o.mp3: the name of this file must end in .wav"},
-        {{"voice.wav", "o.wav", "p.gif", "biquads=[0 0 1 0 0]"},
-         "p.gif: the name of this file must end in .png"},
-        {{"voice.wav", "o.wav", "p.png", ""}, information},
-        {{"voice.wav", "o.wav", "p.png", "numerator=[1 2]"}, information},
-        {{"voice.wav", "o.wav", "p.png", "denominator=[1 2]"}, information},
-        {{"voice.wav", "o.wav", "p.png", "order=4"},
-         "ORVA_CreateFilter: You must specify a cutoff frequency (fpass)"},
-        {{"voice.wav", "o.wav", "p.png", "type=tophat; order=4; fpass=300"},
-         "ORVA_CreateFilter: Invalid filter type: tophat"}, // in the library's log it ends in a line feed
-        {{"voice.wav", "o.wav", "p.png", "approximation=elliptic; order=4; fpass=300"},
-         "ORVA_CreateFilter: Invalid approximation (elliptic)"},
-        {{"voice.wav", "o.wav", "p.png", "order=4; fpass=0"}, nothing},
-        {{"voice.wav", "o.wav", "p.png", "type=bp; order=4; fpass1=3400; fpass2=300"}, nothing},
-        {{"voice.wav", "o.wav", "p.png", "order=4; fpass=24000"}, "configuration: fpass=24000" + edge},
-        {{"voice.wav", "o.wav", "p.png", "As=40; fpass=300; fstop=5e4"}, "configuration: fstop=5e4" + edge},
-        {{"voice.wav", "o.wav", "p.png", "order=0; fpass=300"},
-         "configuration: order=0 is not a whole number from 1 to 1000"},
-        {{"voice.wav", "o.wav", "p.png", "order=4; Ap=0; fpass=300"},
-         "configuration: Ap=0 is not a number of decibels above 0"},
-        {{"voice.wav", "o.wav", "p.png", "order=4; fpass=300; gain=-1"},
-         "configuration: gain=-1 is not a number from 0 to 1000000"},
-        {{"voice.wav", "o.wav", "p.png", "biquads=[1 2 3 4]"}, columns + "4"},
-        {{"voice.wav", "o.wav", "p.png", "biquads=7"}, columns + "1"},
-        {{"voice.wav", "o.wav", "p.png", "biquads=[1 2; 3]"},
+    const std::string unstable = "orva filter: configuration: this filter is not stable";
+    const struct {
+        const char *text;
+        std::string says;
+    } cases[] = {
+        {"", information},
+        {"numerator=[1 2]", information},
+        {"order=4", "ORVA_CreateFilter: You must specify a cutoff frequency (fpass)"},
+        {"type=tophat; order=4; fpass=300", "ORVA_CreateFilter: Invalid filter type: tophat"},
+        {"approximation=elliptic; order=4; fpass=300", "ORVA_CreateFilter: Invalid approximation (elliptic)"},
+        {"order=4; fpass=0", nothing},
+        {"type=bp; order=4; fpass1=3400; fpass2=300", nothing},
+        {"order=4; fpass=24000", "configuration: fpass=24000" + edge},
+        {"As=40; fpass=300; fstop=5e4", "configuration: fstop=5e4" + edge},
+        {"order=0; fpass=300", "configuration: order=0 is not a whole number from 1 to 1000"},
+        {"order=4; Ap=0; fpass=300", "configuration: Ap=0 is not a number of decibels above 0"},
+        {"order=4; fpass=300; gain=-1", "configuration: gain=-1 is not a number from 0 to 1000000"},
+        {"biquads=[1 2 3 4]", columns + "4"},
+        {"biquads=7", columns + "1"},
+        {"biquads=[1 2; 3]",
          "configuration: biquads=[1 2; 3] is not a matrix such as [a1 a2 b0 b1 b2; a1 a2 b0 b1 b2]"},
-        {{"voice.wav", "o.wav", "p.png", "numerator=[1; 2]; denominator=1"},
-         "configuration: numerator=[1; 2] is not a vector such as [1 -1]"},
-        {{"voice.wav", "o.wav", "p.png", "numerator=1; denominator=one"},
-         "configuration: denominator=one is not a vector such as [1 -0.9]"},
-        {{"voice.wav", "o.wav", "p.png", "biquad=[0 0 1 0 0]"},
+        {"numerator=[1; 2]; denominator=1", "configuration: numerator=[1; 2] is not a vector such as [1 -1]"},
+        {"numerator=1; denominator=one", "configuration: denominator=one is not a vector such as [1 -0.9]"},
+        {"biquad=[0 0 1 0 0]",
          "configuration: unknown key \"biquad\"; the keys are type, approximation, order, fpass, fpass1, "
          "fpass2, fstop, fstop1, fstop2, Ap, As, gain, biquads, numerator, denominator"},
-        {{"voice.wav", "o.wav", "p.png", "biquads=[-2.1 1.2 1 0 0]"}, unstable},
-        {{"voice.wav", "o.wav", "p.png", "numerator=1; denominator=0"}, unstable},
+        {"biquads=[-2.1 1.2 1 0 0]", unstable},
+        {"numerator=1; denominator=0", unstable},
     };
-    expectRefusals("filter", cases);
+    for (const auto &[text, says] : cases)
+        expectRefused({"filter", "voice.wav", "o.wav", text}, folder, 2, says);
+    expectRefused({"response", "order=4; fpass=100", "p.gif"}, folder, 1,
+                  "p.gif: the name of this file must end in .png");
 }

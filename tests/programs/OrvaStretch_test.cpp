@@ -1,9 +1,10 @@
-// What the stretch program writes: the sound, its picture, its line.
+// What orva stretch writes: the sound, its picture, its map, its line.
 #include "long_sounds.h"
+#include "orva.h"
 #include "picture.h"
-#include "program.h"
-#include "sounds.h"
-#include "support/recording.h"
+#include "support/bits.h"
+
+#include <orva/ORVAsolafs.h>
 
 #include <gtest/gtest.h>
 
@@ -20,7 +21,8 @@ struct Stretched {
 
 Stretched stretched(const std::string &input, const std::string &speed, const support::Folder &folder)
 {
-    const support::Outcome outcome = runProgram("stretch", {input, "out.wav", "out.png", speed}, folder);
+    const support::Outcome outcome =
+        orvaRun({"stretch", input, "out.wav", "--speed=" + speed, "--picture=out.png"}, folder);
     EXPECT_EQ(outcome.status, 0) << outcome.err;
     EXPECT_EQ(outcome.err, "");
     Stretched result{{}, {}, outcome.out};
@@ -47,7 +49,7 @@ double pitch(const std::vector<float> &samples, double rate)
 
 } // namespace
 
-TEST(Stretch, AtSpeedOneGivesTheFileBack)
+TEST(OrvaStretch, AtSpeedOneGivesTheFileBack)
 {
     const support::Folder folder;
     std::filesystem::create_symlink(support::recordingPath(), folder.path / "voice.wav");
@@ -59,7 +61,7 @@ TEST(Stretch, AtSpeedOneGivesTheFileBack)
         ASSERT_NEAR(result.samples[i], i < voice.size() ? voice[i] : 0.0f, 1.0 / 32768) << i;
 }
 
-TEST(Stretch, ChangesTheLengthAndKeepsThePitch)
+TEST(OrvaStretch, ChangesTheLengthAndKeepsThePitch)
 {
     const support::Folder folder;
     const std::vector<float> tone = sine(440, 0.5, 48000);
@@ -72,7 +74,7 @@ TEST(Stretch, ChangesTheLengthAndKeepsThePitch)
     }
 }
 
-TEST(Stretch, BringsTheEndOut)
+TEST(OrvaStretch, BringsTheEndOut)
 {
     const support::Folder folder;
     std::vector<float> samples(48000, 0.0f);
@@ -86,7 +88,7 @@ TEST(Stretch, BringsTheEndOut)
     }
 }
 
-TEST(Stretch, EachSpeedHoldsFromItsSecondOn)
+TEST(OrvaStretch, EachSpeedHoldsFromItsSecondOn)
 {
     const support::Folder folder;
     std::vector<float> samples = sine(440, 0.5, 144000);
@@ -113,7 +115,7 @@ TEST(Stretch, EachSpeedHoldsFromItsSecondOn)
     }
 }
 
-TEST(Stretch, EveryChannelIsStretchedAsIfAlone)
+TEST(OrvaStretch, EveryChannelIsStretchedAsIfAlone)
 {
     const support::Folder folder;
     const std::vector<std::vector<float>> channels{sine(220, 0.5, 9000), sine(555, 0.4, 9000),
@@ -131,7 +133,7 @@ TEST(Stretch, EveryChannelIsStretchedAsIfAlone)
     }
 }
 
-TEST(Stretch, KeepsRateAndSampleFormat)
+TEST(OrvaStretch, KeepsRateAndSampleFormat)
 {
     const support::Folder folder;
     const int formats[] = {SF_FORMAT_PCM_16, SF_FORMAT_PCM_24, SF_FORMAT_FLOAT, SF_FORMAT_PCM_U8};
@@ -145,7 +147,7 @@ TEST(Stretch, KeepsRateAndSampleFormat)
     }
 }
 
-TEST(Stretch, ASingleSampleIsASoundToo)
+TEST(OrvaStretch, ASingleSampleIsASoundToo)
 {
     const support::Folder folder;
     writeSound(folder / "one.wav", {0.5f});
@@ -156,7 +158,7 @@ TEST(Stretch, ASingleSampleIsASoundToo)
     }
 }
 
-TEST(Stretch, PictureMarksWhatIsHeardAtAQuarterAHalfAndThreeQuarters)
+TEST(OrvaStretch, PictureMarksWhatIsHeardAtAQuarterAHalfAndThreeQuarters)
 {
     const support::Folder folder;
     writeSound(folder / "in.wav", std::vector<float>(96000, 0.0f)); // a second at speed 2, then one at 1/2
@@ -167,7 +169,7 @@ TEST(Stretch, PictureMarksWhatIsHeardAtAQuarterAHalfAndThreeQuarters)
     std::snprintf(line, sizeof line, "out.wav: 2.00 s became %.2f s; its middle is what stood at %.2f s\n",
                   length, heardAt(length / 2));
     EXPECT_EQ(result.line, line);
-    EXPECT_NEAR(length, 2.5, 0.05);
+    EXPECT_NEAR(length, 2.5, 0.05); // the end of both axes
 
     const Picture picture = readPicture(folder / "out.png");
     constexpr int left = 84, width = 888, top = 72, height = 220, gap = 66;
@@ -183,7 +185,7 @@ TEST(Stretch, PictureMarksWhatIsHeardAtAQuarterAHalfAndThreeQuarters)
         return most;
     };
     for (const double quarter : {0.25, 0.5, 0.75}) {
-        EXPECT_GT(inkIn(0, heardAt(quarter * length) / 2.0), 30) << quarter;
+        EXPECT_GT(inkIn(0, heardAt(quarter * length) / length), 30) << quarter;
         EXPECT_GT(inkIn(1, quarter), 30) << quarter;
     }
     for (const double place : {0.1, 0.3, 0.9}) {
@@ -192,19 +194,67 @@ TEST(Stretch, PictureMarksWhatIsHeardAtAQuarterAHalfAndThreeQuarters)
     }
 }
 
-TEST(Stretch, LongFilesRunInConstantMemory)
+// The search compares energies that begin at 1, so the level of the samples counts.
+TEST(OrvaStretch, RunsAtTheScaleOf16BitSamples)
 {
-    // The samples alone are 9600 kB.
-    expectConstantMemory("stretch", {"in.wav", "out.wav", "out.png", "1"}, 300, 2000);
+    const support::Folder folder;
+    const std::vector<float> voice = support::recording();
+    writeSound(folder / "in.wav", voice);
+    ORVA_SOLAFS *scaler = ORVA_SolafsCreate(20, 48000, 1);
+    std::vector<float> expected;
+    std::vector<float> out(200000);
+    std::vector<float> in = voice;
+    in.resize(voice.size() + 3360); // the silence that brings out the tail
+    for (size_t start = 0; start < in.size(); start += 4800) {
+        std::vector<float> block(in.begin() + static_cast<ptrdiff_t>(start),
+                                 in.begin() + static_cast<ptrdiff_t>(std::min(start + 4800, in.size())));
+        for (float &sample : block)
+            sample *= 32768;
+        EXPECT_EQ(ORVA_SolafsInputData(scaler, 0, block.data(), static_cast<int32_t>(block.size()), 0.7f),
+                  static_cast<int32_t>(block.size()));
+        const int32_t given = ORVA_SolafsOutputData(scaler, 0, out.data(), static_cast<int32_t>(out.size()));
+        expected.insert(expected.end(), out.begin(), out.begin() + given);
+    }
+    ORVA_SolafsDestroy(scaler);
+    for (float &sample : expected)
+        sample /= 32768;
+    EXPECT_TRUE(support::sameBits(stretched("in.wav", "0.7", folder).samples, expected));
 }
 
-TEST(Stretch, NotesDamagedInputAndGoesOn)
+TEST(OrvaStretch, MapTellsWhatIsHeardAtEachHundredth)
+{
+    const support::Folder folder;
+    writeSound(folder / "in.wav", std::vector<float>(96000, 0.0f)); // a second at speed 2, then one at 1/2
+    EXPECT_EQ(orvaRun({"stretch", "in.wav", "out.wav", "--speed=2 1:0.5", "--map=map.csv"}, folder).status,
+              0);
+    std::ifstream lines(folder / "map.csv");
+    std::string line;
+    std::getline(lines, line);
+    EXPECT_EQ(line, "output_seconds,input_seconds");
+    int count = 0;
+    for (; std::getline(lines, line); ++count) {
+        double output = -1;
+        double input = -1;
+        ASSERT_EQ(std::sscanf(line.c_str(), "%lf,%lf", &output, &input), 2) << line;
+        EXPECT_NEAR(output, count / 100.0, 1e-9);
+        EXPECT_NEAR(input, output < 0.5 ? 2 * output : 1 + (output - 0.5) / 2, 0.01) << output;
+    }
+    EXPECT_NEAR(count, 251, 5);
+}
+
+TEST(OrvaStretch, LongFilesRunInConstantMemory)
+{
+    // The samples alone are 9600 kB.
+    expectConstantMemory("orva", {"stretch", "in.wav", "out.wav", "--speed=1"}, 300, 2000);
+}
+
+TEST(OrvaStretch, NotesDamagedInputAndGoesOn)
 {
     const support::Folder folder;
     std::vector<float> samples = sine(440, 0.5, 9000);
     samples[4000] = std::numeric_limits<float>::quiet_NaN();
     writeSound(folder / "in.wav", samples);
-    const support::Outcome outcome = runProgram("stretch", {"in.wav", "out.wav", "out.png", "1.5"}, folder);
+    const support::Outcome outcome = orvaRun({"stretch", "in.wav", "out.wav", "--speed=1.5"}, folder);
     EXPECT_EQ(outcome.status, 0);
-    EXPECT_EQ(outcome.err, "in.wav: 1 samples are not finite; they were taken as 0\n");
+    EXPECT_EQ(outcome.err, "in.wav: 1 sample is not finite; taken as 0\n");
 }

@@ -1,0 +1,91 @@
+// The command filter: a sound through a filter from one line of text.
+#include "command.h"
+#include "failure.h"
+#include "filter_from.h"
+#include "json_text.h"
+#include "shared_options.h"
+
+extern "C" {
+#include "common/progress.h"
+}
+
+#include <cmath>
+#include <cstdio>
+
+namespace orva
+{
+namespace
+{
+
+struct Options {
+    std::string input, output, text;
+    OutputOptions how;
+};
+
+void run(const Options &options)
+{
+    enum { blockFrames = 4096 };
+    SoundInput input = openSound(options.input, options.how.raw);
+    const int rate = input.info.samplerate;
+    const int channels = input.info.channels;
+    answerOf(options.text, rate); // refuses what would not come to rest
+    const Filter filter = filterFrom(options.text, rate, channels);
+    SoundOutput output(options.output, options.how, input, rate, input.length);
+    std::vector<float> block(static_cast<size_t>(blockFrames) * static_cast<size_t>(channels));
+    while (const int64_t count = readSound(input, block.data(), blockFrames)) {
+        ORVA_Filter(filter.get(), block.data(), block.data(), static_cast<uint32_t>(count * channels));
+        output.write(block.data(), count);
+        if (input.length > 0)
+            progressShow(input.position, input.length);
+    }
+    progressClear();
+    if (input.position == 0)
+        fail(input.name + ": holds no samples");
+    output.finish();
+    noteDamage(input);
+    if (output.isStandardOutput())
+        return;
+    const auto loudest = static_cast<double>(output.loudest());
+    char text[96];
+    std::snprintf(text, sizeof text, ": %.2f s, %d channel%s, loudest sample ",
+                  static_cast<double>(input.position) / rate, channels, channels > 1 ? "s" : "");
+    std::string line = options.output + text;
+    std::snprintf(text, sizeof text, "%.1f dB", 20 * std::log10(loudest));
+    line += loudest > 0 ? text : "0";
+    std::puts(onOneLine(line).c_str());
+}
+
+} // namespace
+
+void addFilter(CLI::App &program)
+{
+    CLI::App *command =
+        program.add_subcommand("filter", "Run a sound through a filter that a line of text tells");
+    auto options = std::make_shared<Options>();
+    command->add_option("input", options->input, "Sound file; - is standard input")
+        ->required()
+        ->type_name("FILE");
+    command->add_option("output", options->output, "Sound file; - is standard output")
+        ->required()
+        ->type_name("FILE");
+    command->add_option("text", options->text, "The filter: a design with edges in Hz, or numbers")
+        ->required()
+        ->type_name("TEXT");
+    addOutputOptions(*command, options->how);
+    command->footer(
+        "Keys of TEXT, such as \"type=highpass; order=4; fpass=80\":\n"
+        "  type            lowpass (default), highpass, bandpass, bandreject\n"
+        "  approximation   butterworth (default), chebyshev, invchebyshev, ellip\n"
+        "  order           or As with a stop edge, from which the order follows\n"
+        "  fpass, fstop    edges in Hz; of a band fpass1, fpass2, fstop1, fstop2\n"
+        "  Ap, As          attenuation in dB at the edges of what passes (3) and in what does not\n"
+        "  gain            a factor\n"
+        "or biquads=[a1 a2 b0 b1 b2; ...], or numerator=[...] with denominator=[...].\n\n"
+        "Examples:\n"
+        "  $ orva filter voice.wav telephone.wav \"type=bandpass; order=4; fpass1=300; fpass2=3400\"\n"
+        "  $ orva filter voice.wav ring.flac \"biquads=[-1.9234 0.9409 0.03 0 -0.03]\"\n"
+        "  $ orva filter voice.wav - \"type=hp; order=4; fpass=80\" | orva resample - clean.wav --rate 16k");
+    command->callback([options] { run(*options); });
+}
+
+} // namespace orva

@@ -1,0 +1,234 @@
+// The command stretch: a sound faster or slower at the same pitch.
+#include "command.h"
+#include "failure.h"
+#include "json_text.h"
+#include "shared_options.h"
+
+extern "C" {
+#include "common/envelope.h"
+#include "common/progress.h"
+#include "common/schedule.h"
+}
+
+#include <orva/ORVAsolafs.h>
+
+#include <cerrno>
+#include <cinttypes>
+#include <cstdio>
+#include <cstring>
+
+#include <unistd.h>
+
+namespace orva
+{
+namespace
+{
+
+enum { frameMs = 20 };
+
+// The energies of the search begin at 1, which is next to nothing for samples of 16 bits and drowns those within 1.0.
+// A power of two rounds nothing on the way there and back.
+const float sampleScale = 32768;
+
+struct Options {
+    std::string input, output, speed, map, picture;
+    OutputOptions how;
+};
+
+struct DestroyScaler {
+    void operator()(ORVA_SOLAFS *scaler) const
+    {
+        ORVA_SolafsDestroy(scaler);
+    }
+};
+
+struct Stretching {
+    std::vector<std::unique_ptr<ORVA_SOLAFS, DestroyScaler>>
+        scalers; // one a channel; all give as many frames
+    std::vector<float> in, out;
+    bool drawn = false;
+    Envelope before{}, after{}; // outlines of what went in and what came out, if they are to be drawn
+    int64_t taken = 0, given = 0;
+};
+
+void begin(Stretching &work, const SoundInput &input)
+{
+    const int rate = input.info.samplerate;
+    const auto channels = static_cast<size_t>(input.info.channels);
+    if (rate < 400 || rate > 1000000)
+        fail(input.name + ": the rate must be from 400 to 1000000 Hz");
+    for (size_t c = 0; c < channels; ++c) {
+        work.scalers.emplace_back(ORVA_SolafsCreate(frameMs, rate, input.info.channels));
+        if (work.scalers.back() == nullptr)
+            throw std::bad_alloc();
+    }
+    work.in.resize(static_cast<size_t>(rate / 10) * channels);
+    work.out.resize(work.in.size() * 20); // more than a block gives at the lowest speed
+}
+
+// Pushes frames at one speed and writes what comes out.
+void push(Stretching &work, float *frames, int64_t count, float speed, SoundOutput &output)
+{
+    const auto channels = static_cast<int>(work.scalers.size());
+    const auto room = static_cast<int32_t>(work.out.size() / work.scalers.size());
+    for (int64_t i = 0; i < count * channels; ++i)
+        frames[i] *= sampleScale;
+    int32_t taken = 0;
+    int32_t written = 0;
+    for (int c = 0; c < channels; ++c) {
+        ORVA_SOLAFS *scaler = work.scalers[static_cast<size_t>(c)].get();
+        taken = ORVA_SolafsInputData(scaler, c, frames, static_cast<int32_t>(count), speed);
+        written = ORVA_SolafsOutputData(scaler, c, work.out.data(), room);
+    }
+    if (taken != count)
+        fail("the sound is too long, 2147483647 frames are the most");
+    for (int64_t i = 0; i < int64_t{written} * channels; ++i)
+        work.out[static_cast<size_t>(i)] /= sampleScale;
+    if (work.drawn)
+        envelopeAdd(&work.after, work.out.data(), written, channels);
+    output.write(work.out.data(), written);
+    work.taken += count;
+    work.given += written;
+}
+
+// The sound, and after it the silence that brings out its tail.
+void stretch(Stretching &work, SoundInput &input, const Schedule &speeds, SoundOutput &output)
+{
+    const int rate = input.info.samplerate;
+    const int64_t block = rate / 10;
+    int64_t tail = 7 * (static_cast<int64_t>(frameMs) * rate / 1000 / 8 * 8) / 2;
+    for (bool ended = false; !ended || tail > 0;) {
+        int64_t count = ended ? std::min(block, tail) : block;
+        const float speed = scheduleAt(&speeds, work.taken, rate, &count);
+        if (ended) {
+            std::fill(work.in.begin(), work.in.end(), 0.0F);
+            tail -= count;
+        } else {
+            const int64_t got = readSound(input, work.in.data(), count);
+            ended = got < count;
+            count = got;
+            if (work.drawn)
+                envelopeAdd(&work.before, work.in.data(), count, input.info.channels);
+        }
+        push(work, work.in.data(), count, speed, output);
+        if (input.length > 0)
+            progressShow(std::min(input.position, input.length), input.length);
+    }
+    progressClear();
+    if (input.position == 0)
+        fail(input.name + ": holds no samples");
+}
+
+double heardAt(const Stretching &work, int64_t position, int rate)
+{
+    return static_cast<double>(ORVA_SolafsTranslateCursorPosition(work.scalers[0].get(), position)) / rate;
+}
+
+// Each hundredth of a second of the output, and the second of the input that is heard there.
+void writeMap(const Stretching &work, int rate, const std::string &path)
+{
+    Replacement file(path);
+    std::string text = "output_seconds,input_seconds\n";
+    const auto flush = [&] {
+        if (write(file.descriptor(), text.data(), text.size()) != static_cast<ssize_t>(text.size()))
+            fail(path + ": " + std::strerror(errno));
+        text.clear();
+    };
+    for (int64_t i = 0; i * rate / 100 <= work.given; ++i) {
+        char line[64];
+        std::snprintf(line, sizeof line, "%" PRId64 ".%02d,%.4f\n", i / 100, static_cast<int>(i % 100),
+                      heardAt(work, i * rate / 100, rate));
+        text += line;
+        if (text.size() > 65536)
+            flush();
+    }
+    flush();
+    file.commit();
+}
+
+void draw(const Stretching &work, const SoundInput &input, const Options &options)
+{
+    const int rate = input.info.samplerate;
+    const double from = static_cast<double>(input.position) / rate;
+    const double to = static_cast<double>(work.given) / rate;
+    const double seconds = std::max(from, to); // the same scale for both, so that the stretching is seen
+    const std::string subtitle = "Speed " + options.speed +
+                                 "; a numbered line stands where the same is heard, " + std::to_string(rate) +
+                                 " Hz";
+    const std::unique_ptr<Plot, void (*)(Plot *)> picture(
+        plotCreate(input.name.substr(input.name.rfind('/') + 1).c_str(), subtitle.c_str(), 2, 220, false),
+        plotDestroy);
+    envelopeDraw(&work.before, picture.get(), 0, rate, seconds, "Input");
+    envelopeDraw(&work.after, picture.get(), 1, rate, seconds, "Output");
+    for (int mark = 1; mark <= 3; ++mark) {
+        const std::string name = std::to_string(mark);
+        plotCursor(picture.get(), 0, heardAt(work, work.given * mark / 4, rate), name.c_str());
+        plotCursor(picture.get(), 1, to * mark / 4, name.c_str());
+    }
+    if (!plotSave(picture.get(), options.picture.c_str()))
+        fail(""); // it has been told why
+}
+
+void run(const Options &options)
+{
+    Schedule speeds = {};
+    speeds.name = "speed";
+    speeds.least = 0.1;
+    speeds.most = 3;
+    if (!scheduleRead(&speeds, options.speed.c_str(), 1))
+        throw Failure{usedWrongly, ""}; // it has been told why
+    SoundInput input = openSound(options.input, options.how.raw);
+    const int rate = input.info.samplerate;
+    const auto work = std::make_unique<Stretching>();
+    work->drawn = !options.picture.empty();
+    begin(*work, input);
+    const double length = speeds.count == 1 ? 1 / static_cast<double>(speeds.values[0]) : 0;
+    SoundOutput output(options.output, options.how, input, rate, -1, length);
+    stretch(*work, input, speeds, output);
+    if (!options.map.empty())
+        writeMap(*work, rate, options.map);
+    if (!options.picture.empty())
+        draw(*work, input, options);
+    output.finish();
+    noteDamage(input);
+    if (output.isStandardOutput())
+        return;
+    char text[128];
+    std::snprintf(text, sizeof text, ": %.2f s became %.2f s; its middle is what stood at %.2f s",
+                  static_cast<double>(input.position) / rate, static_cast<double>(work->given) / rate,
+                  heardAt(*work, work->given / 2, rate));
+    std::puts(onOneLine(options.output + text).c_str());
+}
+
+} // namespace
+
+void addStretch(CLI::App &program)
+{
+    CLI::App *command = program.add_subcommand("stretch", "Play a sound faster or slower at the same pitch");
+    auto options = std::make_shared<Options>();
+    command->add_option("input", options->input, "Sound file; - is standard input")
+        ->required()
+        ->type_name("FILE");
+    command->add_option("output", options->output, "Sound file; - is standard output")
+        ->required()
+        ->type_name("FILE");
+    command
+        ->add_option(
+            "-s,--speed", options->speed,
+            "0.1 to 3; or several, each after the second of the input from which on it holds, and a colon")
+        ->required()
+        ->type_name("SPEED");
+    command
+        ->add_option("--map", options->map,
+                     "CSV of the place in the input that is heard at each place of the output")
+        ->type_name("FILE");
+    command->add_option("--picture", options->picture, "PNG of both outlines, with places that correspond")
+        ->type_name("PICTURE");
+    addOutputOptions(*command, options->how);
+    command->footer("Examples:\n"
+                    "  $ orva stretch voice.wav slow.wav --speed 0.7 --picture slow.png\n"
+                    "  $ orva stretch voice.wav change.flac --speed \"1.5 0.4:0.6 0.9:2\" --map change.csv");
+    command->callback([options] { run(*options); });
+}
+
+} // namespace orva
