@@ -65,7 +65,7 @@ TEST(OrvaFiles, LongRunShowsAPercentageAndTakesItAway)
     const Session session = onTerminal(folder, std::chrono::milliseconds(600), "");
     EXPECT_TRUE(WIFEXITED(session.status) && WEXITSTATUS(session.status) == 0) << session.text;
     EXPECT_THAT(session.text,
-                testing::MatchesRegex("\r [0-9]+ %.*\r.*/out.wav: 96000 frames at 48000 Hz became .*"));
+                testing::MatchesRegex("\r +[0-9]+ %.*\r.*/out.wav: 96000 frames at 48000 Hz became .*"));
 }
 
 TEST(OrvaFiles, ControlCLeavesNoHalfFile)
