@@ -1,4 +1,5 @@
-# The one place that says how code of this project is compiled. Every target of ours links one of:
+# The one place that says how code of this project is compiled; what one kind of system adds stands in
+# cmake/platform/<kind>.cmake. Every target of ours links one of:
 #   orva_compile_options    warnings, exact floating point, sanitizers: tests, examples, programs, tools
 #   orva_library_options    the same, and what the two libraries add: nothing visible, no exceptions, no RTTI
 
@@ -59,11 +60,6 @@ target_compile_options(orva_library_options INTERFACE
     -fvisibility=hidden
     $<$<COMPILE_LANGUAGE:CXX>:-fvisibility-inlines-hidden -fno-exceptions -fno-rtti>
     $<$<CXX_COMPILER_ID:GNU>:-fno-gnu-unique>)            # a unique symbol would keep dlclose from unloading
-target_link_options(orva_library_options INTERFACE
-    -Wl,-z,now)                                           # or a thread of ours would look up under the loader's lock
-if(NOT ORVA_SANITIZE)
-    target_link_options(orva_library_options INTERFACE -Wl,-z,defs)    # the sanitizers' own names come with the program
-endif()
 if(ORVA_COVERAGE)
     target_compile_options(orva_library_options INTERFACE
         --coverage -fprofile-update=atomic -fprofile-abs-path)    # threads of a test count together

@@ -28,14 +28,16 @@ endif()
 
 pkg_check_modules(FFTW QUIET IMPORTED_TARGET fftw3f)      # Debian's FFTW has no usable CMake package
 orva_need(FFTW_FOUND "FFTW 3 in single precision (fftw3f)" libfftw3-dev)
-include(webrtc)
-orva_need(WEBRTC_FOUND "WebRTC audio processing 0.3, its noise suppressor included" libwebrtc-audio-processing-dev)
+if(NOT TARGET orva_webrtc)                                # a system may have its own way to it
+    include(webrtc)
+    orva_need(WEBRTC_FOUND "WebRTC audio processing 0.3, its noise suppressor included" libwebrtc-audio-processing-dev)
+endif()
 
 if(ORVA_BUILD_TESTS)
     find_package(GTest QUIET)
     orva_need(GTest_FOUND "GoogleTest" "libgtest-dev libgmock-dev" ORVA_BUILD_TESTS)
 endif()
-if(ORVA_BUILD_TESTS OR ORVA_BUILD_EXAMPLES OR ORVA_BUILD_PROGRAMS)
+if(ORVA_BUILD_EXAMPLES OR ORVA_BUILD_PROGRAMS OR (ORVA_BUILD_TESTS AND NOT WIN32))    # where no test takes it
     pkg_check_modules(SNDFILE QUIET IMPORTED_TARGET sndfile)
     orva_need(SNDFILE_FOUND "libsndfile" libsndfile1-dev
         ORVA_BUILD_TESTS ORVA_BUILD_EXAMPLES ORVA_BUILD_PROGRAMS)

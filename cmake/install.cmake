@@ -18,8 +18,9 @@ else()
 endif()
 
 install(TARGETS orva kett EXPORT orva-${kind}-targets
+    RUNTIME COMPONENT runtime                             # a DLL, whose import library is an archive
     LIBRARY COMPONENT runtime NAMELINK_COMPONENT development
-    ARCHIVE COMPONENT archives)
+    ARCHIVE COMPONENT ${kind_component})
 install(DIRECTORY include/orva kett/include/kett TYPE INCLUDE COMPONENT development)
 
 set(package_folder ${CMAKE_INSTALL_LIBDIR}/cmake/orva)

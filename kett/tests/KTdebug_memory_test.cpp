@@ -1,5 +1,5 @@
 // Messages for which there is no memory.
-#include "KTdebug_standard_error.h"
+#include "support/standard_error.h"
 
 #include <kett/KTdebug.h>
 
@@ -9,6 +9,8 @@
 #include <cstdio>
 
 #include <sys/resource.h>
+
+using support::StandardError;
 
 namespace
 {

@@ -1,24 +1,19 @@
-#include "KTdebug_standard_error.h"
 #include "support/log.h"
+#include "support/standard_error.h"
 
 #include <kett/KTdebug.h>
 
 #include <gtest/gtest.h>
 
-#include <algorithm>
 #include <atomic>
-#include <csignal>
-#include <cstdio>
 #include <thread>
 #include <vector>
-
-#include <pthread.h>
-#include <unistd.h>
 
 namespace
 {
 
 using support::Message;
+using support::StandardError;
 
 struct Level {
     void (*write)(int32_t code, const char *format, ...);
@@ -96,13 +91,6 @@ TEST(DebugMessages, ANullFormatWritesNothing)
     EXPECT_TRUE(standardError.pieces().empty());
 }
 
-TEST(DebugMessages, ARefusedFormatIsWrittenAsItStands)
-{
-    support::Log log;
-    KTDEBUG_Log(-1, "one and %ls\n", L"\x4e2d"); // no text in the C locale
-    EXPECT_EQ(log.messages, (std::vector{Message{0, -1, "one and %ls\n"}}));
-}
-
 TEST(DebugDefaultSink, WritesEachMessageByOneCall)
 {
     StandardError standardError;
@@ -132,46 +120,6 @@ TEST(DebugDefaultSink, ComesBackForANullSink)
         EXPECT_EQ(log.messages.size(), 1u);
     }
     EXPECT_EQ(standardError.pieces(), std::vector<std::string>{"to the default"});
-}
-
-// The pipe is full, so the write waits, and every signal breaks it off.
-TEST(DebugDefaultSink, WritesAgainAfterASignal)
-{
-    struct sigaction doNothing = {};
-    doNothing.sa_handler = [](int) {};
-    sigaction(SIGUSR1, &doNothing, nullptr); // without SA_RESTART
-    int ends[2];
-    ASSERT_EQ(pipe(ends), 0);
-    const int before = dup(STDERR_FILENO);
-    dup2(ends[1], STDERR_FILENO);
-    const std::string filling(65536, '.');
-    ASSERT_EQ(write(STDERR_FILENO, filling.data(), filling.size()), 65536);
-
-    std::atomic<bool> isWritten = false;
-    std::thread writer([&] {
-        KTDEBUG_Log(-1, "after the signal");
-        isWritten = true;
-    });
-    for (int i = 0; i < 20; ++i) {
-        std::this_thread::sleep_for(std::chrono::milliseconds(2));
-        pthread_kill(writer.native_handle(), SIGUSR1);
-    }
-    EXPECT_FALSE(isWritten);
-    std::string all;
-    char room[4096];
-    while (all.size() < filling.size()) {
-        const ssize_t size = read(ends[0], room, sizeof room);
-        ASSERT_GT(size, 0);
-        all.append(room, static_cast<size_t>(size));
-    }
-    writer.join();
-    dup2(before, STDERR_FILENO);
-    close(before);
-    close(ends[1]);
-    for (ssize_t size; (size = read(ends[0], room, sizeof room)) > 0;)
-        all.append(room, static_cast<size_t>(size));
-    close(ends[0]);
-    EXPECT_EQ(all, filling + "after the signal");
 }
 
 namespace

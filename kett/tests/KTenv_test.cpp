@@ -1,22 +1,25 @@
+#include "support/environment.h"
+
 #include <kett/KTenv.h>
 
 #include <gtest/gtest.h>
 
 #include <atomic>
-#include <cstdlib>
 #include <string>
 #include <thread>
 #include <vector>
 
-TEST(EnvValue, APublishedOneGoesBeforeTheCEnvironment)
+using support::setVariable;
+
+TEST(EnvValue, APublishedOneGoesBeforeThatOfTheSystem)
 {
-    setenv("KETT_TEST", "from C", 1);
-    EXPECT_STREQ(KTENV_GetEnvValue("KETT_TEST"), "from C");
+    setVariable("KETT_TEST", "from the system");
+    EXPECT_STREQ(KTENV_GetEnvValue("KETT_TEST"), "from the system");
     EXPECT_TRUE(KTENV_SetEnvValue("KETT_TEST", "published"));
     EXPECT_STREQ(KTENV_GetEnvValue("KETT_TEST"), "published");
-    EXPECT_STREQ(getenv("KETT_TEST"), "from C") << "the C environment is not touched";
+    EXPECT_EQ(support::variable("KETT_TEST"), "from the system") << "the environment is not touched";
     EXPECT_TRUE(KTENV_SetEnvValue("KETT_TEST", nullptr));
-    EXPECT_STREQ(KTENV_GetEnvValue("KETT_TEST"), "from C");
+    EXPECT_STREQ(KTENV_GetEnvValue("KETT_TEST"), "from the system");
 }
 
 TEST(EnvValue, IsNullWhereNothingIsSet)
@@ -29,7 +32,7 @@ TEST(EnvValue, IsNullWhereNothingIsSet)
 TEST(EnvValue, ALaterCallSeesAValueSetSince)
 {
     EXPECT_EQ(KTENV_GetEnvValue("KT_DATA_PATH"), nullptr);
-    setenv("KT_DATA_PATH", "/one", 1);
+    setVariable("KT_DATA_PATH", "/one");
     EXPECT_STREQ(KTENV_GetEnvValue("KT_DATA_PATH"), "/one");
     KTENV_SetEnvValue("KT_DATA_PATH", "/two");
     EXPECT_STREQ(KTENV_GetEnvValue("KT_DATA_PATH"), "/two");
@@ -39,7 +42,7 @@ TEST(EnvValue, ALaterCallSeesAValueSetSince)
 
 TEST(EnvValue, AnEmptyPublishedOneIsAValue)
 {
-    setenv("KETT_TEST", "from C", 1);
+    setVariable("KETT_TEST", "from the system");
     EXPECT_TRUE(KTENV_SetEnvValue("KETT_TEST", ""));
     EXPECT_STREQ(KTENV_GetEnvValue("KETT_TEST"), "");
 }

@@ -1,7 +1,7 @@
 // Files and folders of an ordinary user, whoever runs the test.
 #pragma once
 
-#include <kett/KTio.h>
+#include "KTio_replace.h"
 
 #include <gtest/gtest.h>
 
@@ -40,11 +40,4 @@ inline void giveAway(const std::string &path)
     if (geteuid() == 0) {
         ASSERT_EQ(chown(path.c_str(), nobody, static_cast<gid_t>(-1)), 0);
     }
-}
-
-inline bool replace(const std::string &path, const std::string &content)
-{
-    KT_FILE *const file = KTIO_Open(path.c_str(), "w");
-    return file != nullptr && KTIO_WriteData(file, content.data(), content.size()) == content.size() &&
-           KTIO_CloseFile(file);
 }

@@ -5,11 +5,8 @@
 #include <gtest/gtest.h>
 
 #include <atomic>
-#include <csignal>
 #include <thread>
 #include <vector>
-
-#include <pthread.h>
 
 namespace
 {
@@ -173,28 +170,6 @@ TEST(ThreadJoin, OfAnOldThreadWorksFromEveryNewOne)
             old, 0);
         EXPECT_EQ(KTTHREAD_JoinThreadEx(next, 0), 1);
         EXPECT_EQ(result, 1);
-    }
-}
-
-TEST(Thread, BlocksAllSignalsAndItsCreatorKeepsItsOwnMask)
-{
-    static sigset_t mask;
-    sigset_t own, before, after, all;
-    sigemptyset(&own);
-    sigaddset(&own, SIGUSR2);
-    pthread_sigmask(SIG_SETMASK, &own, nullptr);
-    pthread_sigmask(SIG_SETMASK, nullptr, &before);
-    KT_THREAD *const thread = KTTHREAD_AddThread(
-        [](void *) { return static_cast<int32_t>(pthread_sigmask(SIG_SETMASK, nullptr, &mask)); }, nullptr,
-        0);
-    pthread_sigmask(SIG_SETMASK, nullptr, &after);
-    KTTHREAD_JoinThreadEx(thread, 0);
-    sigfillset(&all); // less those that the C library and the system keep from being blocked
-    pthread_sigmask(SIG_SETMASK, &all, nullptr);
-    pthread_sigmask(SIG_SETMASK, &own, &all);
-    for (int signal = 1; signal <= SIGRTMAX; ++signal) {
-        EXPECT_EQ(sigismember(&after, signal), sigismember(&before, signal)) << signal;
-        EXPECT_EQ(sigismember(&mask, signal), sigismember(&all, signal)) << signal;
     }
 }
 

@@ -5,17 +5,12 @@
 
 #include <gtest/gtest.h>
 
-#include <atomic>
 #include <cfenv>
 #include <chrono>
 #include <cmath>
-#include <csignal>
 #include <limits>
 #include <numeric>
-#include <thread>
 #include <vector>
-
-#include <pthread.h>
 
 namespace
 {
@@ -62,28 +57,6 @@ TEST(UtilsSleep, ReturnsAtOnceForZeroOrLess)
     for (const int32_t time : {0, -1, -1000, INT32_MIN})
         KTUTILS_sleep_msec(time);
     EXPECT_LT(Clock::now() - start, milliseconds(500));
-}
-
-TEST(UtilsSleep, IsNeitherShortenedNorStretchedBySignals)
-{
-    struct sigaction doNothing = {};
-    doNothing.sa_handler = [](int) {};
-    sigaction(SIGUSR1, &doNothing, nullptr);
-    std::atomic<bool> isOver = false;
-    Clock::duration slept{};
-    std::thread sleeper([&] {
-        const auto start = Clock::now();
-        KTUTILS_sleep_msec(100);
-        slept = Clock::now() - start;
-        isOver = true;
-    });
-    for (int i = 0; i < 5000 && !isOver; ++i) {
-        std::this_thread::sleep_for(milliseconds(1));
-        pthread_kill(sleeper.native_handle(), SIGUSR1);
-    }
-    EXPECT_TRUE(isOver);
-    sleeper.join();
-    EXPECT_GE(slept, milliseconds(100));
 }
 
 TEST(UtilsConversion, RoundsToNearestTiesToEvenAndLimits)

@@ -8,7 +8,7 @@ namespace orva
 void onLoad();
 
 // When no thread is left in the process but the calling one, wherever the others were: in a child of fork, before fork
-// returns there.
+// returns there; on Windows, at the end of the process.
 void onThreadsGone();
 
 // When the library is unloaded, and at the end of the process.

@@ -1,6 +1,7 @@
 // The start and the stop of the life cycle and the FFT engine together, against a stand-in for libkett.
 #include "fft/ORVAfft_internal.h"
 #include "fft/ORVAfft_recorder.h"
+#include "platform/path.h"
 
 #include <orva/ORVAcore.h>
 
@@ -56,12 +57,13 @@ TEST(Order, ThePreparationIsJoinedBeforeTheLockGoes)
 TEST(Order, TheStoreIsWrittenBeforeTheLockGoes)
 {
     answers.folder = [] { return "/folder"; };
+    const std::string path = std::string("/folder") + pathSeparator + "ruko.optimization";
     ORVA_Initialize();
     const Calls calls = stopCalls();
-    EXPECT_EQ(calls, (Calls{"lock", "unlock", "lock", "ask KT_DATA_PATH", "setting orva.fftw.use_wisdom=[1]",
-                            "exists /folder/ruko.optimization", "open w /folder/ruko.optimization",
-                            "write " + std::to_string(answers.content.size()), "close", "unlock",
-                            "destroy lock", "libkett down"}));
+    EXPECT_EQ(calls,
+              (Calls{"lock", "unlock", "lock", "ask KT_DATA_PATH", "setting orva.fftw.use_wisdom=[1]",
+                     "exists " + path, "open w " + path, "write " + std::to_string(answers.content.size()),
+                     "close", "unlock", "destroy lock", "libkett down"}));
     EXPECT_FALSE(answers.content.empty());
 }
 

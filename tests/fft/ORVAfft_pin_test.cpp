@@ -1,34 +1,20 @@
 // FFTW stays loaded when the library that brought it is unloaded. This program is linked with neither.
+#include "support/environment.h"
+#include "support/library.h"
+
 #include <gtest/gtest.h>
 
-#include <cstdlib>
-
-#include <dlfcn.h>
-
-namespace
-{
-
-bool isLoaded(const char *library)
-{
-    void *handle = dlopen(library, RTLD_LAZY | RTLD_NOLOAD);
-    if (handle != nullptr)
-        dlclose(handle);
-    return handle != nullptr;
-}
-
-} // namespace
+using support::isMapped;
 
 TEST(FftwPin, FftwOutlivesTheLibrary)
 {
-    unsetenv("KT_DATA_PATH");
-    const char *const fftw = "libfftw3f.so.3";
-    ASSERT_FALSE(isLoaded(fftw));
+    support::unsetVariable("KT_DATA_PATH");
+    ASSERT_FALSE(isMapped(support::fftwLibrary));
     for (int round = 0; round < 3; ++round) {
-        void *orva = dlopen(ORVA_LIBRARY, RTLD_NOW | RTLD_LOCAL);
-        ASSERT_NE(orva, nullptr) << dlerror();
-        EXPECT_TRUE(isLoaded(fftw));
-        EXPECT_EQ(dlclose(orva), 0);
-        EXPECT_FALSE(isLoaded(ORVA_LIBRARY));
-        EXPECT_TRUE(isLoaded(fftw));
+        void *orva = support::openLibrary(ORVA_LIBRARY);
+        EXPECT_TRUE(isMapped(support::fftwLibrary));
+        EXPECT_TRUE(support::closeLibrary(orva));
+        EXPECT_FALSE(isMapped("liborva.so"));
+        EXPECT_TRUE(isMapped(support::fftwLibrary));
     }
 }

@@ -2,6 +2,8 @@
 // wants.
 #pragma once
 
+#include "platform/path.h"
+
 #include <gtest/gtest.h>
 
 #include <cstdint>
@@ -42,7 +44,7 @@ inline const std::string folder = "ask KT_DATA_PATH";
 inline const std::string use = "setting orva.fftw.use_wisdom=[1]";
 inline const std::string prepare = "setting orva.fftw.prepare_plans=[0]";
 inline const std::string longest = "setting orva.fftw.max_plan_len=[4096]";
-inline const std::string path = "/data/ruko.optimization";
+inline const std::string path = std::string("/data") + orva::pathSeparator + "ruko.optimization";
 
 inline Calls operator+(Calls first, const Calls &second)
 {

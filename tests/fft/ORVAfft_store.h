@@ -2,6 +2,7 @@
 #pragma once
 
 #include "fft/ORVAfft_internal.h"
+#include "support/environment.h"
 #include "support/folder.h"
 
 #include <kett/KTenv.h>
@@ -19,13 +20,13 @@ namespace store
 struct Store {
     Store()
     {
-        unsetenv("KT_DATA_PATH");
+        support::unsetVariable("KT_DATA_PATH");
         KTENV_SetEnvValue("KT_DATA_PATH", nullptr);
     }
 
     void announce() const
     {
-        KTENV_SetEnvValue("KT_DATA_PATH", folder.path.c_str());
+        KTENV_SetEnvValue("KT_DATA_PATH", folder.path.string().c_str());
     }
 
     bool exists() const

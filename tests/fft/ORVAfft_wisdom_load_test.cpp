@@ -10,10 +10,6 @@
 #include <algorithm>
 #include <sstream>
 
-#include <sys/resource.h>
-#include <sys/stat.h>
-#include <unistd.h>
-
 using namespace orva;
 
 using store::plan;
@@ -115,7 +111,7 @@ TEST(WisdomLoad, TheFolderMayComeFromTheEnvironment)
 {
     inOwnProcess([] {
         const Store store;
-        setenv("KT_DATA_PATH", store.folder.path.c_str(), 1);
+        support::setVariable("KT_DATA_PATH", store.folder.path.string());
         writeFile(store.path, store::wisdomOf({16}));
         EXPECT_TRUE(__FFTW_LoadWisdom());
     });
@@ -192,23 +188,6 @@ TEST(WisdomLoad, WhatStandsAfterTheWisdomIsNotRead)
     }
 }
 
-// A pipe exists and is no folder, but cannot be opened as a file.
-TEST(WisdomLoad, AStoreThatCannotBeOpenedReadsAsEmpty)
-{
-    inOwnProcess([] {
-        const Store store;
-        ASSERT_EQ(mkfifo(store.path.c_str(), 0600), 0);
-        store.announce();
-        const std::string known = wisdom();
-        EXPECT_TRUE(__FFTW_LoadWisdom());
-        EXPECT_TRUE(__FFTW_WisdomLoaded);
-        EXPECT_EQ(wisdom(), known);
-        EXPECT_FALSE(__FFTW_SaveWisdom());
-        EXPECT_TRUE(std::filesystem::is_fifo(store.path));
-        EXPECT_TRUE(store.isTidy());
-    });
-}
-
 TEST(WisdomLoad, AFolderInTheStoresPlaceIsNoStore)
 {
     inOwnProcess([] {
@@ -221,33 +200,6 @@ TEST(WisdomLoad, AFolderInTheStoresPlaceIsNoStore)
         EXPECT_TRUE(std::filesystem::is_directory(store.path));
         EXPECT_TRUE(store.isTidy());
     });
-}
-
-// Sizes of which the lowest 32 bits are negative, too large or those of a genuine store.
-TEST(WisdomLoad, ASizeThatDoesNotFitCountsAsCorrupt)
-{
-    const std::string good = store::wisdomOf({16});
-    const auto goodSize = static_cast<int64_t>(good.size());
-    for (const int64_t size : {int64_t{INT32_MAX}, int64_t{INT32_MAX} + 1, int64_t{UINT32_MAX},
-                               (int64_t{1} << 32) + goodSize, int64_t{1} << 40}) {
-        SCOPED_TRACE(size);
-        inOwnProcess([&] {
-            const Store store;
-            writeFile(store.path, good);
-            ASSERT_EQ(truncate(store.path.c_str(), size), 0); // a sparse file
-            store.announce();
-            rusage before, after;
-            getrusage(RUSAGE_SELF, &before);
-            const std::string known = wisdom();
-            EXPECT_TRUE(__FFTW_LoadWisdom());
-            EXPECT_TRUE(__FFTW_WisdomLoaded);
-            EXPECT_EQ(wisdom(), known);
-            EXPECT_TRUE(__FFTW_SaveWisdom());
-            EXPECT_EQ(readFile(store.path), known);
-            getrusage(RUSAGE_SELF, &after);
-            EXPECT_LT(after.ru_maxrss - before.ru_maxrss, 64 * 1024) << "kilobytes";
-        });
-    }
 }
 
 TEST(WisdomLoad, AStoreOfManyMegabytesIsTaken)

@@ -7,11 +7,7 @@
 #include <kett/KTsettings.h>
 
 #include <algorithm>
-#include <csignal>
-
-#include <fcntl.h>
-#include <sys/resource.h>
-#include <sys/stat.h>
+#include <chrono>
 
 using namespace orva;
 
@@ -25,18 +21,18 @@ using support::writeFile;
 namespace
 {
 
+const auto longPast = std::filesystem::file_time_type(std::chrono::floor<std::chrono::seconds>(
+    std::filesystem::file_time_type::clock::now().time_since_epoch() - std::chrono::hours(100'000)));
+
 // Gives a file a time long past, so that any later writing shows.
 void makeOld(const std::filesystem::path &path)
 {
-    const timespec past[2] = {{1000000000, 0}, {1000000000, 0}};
-    ASSERT_EQ(utimensat(AT_FDCWD, path.c_str(), past, 0), 0);
+    std::filesystem::last_write_time(path, longPast);
 }
 
 bool isOld(const std::filesystem::path &path)
 {
-    struct stat status;
-    return stat(path.c_str(), &status) == 0 && status.st_mtim.tv_sec == 1000000000 &&
-           status.st_mtim.tv_nsec == 0;
+    return std::filesystem::last_write_time(path) == longPast;
 }
 
 } // namespace
@@ -102,7 +98,7 @@ TEST(WisdomSave, TellsWhetherTheStoreHoldsTheWisdom)
         EXPECT_TRUE(__FFTW_SaveWisdom()) << "written";
         EXPECT_EQ(readFile(store.path), wisdom());
         EXPECT_TRUE(__FFTW_SaveWisdom()) << "equal";
-        KTENV_SetEnvValue("KT_DATA_PATH", (store.folder.path / "missing").c_str());
+        KTENV_SetEnvValue("KT_DATA_PATH", (store.folder.path / "missing").string().c_str());
         EXPECT_FALSE(__FFTW_SaveWisdom()) << "no such folder";
         EXPECT_TRUE(store.isTidy());
         EXPECT_TRUE(log.messages.empty());
@@ -149,31 +145,6 @@ TEST(WisdomSave, AStoreThatVanishedIsWrittenAnew)
     });
 }
 
-// A limit on the length of files stands in for a disk that fills up in the middle of the writing.
-TEST(WisdomSave, AFullDiskLeavesTheOldStore)
-{
-    inOwnProcess([] {
-        const support::Log log;
-        const Store store;
-        const std::string old = store::wisdomOf({16});
-        writeFile(store.path, old);
-        store.announce();
-        ORVA_InitializeFFT();
-        plan(1009);
-        signal(SIGXFSZ, SIG_IGN);
-        const rlimit limit{old.size() + 100, RLIM_INFINITY};
-        ASSERT_EQ(setrlimit(RLIMIT_FSIZE, &limit), 0);
-        ASSERT_GT(wisdom().size(), limit.rlim_cur);
-        EXPECT_TRUE(__FFTW_SaveWisdom()); // tells of the open alone
-        ORVA_FinalizeFFT();
-        const rlimit none{RLIM_INFINITY, RLIM_INFINITY};
-        ASSERT_EQ(setrlimit(RLIMIT_FSIZE, &none), 0);
-        EXPECT_EQ(readFile(store.path), old);
-        EXPECT_TRUE(store.isTidy());
-        EXPECT_TRUE(log.messages.empty());
-    });
-}
-
 // 511 characters is all that a path holds.
 TEST(WisdomPath, ALongerPathIsCut)
 {
@@ -183,7 +154,7 @@ TEST(WisdomPath, ALongerPathIsCut)
             const Store store;
             // Leaves room for a separator and part of the name.
             const size_t folderLength = 511 - 1 - nameLength;
-            std::string folder = store.folder.path;
+            std::string folder = store.folder.path.string();
             while (folder.size() < folderLength) {
                 // Never so that a single character, a separator, is left over.
                 size_t step = std::min<size_t>(folderLength - folder.size() - 1, 200);
@@ -200,18 +171,4 @@ TEST(WisdomPath, ALongerPathIsCut)
             EXPECT_EQ(readFile(folder + '/' + name), wisdom());
         });
     }
-}
-
-TEST(WisdomPath, AFolderNameLongerThanAPathFindsNothing)
-{
-    inOwnProcess([] {
-        const support::Log log;
-        KTENV_SetEnvValue("KT_DATA_PATH", ("/" + std::string(5000, 'f')).c_str());
-        ORVA_InitializeFFT();
-        EXPECT_TRUE(__FFTW_WisdomLoaded);
-        plan(16);
-        EXPECT_FALSE(__FFTW_SaveWisdom());
-        ORVA_FinalizeFFT();
-        EXPECT_TRUE(log.messages.empty());
-    });
 }

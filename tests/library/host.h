@@ -1,7 +1,9 @@
 // A host that opens the library at run time and does not link it.
 #pragma once
 
+#include "support/environment.h"
 #include "support/folder.h"
+#include "support/library.h"
 
 #include <orva/ORVAtypes.h>
 
@@ -10,35 +12,19 @@
 #include <array>
 #include <chrono>
 #include <cstdint>
-#include <cstdlib>
 #include <filesystem>
-#include <fstream>
-#include <stdexcept>
 #include <string>
-
-#include <dlfcn.h>
 
 namespace host
 {
 
-inline bool isMapped(const std::string &library)
-{
-    std::ifstream maps("/proc/self/maps");
-    for (std::string line; std::getline(maps, line);)
-        if (line.find("/" + library) != std::string::npos)
-            return true;
-    return false;
-}
+using support::isMapped;
 
 // The library as long as this lives.
 class Loaded
 {
 public:
-    Loaded() : handle(dlopen(LIBORVA, RTLD_NOW | RTLD_LOCAL))
-    {
-        if (handle == nullptr)
-            throw std::runtime_error(dlerror());
-    }
+    Loaded() : handle(support::openLibrary(LIBORVA)) {}
 
     ~Loaded()
     {
@@ -52,7 +38,7 @@ public:
     {
         if (handle == nullptr)
             return;
-        EXPECT_EQ(dlclose(handle), 0);
+        EXPECT_TRUE(support::closeLibrary(handle));
         handle = nullptr;
     }
 
@@ -70,10 +56,7 @@ public:
 private:
     template <class Function> Function symbol(const char *name) const
     {
-        void *address = dlsym(handle, name);
-        if (address == nullptr)
-            throw std::runtime_error(dlerror());
-        return reinterpret_cast<Function>(address);
+        return reinterpret_cast<Function>(support::functionOf(handle, name));
     }
 
     void *handle;
@@ -85,12 +68,12 @@ class DataFolder : public support::Folder
 public:
     DataFolder()
     {
-        setenv("KT_DATA_PATH", path.c_str(), 1);
+        support::setVariable("KT_DATA_PATH", path.string());
     }
 
     ~DataFolder()
     {
-        unsetenv("KT_DATA_PATH");
+        support::unsetVariable("KT_DATA_PATH");
     }
 
     DataFolder(const DataFolder &) = delete;

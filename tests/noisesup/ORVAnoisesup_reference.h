@@ -2,6 +2,7 @@
 #pragma once
 
 #include "noisesup/ORVAnoisesup_webrtc.h"
+#include "platform/heap.h"
 
 #include <orva/ORVAnoisesup.h>
 
@@ -10,8 +11,6 @@
 #include <cstring>
 #include <memory>
 #include <vector>
-
-#include <malloc.h>
 
 namespace noisesup
 {
@@ -41,7 +40,7 @@ class Direct
 public:
     Direct(int32_t rate, int policy) : sampleRate(rate), ns(WebRtcNs_Create())
     {
-        std::memset(static_cast<void *>(ns.get()), 0, malloc_usable_size(ns.get()));
+        std::memset(static_cast<void *>(ns.get()), 0, orva::usableSize(ns.get()));
         WebRtcNs_Init(ns.get(), static_cast<uint32_t>(rate));
         setPolicy(policy);
     }

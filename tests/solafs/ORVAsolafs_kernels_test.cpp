@@ -7,9 +7,9 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <cstdlib>
 #include <limits>
 #include <memory>
+#include <new>
 #include <vector>
 
 using namespace orva;
@@ -30,7 +30,7 @@ const SolafsKernels &plainKernels()
 struct FreeFloats {
     void operator()(float *block) const
     {
-        std::free(block);
+        ::operator delete (block, std::align_val_t{64});
     }
 };
 
@@ -42,7 +42,8 @@ public:
         : reference(static_cast<size_t>(points)), length(2 * (points - 1) + candidates),
           room((length + candidateGroup + 15) / 16 * 16), scoreRoom((candidates + 127) / 128 * 128),
           total((gridCopies + 1) * room + scoreRoom),
-          memory(static_cast<float *>(std::aligned_alloc(64, static_cast<size_t>(total) * sizeof(float)))),
+          memory(static_cast<float *>(
+              ::operator new (static_cast<size_t>(total) * sizeof(float), std::align_val_t{64}))),
           search{points,
                  candidates,
                  reference.data(),

@@ -2,10 +2,10 @@
 #pragma once
 
 #include <algorithm>
-#include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
+#include <random>
 #include <stdexcept>
 #include <string>
 #include <vector>
@@ -18,10 +18,11 @@ class Folder
 public:
     Folder()
     {
-        std::string pattern = (std::filesystem::temp_directory_path() / "orva_XXXXXX").string();
-        if (mkdtemp(pattern.data()) == nullptr)
-            throw std::runtime_error(pattern + ": no folder");
-        path = pattern;
+        std::random_device random;
+        do {
+            path = std::filesystem::temp_directory_path() / ("orva_" + std::to_string(random()));
+        } while (!std::filesystem::create_directory(path)); // false for one that is there already
+        std::filesystem::permissions(path, std::filesystem::perms::owner_all);
     }
 
     ~Folder()
@@ -52,17 +53,17 @@ public:
     std::filesystem::path path;
 };
 
-inline void writeFile(const std::string &path, const std::string &content)
+inline void writeFile(const std::filesystem::path &path, const std::string &content)
 {
     if (!(std::ofstream(path, std::ios::binary) << content << std::flush))
-        throw std::runtime_error(path + ": not written");
+        throw std::runtime_error(path.string() + ": not written");
 }
 
-inline std::string readFile(const std::string &path)
+inline std::string readFile(const std::filesystem::path &path)
 {
     std::ifstream file(path, std::ios::binary);
     if (!file)
-        throw std::runtime_error(path + ": not there");
+        throw std::runtime_error(path.string() + ": not there");
     return {std::istreambuf_iterator<char>(file), {}};
 }
 

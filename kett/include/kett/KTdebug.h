@@ -46,7 +46,9 @@ typedef void (*KTDEBUG_SINK)(void *context, int32_t level, int32_t code, const c
  */
 KT_API void KTDEBUG_SetSink(KTDEBUG_SINK sink, void *context);
 
-#if defined(__GNUC__)
+#if defined(__MINGW32__) && !defined(__clang__)
+#define KTDEBUG_FORMAT __attribute__((format(gnu_printf, 2, 3)))
+#elif defined(__GNUC__)
 #define KTDEBUG_FORMAT __attribute__((format(printf, 2, 3)))
 #else
 #define KTDEBUG_FORMAT

@@ -27,7 +27,9 @@
  *  the argument is not looked at. */
 typedef struct KT_SETTINGS KT_SETTINGS;
 
-#if defined(__GNUC__)
+#if defined(__MINGW32__) && !defined(__clang__)
+#define KTSETTINGS_FORMAT __attribute__((format(gnu_printf, 2, 3)))
+#elif defined(__GNUC__)
 #define KTSETTINGS_FORMAT __attribute__((format(printf, 2, 3)))
 #else
 #define KTSETTINGS_FORMAT

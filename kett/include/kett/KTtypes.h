@@ -8,8 +8,9 @@
 #include <stdbool.h>
 #include <stdint.h>
 
-/** Makes a name visible outside the library; the one place that depends on the compiler and the system. */
-#ifdef __GNUC__
+/** Makes a name visible outside the library; the one place that depends on the compiler and the system. On Windows a list
+ *  tells the linker which names these are. */
+#if defined(__GNUC__) && !defined(_WIN32)
 #define KT_VISIBLE __attribute__((visibility("default")))
 #else
 #define KT_VISIBLE

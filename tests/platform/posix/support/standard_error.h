@@ -1,4 +1,4 @@
-// What a process writes to its standard error, call by call.
+// Standard error caught.
 #pragma once
 
 #include <string>
@@ -6,6 +6,9 @@
 
 #include <sys/socket.h>
 #include <unistd.h>
+
+namespace support
+{
 
 // Standard error as long as it lives: each system call arrives as one piece.
 class StandardError
@@ -41,3 +44,5 @@ private:
     int before;
     int ends[2];
 };
+
+} // namespace support

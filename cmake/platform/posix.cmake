@@ -1,8 +1,11 @@
-# export_only(<target> <list> <node>)
-#
-# Makes the library <target> show the names in the file <list> and nothing else: a shared library exports them under
-# the version node <node>. The list holds one name a line; blank lines and lines that start with '#' or '[' (a family)
-# are for the reader.
+# How the linker is told what it has to know on systems of the POSIX kind.
+target_link_options(orva_library_options INTERFACE
+    -Wl,-z,now)                                           # or a thread of ours would look up under the loader's lock
+if(NOT ORVA_SANITIZE)
+    target_link_options(orva_library_options INTERFACE -Wl,-z,defs)    # the sanitizers' own names come with the program
+endif()
+
+# export_only(<target> <list> <node>): by a version script; in a static library, by making all other names local.
 function(export_only target list node)
     file(STRINGS ${list} names REGEX "^[A-Za-z_]")
     set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS ${list})

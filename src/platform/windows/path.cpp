@@ -1,0 +1,8 @@
+#include "platform/path.h"
+
+namespace orva
+{
+
+const char pathSeparator = '\\';
+
+} // namespace orva
