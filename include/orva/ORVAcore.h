@@ -36,6 +36,11 @@
  *  of the library. A child without the planner must not unload the library and load it again to plan, since FFTW stays as
  *  it is. vfork() and posix_spawn() change nothing here.
  *
+ *  On Windows unloading waits for no thread: a preparation of plans keeps the library loaded until it has ended with all its
+ *  lengths, and the library then goes down and saves. At the end of the process all other threads are gone already, nothing
+ *  is waited for, and the wisdom is saved unless one of them was at the planner; then the store stays as it is. What
+ *  ORVA_Finalize() says holds there for the host's own call, which may wait.
+ *
  *  None of this reports a failure, and no failure prevents the library from being loaded. Only transforms, correlation and
  *  the lapped transform need the library to be up; everything else works whatever the count is.
  */

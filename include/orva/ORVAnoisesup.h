@@ -38,7 +38,8 @@ typedef struct ORVA_NOISESUP ORVA_NOISESUP;
  *  @param policy      degree of suppression, 0 (mild) to 3 (very strong). Any other gives null without a message, and the
  *                     WebRTC instance made for it, some ten kilobytes, is never freed: do not try out degrees this way.
  *  @return            the suppressor, owned by the caller until ORVA_DestroyNoiseSup(); null as told above, and without a
- *                     message when memory is out. If the memory is out for the WebRTC library's own instance, that
+ *                     message when memory is out. On Windows null, too, with the error "ORVA_CreateNoiseSup:
+ *                     libwebrtc_audio_processing-1.dll is missing beside liborva.", as long as it is. If the memory is out for the WebRTC library's own instance, that
  *                     library crashes.
  *
  *  Threads: any.   Real time: no (allocates).

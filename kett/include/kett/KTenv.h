@@ -19,6 +19,9 @@ KT_API bool KTENV_SetEnvValue(const char *name, const char *value);
 
 /** The value of a variable: the published one if there is one, else what `getenv` gives.
  *
+ *  On Windows the value is the system's (`GetEnvironmentVariableW`) in UTF-8, and stays valid until libkett is
+ *  unloaded.
+ *
  *  @param name  the variable's name; null or an empty one finds nothing.
  *  @return      the value, or null when the variable is not set. Never freed by the caller: a published text
  *               stays valid until libkett is unloaded, one from the C environment until the variable is
