@@ -34,6 +34,7 @@ ResponseAt responseAt(const std::vector<float> &answer, double rate, double hert
 std::vector<ResponseAt> responseCurve(const std::vector<float> &answer, double rate, int points)
 {
     std::vector<ResponseAt> curve;
+    curve.reserve(static_cast<size_t>(points));
     for (int i = 0; i < points; ++i)
         curve.push_back(
             responseAt(answer, rate, rate / 2 * std::pow(2400.0, static_cast<double>(i) / (points - 1) - 1)));

@@ -41,7 +41,7 @@ Contents measured(SoundInput &input)
     const double most = bits > 0 ? 1 - std::ldexp(1.0, 1 - std::min(bits, 24)) : 1;
     while (const int64_t count = readSound(input, block.data(), blockFrames)) {
         const float *sample = block.data();
-        for (int64_t i = 0; i < count; ++i)
+        for (int64_t i = 0; i < count; ++i) {
             for (Levels &levels : contents.channels) {
                 const auto value = static_cast<double>(*sample++);
                 levels.sum += value;
@@ -49,6 +49,7 @@ Contents measured(SoundInput &input)
                 levels.peak = std::max(levels.peak, std::fabs(value));
                 levels.clipped += static_cast<int64_t>(value <= least || value >= most);
             }
+        }
         if (input.length > 0)
             progressShow(input.position, input.length);
     }

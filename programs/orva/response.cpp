@@ -66,10 +66,13 @@ void print(const std::vector<float> &answer, int rate, const std::vector<Respons
                 list.empty() ? "nowhere" : list.c_str());
     std::puts("        Hz    gain dB    phase °  delay, samples");
     printRow(responseAt(answer, rate, 0), greatest);
-    for (double decade = 1; decade < rate; decade *= 10)
-        for (const double digit : {1.0, 2.0, 5.0})
-            if (digit * decade >= rate / 4800.0 && digit * decade <= rate / 2.0)
-                printRow(responseAt(answer, rate, digit * decade), greatest);
+    for (int decade = 1; decade <= rate; decade *= 10) {
+        for (const int digit : {1, 2, 5}) {
+            const double hertz = digit * decade;
+            if (hertz >= rate / 4800.0 && hertz <= rate / 2.0)
+                printRow(responseAt(answer, rate, hertz), greatest);
+        }
+    }
 }
 
 struct Curves {
@@ -100,11 +103,12 @@ Axis delayAxis(const std::vector<double> &delay)
 {
     double least = 0;
     double most = 1;
-    for (const double samples : delay)
+    for (const double samples : delay) {
         if (std::isfinite(samples)) {
             least = std::min(least, samples);
             most = std::max(most, samples);
         }
+    }
     return axisLinear(least, most * 1.05, "Group delay (samples)");
 }
 
