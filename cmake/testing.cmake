@@ -51,14 +51,16 @@ if(NOT user EQUAL 0 AND NOT WIN32)                        # where they are left 
 endif()
 include(platform/${ORVA_PLATFORM}_tests OPTIONAL)
 
-# What most tests include is read once, where they are built besides those of this system, which show that each includes
-# what it needs.
-if(ORVA_EMULATED)
+# What most tests include is read once, where they are built besides those of the preset release, which show that each
+# includes what it needs.
+set(ORVA_SHARE_HEADERS OFF)
+if(ORVA_EMULATED OR ORVA_SANITIZE)
+    set(ORVA_SHARE_HEADERS ON)
     file(WRITE ${CMAKE_BINARY_DIR}/test_headers.cpp "")
     add_library(orva_test_headers OBJECT ${CMAKE_BINARY_DIR}/test_headers.cpp)
-    target_link_libraries(orva_test_headers PRIVATE GTest::gtest orva_test_options)
+    target_link_libraries(orva_test_headers PRIVATE GTest::gmock GTest::gtest orva_test_options)
     target_precompile_headers(orva_test_headers PRIVATE
-        <gtest/gtest.h> <algorithm> <complex> <filesystem> <fstream> <functional> <random> <regex> <thread>)
+        <gmock/gmock.h> <gtest/gtest.h> <algorithm> <complex> <filesystem> <fstream> <functional> <random> <regex> <thread>)
 endif()
 
 # orva_program_path(<variable> <target>)
@@ -124,7 +126,7 @@ function(orva_test name)
         list(APPEND ARG_LIBRARIES kett::kett)
     endif()
     target_link_libraries(${name} PRIVATE ${ARG_LIBRARIES} orva_test_support GTest::gtest_main orva_test_options)
-    if(ORVA_EMULATED AND NOT ARG_SOURCES MATCHES "\\.c(;|$)")
+    if(ORVA_SHARE_HEADERS AND NOT ARG_SOURCES MATCHES "\\.c(;|$)")
         target_precompile_headers(${name} REUSE_FROM orva_test_headers)
     endif()
     gtest_discover_tests(${name} DISCOVERY_MODE PRE_TEST DISCOVERY_TIMEOUT 60)
