@@ -49,7 +49,9 @@ target_compile_options(orva_compile_options INTERFACE
 if(ORVA_SANITIZE)
     target_compile_options(orva_compile_options INTERFACE
         -fsanitize=${ORVA_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer
-        $<$<CXX_COMPILER_ID:GNU>:-Wno-maybe-uninitialized>)    # sees ghosts in instrumented standard templates
+        # These see ghosts in instrumented standard templates.
+        "$<$<CXX_COMPILER_ID:GNU>:-Wno-maybe-uninitialized;-Wno-array-bounds;-Wno-restrict>"
+        "$<$<CXX_COMPILER_ID:GNU>:-Wno-stringop-overflow;-Wno-stringop-overread>")
     target_link_options(orva_compile_options INTERFACE -fsanitize=${ORVA_SANITIZE})
 endif()
 
