@@ -48,7 +48,8 @@ std::string resample(const std::string &from, const std::string &to, const Optio
     SoundOutput output(to, options.output, input, rate,
                        input.length < 0 ? -1 : framesAt(input.length, old, rate));
     convert(converters, input, output, rate, progress);
-    progressClear();
+    if (progress)
+        progressClear();
     if (input.position == 0)
         fail(input.name + ": holds no samples");
     output.finish();

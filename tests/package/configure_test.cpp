@@ -113,7 +113,7 @@ TEST(Uninstall, TakesAwayWhatWasInstalledAndNothingElse)
     std::set<std::string> left;
     for (const auto &entry : fs::recursive_directory_iterator(prefix))
         left.insert(entry.path().lexically_relative(prefix));
-    EXPECT_EQ(left,
-              (std::set<std::string>{"include", "include/other.h", "lib", "lib/cmake", "lib/pkgconfig"}));
+    EXPECT_EQ(left, (std::set<std::string>{"include", "include/other.h", "lib", "lib/cmake", "lib/pkgconfig",
+                                           "share", "share/doc"}));
     EXPECT_NE(support::run(uninstall, project.folder).status, 0);
 }
