@@ -6,10 +6,12 @@
 namespace orva
 {
 
+void addDelay(CLI::App &program);
 void addFilter(CLI::App &program);
 void addInfo(CLI::App &program);
 void addResample(CLI::App &program);
 void addResponse(CLI::App &program);
 void addStretch(CLI::App &program);
+void addTwice(CLI::App &program);
 
 } // namespace orva

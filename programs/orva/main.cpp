@@ -90,10 +90,12 @@ int run(int count, char **words)
     program.require_subcommand(1);
     program.get_formatter()->column_width(28);
     addInfo(program);
+    addDelay(program);
     addFilter(program);
     addResample(program);
     addResponse(program);
     addStretch(program);
+    addTwice(program);
     program.footer(
         "Each command has its own help, with examples: orva COMMAND --help\n"
         "A sound file named - is standard input or output. Exit status: 0, 1 if it did not work, 2 if it was "

@@ -44,7 +44,8 @@ TEST(OrvaUsage, HelpAndVersionGoToStandardOutput)
 TEST(OrvaUsage, EveryCommandHasHelpWithExamplesThatRun)
 {
     const auto names = commands();
-    ASSERT_THAT(names, testing::IsSupersetOf({"filter", "info", "resample", "response", "stretch"}));
+    ASSERT_THAT(names, testing::IsSupersetOf(
+                           {"delay", "filter", "info", "resample", "response", "stretch", "twice"}));
     for (const auto &name : names) {
         const support::Folder folder;
         const support::Outcome outcome = orvaRun({name, "--help"}, folder);
@@ -66,7 +67,7 @@ TEST(OrvaUsage, WrongWordsEndWithStatusTwoAndTheNearestRightOne)
         {{""}, "orva: there is no command ''; see 'orva --help'"},
         {{"resmaple"}, "orva: there is no command 'resmaple', did you mean 'resample'?; see 'orva --help'"},
         {{"inf", "voice.wav"}, "orva: there is no command 'inf', did you mean 'info'?; see 'orva --help'"},
-        {{"play"}, "orva: there is no command 'play'; see 'orva --help'"},
+        {{"applaud"}, "orva: there is no command 'applaud'; see 'orva --help'"},
         {{"--verson"}, "orva: there is no option '--verson', did you mean '--version'?; see 'orva --help'"},
         {{"info", "--jsn", "voice.wav"},
          "orva: there is no option '--jsn', did you mean '--json'?; see 'orva info --help'"},
