@@ -5,7 +5,6 @@
 #include <complex>
 #include <cstdio>
 #include <numbers>
-#include <numeric>
 #include <vector>
 
 namespace orva
@@ -14,6 +13,17 @@ namespace
 {
 
 const double pi = std::numbers::pi;
+
+// By Euclid's steps, as GCC 12 at -O2 has made other numbers of std::gcd where it was inlined.
+constexpr int greatestCommonDivisor(int a, int b)
+{
+    while (b != 0) {
+        const int rest = a % b;
+        a = b;
+        b = rest;
+    }
+    return a;
+}
 
 // The first half of the filter's taps without the factor L, at `longer` times the lower rate, and the one in its middle:
 // a sinc with its cut at 0.95 of half the lower rate, under Blackman's window with a period of N + 1.
@@ -54,7 +64,7 @@ double gainAt(const Taps &taps, double w)
 
 ConversionQuality polyphaseQuality(int from, int to, int order)
 {
-    const int common = std::gcd(from, to);
+    const int common = greatestCommonDivisor(from, to);
     const int up = to / common;
     const int down = from / common;
     // Many phases differ little from more of them; so few are computed with that it takes no time to speak of.

@@ -6,7 +6,6 @@
 #include <algorithm>
 #include <cmath>
 #include <limits>
-#include <numeric>
 
 namespace orva
 {
@@ -87,7 +86,7 @@ Layout inRows(int64_t length, int32_t L, int32_t M, int32_t lanes)
                      .groupSize = 0,
                      .rows = single ? std::numeric_limits<int32_t>::max() : M,
                      .groupRows = static_cast<int32_t>(taps + quotientUp((lanes - 1) * int64_t{M}, L)),
-                     .round = std::lcm(L, lanes),
+                     .round = L / greatestCommonDivisor(L, lanes) * lanes,
                      .up = L,
                      .down = M,
                      .taps = static_cast<int32_t>(taps),
@@ -161,7 +160,7 @@ int32_t polyphaseDelay(int32_t prototypeOrder, int32_t downFactor)
 
 PolyphaseResampler *newPolyphase(int32_t inputRate, int32_t outputRate, int32_t order, bool compensates)
 {
-    const int32_t common = std::gcd(inputRate, outputRate);
+    const int32_t common = greatestCommonDivisor(inputRate, outputRate);
     const int32_t L = outputRate / common;
     const int32_t M = inputRate / common;
     const int64_t bytes = polyphaseDesignBytes(order, L, M);

@@ -3,6 +3,7 @@
 #include "resample/ORVAresample_hold.h"
 
 #include "common/memory.h"
+#include "common/numbers.h"
 #include "resample/ORVAresample_filterset.h"
 #include "resample/ORVAresample_work.h"
 #include "resample/kernels/ORVAresample_kernels.h"
@@ -13,7 +14,6 @@
 #include <algorithm>
 #include <iterator>
 #include <limits>
-#include <numeric>
 
 namespace orva
 {
@@ -60,7 +60,7 @@ ZohResampler *newHold(int32_t inputRate, int32_t outputRate)
         return nullptr;
     resampler->upsampling = inputRate <= outputRate ? 1 : 0;
     takeFilter(resampler.get(), inputRate, outputRate);
-    const int32_t common = std::gcd(inputRate, outputRate);
+    const int32_t common = greatestCommonDivisor(inputRate, outputRate);
     resampler->upFactor = outputRate / common;
     resampler->downFactor = inputRate / common;
     const int32_t quotient = resampler->upFactor / resampler->downFactor;
