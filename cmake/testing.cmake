@@ -102,7 +102,8 @@ endfunction()
 #
 # Builds the test program <name> of the SOURCES, <name>.cpp by default, and registers its tests under the label <family>
 # and the further LABELS; where one of them is left out, there is no such target. The label 'interposer' links the
-# interposer in front of the LIBRARIES. Every test program links libkett, unless it is told not to.
+# interposer in front of the LIBRARIES. Every test program links libkett, unless it is told not to; the interposer passes on to
+# it and is left out with it.
 function(orva_test name)
     cmake_parse_arguments(ARG "WITHOUT_KETT" "FAMILY" "SOURCES;LIBRARIES;LABELS;ENVIRONMENT;FIXTURES" ${ARGN})
     if(NOT ARG_SOURCES)
@@ -119,7 +120,7 @@ function(orva_test name)
             return()
         endif()
     endforeach()
-    if(interposer IN_LIST ARG_LABELS)
+    if(interposer IN_LIST ARG_LABELS AND NOT ARG_WITHOUT_KETT)
         list(PREPEND ARG_LIBRARIES orva_interposer)
     endif()
     add_executable(${name} ${ARG_SOURCES})

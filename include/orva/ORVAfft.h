@@ -68,7 +68,7 @@ ORVA_API bool ORVA_InitializeFFT(void);
  *  planner's lock. The save writes the store if the store differs from FFTW's wisdom, and only if the engine
  *  has read it, or looked for it and found none.
  *
- *  A preparation ends after its current transform length, and saves the wisdom; one that is still waiting for
+ *  A preparation ends after the transform length that it is on, and saves the wisdom; one that is still waiting for
  *  its folder goes on waiting, for 300 ms at most. A store that cannot be written stays as it is.
  *
  *  In a child of fork() that has lost the planner, nothing is waited for, written or destroyed.

@@ -55,6 +55,40 @@ TEST(Mutex, BlocksUntilItIsReleased)
     MutexDestroy(mutex);
 }
 
+// One thread holds the mutex and asks for it again as soon as it has released it. Those that wait get it before.
+TEST(Mutex, WhoeverWaitsGetsItAtTheNextRelease)
+{
+    for (const int waiters : {1, 4}) {
+        SCOPED_TRACE(waiters);
+        KT_MUTEX *const mutex = MutexInit();
+        for (int round = 0; round < 5; ++round) {
+            std::atomic<int> asking = 0;
+            int served = 0; // under the mutex
+            MutexLock(mutex);
+            std::vector<std::thread> threads;
+            for (int i = 0; i < waiters; ++i)
+                threads.emplace_back([&] {
+                    ++asking;
+                    MutexLock(mutex);
+                    ++served;
+                    MutexUnlock(mutex);
+                });
+            while (asking < waiters)
+                std::this_thread::yield();
+            std::this_thread::sleep_for(std::chrono::milliseconds(50)); // until they wait
+            for (int release = 1; release <= waiters; ++release) {
+                MutexUnlock(mutex);
+                MutexLock(mutex);
+                EXPECT_GE(served, release);
+            }
+            MutexUnlock(mutex);
+            for (auto &thread : threads)
+                thread.join();
+        }
+        MutexDestroy(mutex);
+    }
+}
+
 TEST(Mutex, TwoAreIndependent)
 {
     KT_MUTEX *const one = MutexInit();

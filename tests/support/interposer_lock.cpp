@@ -1,6 +1,8 @@
 // Locks, and the calls that wait.
 #include "support/interposer_internal.h"
 
+#include <kett/KTmutex.h>
+
 #include <ctime>
 
 #include <pthread.h>
@@ -106,6 +108,17 @@ int sem_timedwait(sem_t *semaphore, const timespec *until)
 int sem_post(sem_t *semaphore) noexcept
 {
     return lockCall<sem_post>("sem_post", semaphore);
+}
+
+// What they ask of the system counts besides.
+void MutexLock(KT_MUTEX *mutex)
+{
+    lockCall<MutexLock>("MutexLock", mutex);
+}
+
+void MutexUnlock(KT_MUTEX *mutex)
+{
+    lockCall<MutexUnlock>("MutexUnlock", mutex);
 }
 
 int pthread_join(pthread_t thread, void **result)

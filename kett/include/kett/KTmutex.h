@@ -1,6 +1,7 @@
 /* SPDX-License-Identifier: GPL-2.0-or-later */
 /** @file
- *  Mutexes, not recursive.
+ *  Mutexes, not recursive. They are handed on in the order in which they were asked for: a thread that releases one and asks
+ *  for it again at once gets it after all that wait already.
  */
 #ifndef KETT_KTMUTEX_H
 #define KETT_KTMUTEX_H

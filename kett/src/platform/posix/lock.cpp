@@ -20,4 +20,25 @@ void endLock(SystemLock &guard)
     pthread_mutex_destroy(&guard.mutex);
 }
 
+void waitFor(SystemCondition &condition, SystemLock &guard)
+{
+    // Whoever waits has its record in a queue, from which a cancellation would not take it.
+    int before = 0;
+    pthread_setcancelstate(PTHREAD_CANCEL_DISABLE, &before);
+    guard.holder.store(pthread_t{}, std::memory_order_relaxed);
+    pthread_cond_wait(&condition.condition, &guard.mutex);
+    pthread_setcancelstate(before, nullptr);
+    guard.holder.store(pthread_self(), std::memory_order_relaxed);
+}
+
+void wake(SystemCondition &condition)
+{
+    pthread_cond_signal(&condition.condition);
+}
+
+void endCondition(SystemCondition &condition)
+{
+    pthread_cond_destroy(&condition.condition);
+}
+
 } // namespace kett

@@ -10,4 +10,9 @@ int64_t currentProcess()
     return getpid();
 }
 
+bool doesProcessEnd()
+{
+    return false;
+}
+
 } // namespace kett

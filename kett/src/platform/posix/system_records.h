@@ -20,6 +20,10 @@ struct SystemLock {
     std::atomic<pthread_t> holder = pthread_t{}; // zero for nobody
 };
 
+struct SystemCondition {
+    pthread_cond_t condition = PTHREAD_COND_INITIALIZER;
+};
+
 struct SystemThread {
     KTTHREAD_FUNCTION function;
     void *argument;

@@ -1,6 +1,6 @@
 #include "platform/lock.h"
 
-#include "platform/windows/process_end.h"
+#include "platform/process.h"
 
 namespace kett
 {
@@ -21,5 +21,17 @@ void unlock(SystemLock &guard)
 }
 
 void endLock(SystemLock &) {}
+
+void waitFor(SystemCondition &condition, SystemLock &guard)
+{
+    SleepConditionVariableSRW(&condition.condition, &guard.lock, INFINITE, 0);
+}
+
+void wake(SystemCondition &condition)
+{
+    WakeConditionVariable(&condition.condition);
+}
+
+void endCondition(SystemCondition &) {}
 
 } // namespace kett

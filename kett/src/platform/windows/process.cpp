@@ -1,7 +1,5 @@
 #include "platform/process.h"
 
-#include "platform/windows/process_end.h"
-
 #include <windows.h>
 #include <winternl.h>
 

@@ -18,6 +18,10 @@ struct SystemLock {
     SRWLOCK lock = SRWLOCK_INIT;
 };
 
+struct SystemCondition {
+    CONDITION_VARIABLE condition = CONDITION_VARIABLE_INIT;
+};
+
 struct SystemThread {
     KTTHREAD_FUNCTION function;
     void *argument;
