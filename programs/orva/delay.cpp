@@ -1,11 +1,11 @@
 // The command delay: by how much one sound lags another.
 #include "command.h"
+#include "drawing/picture.h"
 #include "failure.h"
 #include "json_text.h"
 #include "shared_options.h"
 
 extern "C" {
-#include "common/plot.h"
 #include "common/progress.h"
 }
 
@@ -23,7 +23,8 @@ namespace
 {
 
 struct Options {
-    std::string first, second, picture;
+    std::string first, second;
+    PictureOptions picture;
     int32_t frame = 16384; // samples that are compared at a time
     RawFormat raw;
 };
@@ -99,27 +100,27 @@ void compare(Search &search, SoundInput &first, SoundInput *second)
         fail((second != nullptr ? second->name : first.name) + ": no frame in which both sounds are heard");
 }
 
-void draw(const Search &search, const std::string &title, int32_t lag, int rate, const std::string &path)
+void draw(const Search &search, const std::string &title, int32_t lag, int rate, PictureFile &file)
 {
     const double ms = 1000.0 / rate;
     const auto zero = static_cast<int32_t>(search.x.size()) - 1;
     const int32_t reach = (zero + 1) / 16;
     char subtitle[128];
     std::snprintf(subtitle, sizeof subtitle, "lag %d samples, %.3f ms at %d Hz", lag, lag * ms, rate);
-    const std::unique_ptr<Plot, void (*)(Plot *)> picture(plotCreate(title.c_str(), subtitle, 1, 300, false),
-                                                          plotDestroy);
-    plotPanel(picture.get(), 0, axisLinear((lag - reach) * ms, (lag + reach) * ms, "Lag (ms)"),
-              axisLinear(-0.2, 1, "Correlation, phase transform"));
-    plotSamples(picture.get(), 0, -zero * ms, ms, search.mean.data(),
-                static_cast<int64_t>(search.mean.size()), nullptr);
-    if (!plotSave(picture.get(), path.c_str()))
-        fail(""); // it has been told why
+    Picture picture(file, {.heights = {300}}, title, subtitle);
+    picture.panel(0, axisLinear((lag - reach) * ms, (lag + reach) * ms, "Lag (ms)"),
+                  axisLinear(-0.2, 1, "Correlation, phase transform"));
+    picture.samples(0, -zero * ms, ms, search.mean);
+    picture.save();
 }
 
 void run(const Options &options)
 {
     if (options.first == "-" && options.second == "-")
         failUse("standard input cannot be read twice");
+    std::optional<PictureFile> picture;
+    if (!options.picture.path.empty())
+        picture.emplace(options.picture);
     SoundInput first = openSound(options.first, options.raw);
     std::optional<SoundInput> second;
     if (!options.second.empty())
@@ -139,8 +140,8 @@ void run(const Options &options)
                                           search.found.begin());
     const auto lag = static_cast<int32_t>(best) - (options.frame - 1);
     const std::string name = second ? second->name : first.name;
-    if (!options.picture.empty())
-        draw(search, name.substr(name.rfind('/') + 1), lag, first.info.samplerate, options.picture);
+    if (picture)
+        draw(search, name.substr(name.rfind('/') + 1), lag, first.info.samplerate, *picture);
     char text[192];
     std::snprintf(
         text, sizeof text, ": lag %d samples, %.3f ms, in %lld of %lld frames; peak %.2f, coefficient %.2f",
@@ -168,7 +169,7 @@ void addDelay(CLI::App &program)
                      "Samples compared at a time, four times the longest delay or more (16384)")
         ->type_name("N")
         ->check(CLI::Range(64, 1 << 24));
-    command->add_option("--picture", options->picture, "PNG of the correlation")->type_name("PICTURE");
+    addPictureAsked(*command, options->picture, "the correlation");
     addInputOptions(*command, options->raw);
     command->footer("A positive lag means that the second sound is the later one. Each frame that is not "
                     "silent has the lag at which\n"

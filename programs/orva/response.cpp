@@ -1,16 +1,13 @@
 // The command response: what a filter does to each frequency, as a table and as a picture.
 #include "command.h"
-#include "failure.h"
+#include "drawing/picture.h"
 #include "filter_from.h"
 #include "frequency_response.h"
 #include "shared_options.h"
 
-extern "C" {
-#include "common/plot.h"
-}
-
 #include <cmath>
 #include <cstdio>
+#include <optional>
 
 namespace orva
 {
@@ -20,7 +17,8 @@ namespace
 const double lostDb = 110; // below the greatest gain: phase and delay are rounding there
 
 struct Options {
-    std::string text, picture;
+    std::string text;
+    PictureOptions picture;
     int rate = 48000;
 };
 
@@ -112,32 +110,32 @@ Axis delayAxis(const std::vector<double> &delay)
     return axisLinear(least, most * 1.05, "Group delay (samples)");
 }
 
-void draw(const Options &options, const std::vector<ResponseAt> &curve)
+void draw(const Options &options, const std::vector<ResponseAt> &curve, PictureFile &file)
 {
     const double greatest = greatestGain(curve);
     const double top = 10 * std::ceil(std::max(greatest, -200.0) / 10);
     const Curves lines = linesOf(curve, greatest);
-    const auto count = static_cast<int64_t>(lines.hertz.size());
     const Axis hertz = axisFrequency(options.rate / 4800.0, options.rate / 2.0, true);
-    const std::string subtitle = options.text + ", at " + std::to_string(options.rate) + " Hz";
-    const std::unique_ptr<Plot, void (*)(Plot *)> picture(
-        plotCreate("Response of the filter", subtitle.c_str(), 3, 220, false), plotDestroy);
-    plotPanel(picture.get(), 0, hertz, axisLinear(top - 80, top, "Gain (dB)"));
-    plotPanel(picture.get(), 1, hertz, axisPhase());
-    plotPanel(picture.get(), 2, hertz, delayAxis(lines.delay));
-    plotCurve(picture.get(), 0, lines.hertz.data(), lines.gain.data(), count, nullptr);
-    plotCurve(picture.get(), 1, lines.hertz.data(), lines.phase.data(), count, nullptr);
-    plotCurve(picture.get(), 2, lines.hertz.data(), lines.delay.data(), count, nullptr);
-    if (!plotSave(picture.get(), options.picture.c_str()))
-        fail(""); // it has been told why
+    Picture picture(file, {.heights = {220, 220, 220}}, "Response of the filter",
+                    options.text + ", at " + std::to_string(options.rate) + " Hz");
+    picture.panel(0, hertz, axisLinear(top - 80, top, "Gain (dB)"));
+    picture.panel(1, hertz, axisPhase());
+    picture.panel(2, hertz, delayAxis(lines.delay));
+    picture.curve(0, lines.hertz, lines.gain);
+    picture.curve(1, lines.hertz, lines.phase);
+    picture.curve(2, lines.hertz, lines.delay);
+    picture.save();
 }
 
 void run(const Options &options)
 {
+    std::optional<PictureFile> picture;
+    if (!options.picture.path.empty())
+        picture.emplace(options.picture);
     const auto answer = answerOf(options.text, options.rate);
     const auto curve = responseCurve(answer, options.rate, 445); // one for two columns of the picture
-    if (!options.picture.empty())
-        draw(options, curve);
+    if (picture)
+        draw(options, curve, *picture);
     print(answer, options.rate, curve);
 }
 
@@ -151,8 +149,9 @@ void addResponse(CLI::App &program)
     command->add_option("text", options->text, "The filter, as 'orva filter --help' tells")
         ->required()
         ->type_name("TEXT");
-    command->add_option("picture", options->picture, "PNG of gain, phase and group delay")
+    command->add_option("picture", options->picture.path, "PNG, SVG or PDF of gain, phase and group delay")
         ->type_name("PICTURE");
+    addPictureOptions(*command, options->picture);
     addRateOption(*command, options->rate, "The sampling rate (48000)");
     command->footer(
         "Measured with a single 1 as input. What lies 110 dB below the greatest gain has no phase.\n\n"

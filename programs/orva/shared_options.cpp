@@ -27,6 +27,18 @@ int rateFrom(const std::string &text)
     return static_cast<int>(value);
 }
 
+// "16x9": centimetres.
+void readSize(const std::string &text, PictureOptions &picture)
+{
+    const char *end = text.data() + text.size();
+    const auto width = std::from_chars(text.data(), end, picture.widthCm);
+    const bool both = width.ec == std::errc() && width.ptr != end && *width.ptr == 'x';
+    const auto height = std::from_chars(both ? width.ptr + 1 : end, end, picture.heightCm);
+    const auto fits = [](double cm) { return cm >= 1 && cm <= 200; };
+    if (height.ec != std::errc() || height.ptr != end || !fits(picture.widthCm) || !fits(picture.heightCm))
+        failUse("size '" + text + "' is not a width and a height in cm from 1 to 200, such as 16x9");
+}
+
 void addRaw(CLI::App &command, RawFormat &raw, const std::string &description)
 {
     command
@@ -65,6 +77,27 @@ void addRateOption(CLI::App &command, int &rate, const std::string &description)
         .add_option_function<std::string>(
             "-r,--rate", [&rate](const std::string &text) { rate = rateFrom(text); }, description)
         ->type_name("HZ");
+}
+
+void addPictureOptions(CLI::App &command, PictureOptions &picture)
+{
+    command
+        .add_option_function<std::string>(
+            "--size", [&picture](const std::string &text) { readSize(text, picture); },
+            "Width and height of the picture in cm; else as it needs, 16.9 wide")
+        ->type_name("WxH");
+    command.add_option("--dpi", picture.dotsPerInch, "Dots per inch of a PNG (150)")
+        ->type_name("N")
+        ->check(CLI::Range(30, 1200));
+}
+
+void addPictureAsked(CLI::App &command, PictureOptions &picture, const std::string &what)
+{
+    command
+        .add_option("--picture", picture.path,
+                    "PNG, SVG or PDF of " + what + "; - is a PNG on standard output")
+        ->type_name("PICTURE");
+    addPictureOptions(command, picture);
 }
 
 } // namespace orva

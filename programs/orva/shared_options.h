@@ -1,6 +1,7 @@
 // Options that commands have in common, and values that they read.
 #pragma once
 
+#include "drawing/picture_file.h"
 #include "sound_output.h"
 
 #include <CLI/CLI.hpp>
@@ -16,5 +17,11 @@ void addOutputOptions(CLI::App &command, OutputOptions &options);
 
 // Reads a rate such as 44100, 44100Hz, 44.1k or 48kHz into `rate`; refuses, as used wrongly, what is none.
 void addRateOption(CLI::App &command, int &rate, const std::string &description);
+
+// --size and --dpi for commands that draw.
+void addPictureOptions(CLI::App &command, PictureOptions &picture);
+
+// --picture as well, where the picture is not what the command is for. It shows `what`.
+void addPictureAsked(CLI::App &command, PictureOptions &picture, const std::string &what);
 
 } // namespace orva

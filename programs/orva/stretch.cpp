@@ -1,11 +1,11 @@
 // The command stretch: a sound faster or slower at the same pitch.
 #include "command.h"
+#include "drawing/outline.h"
 #include "failure.h"
 #include "json_text.h"
 #include "shared_options.h"
 
 extern "C" {
-#include "common/envelope.h"
 #include "common/progress.h"
 #include "common/schedule.h"
 }
@@ -16,6 +16,7 @@ extern "C" {
 #include <cinttypes>
 #include <cstdio>
 #include <cstring>
+#include <optional>
 
 #include <unistd.h>
 
@@ -31,7 +32,8 @@ enum { frameMs = 20 };
 const float sampleScale = 32768;
 
 struct Options {
-    std::string input, output, speed, map, picture;
+    std::string input, output, speed, map;
+    PictureOptions picture;
     OutputOptions how;
 };
 
@@ -47,7 +49,7 @@ struct Stretching {
         scalers; // one a channel; all give as many frames
     std::vector<float> in, out;
     bool drawn = false;
-    Envelope before{}, after{}; // outlines of what went in and what came out, if they are to be drawn
+    Outline before, after; // of what went in and what came out, if they are to be drawn
     int64_t taken = 0, given = 0;
 };
 
@@ -85,7 +87,7 @@ void push(Stretching &work, float *frames, int64_t count, float speed, SoundOutp
     for (int64_t i = 0; i < int64_t{written} * channels; ++i)
         work.out[static_cast<size_t>(i)] /= sampleScale;
     if (work.drawn)
-        envelopeAdd(&work.after, work.out.data(), written, channels);
+        work.after.add(work.out.data(), written, channels);
     output.write(work.out.data(), written);
     work.taken += count;
     work.given += written;
@@ -108,7 +110,7 @@ void stretch(Stretching &work, SoundInput &input, const Schedule &speeds, SoundO
             ended = got < count;
             count = got;
             if (work.drawn)
-                envelopeAdd(&work.before, work.in.data(), count, input.info.channels);
+                work.before.add(work.in.data(), count, input.info.channels);
         }
         push(work, work.in.data(), count, speed, output);
         if (input.length > 0)
@@ -146,27 +148,22 @@ void writeMap(const Stretching &work, int rate, const std::string &path)
     file.commit();
 }
 
-void draw(const Stretching &work, const SoundInput &input, const Options &options)
+void draw(const Stretching &work, const SoundInput &input, const std::string &speed, PictureFile &file)
 {
     const int rate = input.info.samplerate;
     const double from = static_cast<double>(input.position) / rate;
     const double to = static_cast<double>(work.given) / rate;
     const double seconds = std::max(from, to); // the same scale for both, so that the stretching is seen
-    const std::string subtitle = "Speed " + options.speed +
-                                 "; a numbered line stands where the same is heard, " + std::to_string(rate) +
-                                 " Hz";
-    const std::unique_ptr<Plot, void (*)(Plot *)> picture(
-        plotCreate(input.name.substr(input.name.rfind('/') + 1).c_str(), subtitle.c_str(), 2, 220, false),
-        plotDestroy);
-    envelopeDraw(&work.before, picture.get(), 0, rate, seconds, "Input");
-    envelopeDraw(&work.after, picture.get(), 1, rate, seconds, "Output");
+    Picture picture(file, {.heights = {220, 220}}, input.name.substr(input.name.rfind('/') + 1),
+                    "Speed " + speed + "; a numbered line stands where the same is heard, " +
+                        std::to_string(rate) + " Hz");
+    work.before.draw(picture, 0, rate, seconds, "Input");
+    work.after.draw(picture, 1, rate, seconds, "Output");
     for (int mark = 1; mark <= 3; ++mark) {
-        const std::string name = std::to_string(mark);
-        plotCursor(picture.get(), 0, heardAt(work, work.given * mark / 4, rate), name.c_str());
-        plotCursor(picture.get(), 1, to * mark / 4, name.c_str());
+        picture.cursor(0, heardAt(work, work.given * mark / 4, rate), std::to_string(mark));
+        picture.cursor(1, to * mark / 4, std::to_string(mark));
     }
-    if (!plotSave(picture.get(), options.picture.c_str()))
-        fail(""); // it has been told why
+    picture.save();
 }
 
 void run(const Options &options)
@@ -180,15 +177,18 @@ void run(const Options &options)
     SoundInput input = openSound(options.input, options.how.raw);
     const int rate = input.info.samplerate;
     const auto work = std::make_unique<Stretching>();
-    work->drawn = !options.picture.empty();
+    std::optional<PictureFile> picture;
+    if (!options.picture.path.empty())
+        picture.emplace(options.picture);
+    work->drawn = picture.has_value();
     begin(*work, input);
     const double length = speeds.count == 1 ? 1 / static_cast<double>(speeds.values[0]) : 0;
     SoundOutput output(options.output, options.how, input, rate, -1, length);
     stretch(*work, input, speeds, output);
     if (!options.map.empty())
         writeMap(*work, rate, options.map);
-    if (!options.picture.empty())
-        draw(*work, input, options);
+    if (picture)
+        draw(*work, input, options.speed, *picture);
     output.finish();
     noteDamage(input);
     if (output.isStandardOutput())
@@ -222,8 +222,7 @@ void addStretch(CLI::App &program)
         ->add_option("--map", options->map,
                      "CSV of the place in the input that is heard at each place of the output")
         ->type_name("FILE");
-    command->add_option("--picture", options->picture, "PNG of both outlines, with places that correspond")
-        ->type_name("PICTURE");
+    addPictureAsked(*command, options->picture, "both outlines, with places that correspond");
     addOutputOptions(*command, options->how);
     command->footer("Examples:\n"
                     "  $ orva stretch voice.wav slow.wav --speed 0.7 --picture slow.png\n"

@@ -1,28 +1,25 @@
 // Ticks of axes, and how they are written.
-extern "C" {
-#include "common/axis.h"
-}
+#include "drawing/axis.h"
 
 #include <orva/ORVAutil.h>
 
 #include <gtest/gtest.h>
 
+#include <cmath>
 #include <string>
+#include <utility>
+
+using namespace orva;
 
 namespace
 {
 
 std::string ticksOf(const Axis &scale, int most)
 {
-    double ticks[mostTicks];
-    const int count = axisTicks(&scale, most, ticks);
+    const auto ticks = axisTicks(scale, most);
     std::string texts;
-    for (int i = 0; i < count; ++i) {
-        char text[32];
-        axisText(&scale, ticks, count, i, text, sizeof text);
-        texts += i > 0 ? " " : "";
-        texts += text;
-    }
+    for (size_t i = 0; i < ticks.size(); ++i)
+        texts += (i > 0 ? " " : "") + axisText(scale, ticks, i);
     return texts;
 }
 
@@ -58,15 +55,19 @@ TEST(AxisTicks, AreRoundAndWrittenAlike)
         {axisMel(4000), 6, "Frequency (kHz, mel)", "0 0.2 0.5 1 2"},
         {axisMel(1000), 4, "Frequency (Hz, mel)", "0 100 500 1000"},
         {axisMel(0.5), 4, "Frequency (Hz, mel)", "0"},
-        {axisTime(1.43), 9, "Time (s)", "0.0 0.2 0.4 0.6 0.8 1.0 1.2 1.4"},
-        {axisTime(119), 9, "Time (s)", "0 20 40 60 80 100"},
-        {axisTime(0.1), 5, "Time (ms)", "0 20 40 60 80 100"},
-        {axisTime(1 / 44100.0), 5, "Time (\u00b5s)", "0 5 10 15 20"},
-        {axisTime(300), 5, "Time (min:s)", "0:00 1:00 2:00 3:00 4:00 5:00"},
-        {axisTime(3000), 9, "Time (min:s)", "0:00 10:00 20:00 30:00 40:00 50:00"},
-        {axisTime(9000), 9, "Time (h:min:s)", "0:00:00 0:30:00 1:00:00 1:30:00 2:00:00 2:30:00"},
-        {axisTime(400000), 9, "Time (h:min:s)", "0:00:00 24:00:00 48:00:00 72:00:00 96:00:00"},
-        {axisTime(10 * 86400), 5, "Time (h:min:s)",
+        {axisBark(24000), 8, "Frequency (kHz, Bark)", "0 0.2 0.5 1 2 5 10 20"},
+        {axisTime(3601, 3601.5), 5, "Time (s)", "3601.0 3601.1 3601.2 3601.3 3601.4 3601.5"},
+        {axisTime(3600, 3660), 6, "Time (h:min:s)",
+         "1:00:00 1:00:10 1:00:20 1:00:30 1:00:40 1:00:50 1:01:00"},
+        {axisTime(0, 1.43), 9, "Time (s)", "0.0 0.2 0.4 0.6 0.8 1.0 1.2 1.4"},
+        {axisTime(0, 119), 9, "Time (s)", "0 20 40 60 80 100"},
+        {axisTime(0, 0.1), 5, "Time (ms)", "0 20 40 60 80 100"},
+        {axisTime(0, 1 / 44100.0), 5, "Time (\u00b5s)", "0 5 10 15 20"},
+        {axisTime(0, 300), 5, "Time (min:s)", "0:00 1:00 2:00 3:00 4:00 5:00"},
+        {axisTime(0, 3000), 9, "Time (min:s)", "0:00 10:00 20:00 30:00 40:00 50:00"},
+        {axisTime(0, 9000), 9, "Time (h:min:s)", "0:00:00 0:30:00 1:00:00 1:30:00 2:00:00 2:30:00"},
+        {axisTime(0, 400000), 9, "Time (h:min:s)", "0:00:00 24:00:00 48:00:00 72:00:00 96:00:00"},
+        {axisTime(0, 10 * 86400), 5, "Time (h:min:s)",
          "0:00:00 48:00:00 96:00:00 144:00:00 192:00:00 240:00:00"},
         {axisLinear(-90, 0, "dB"), 13, "dB",
          "\u221290 \u221280 \u221270 \u221260 \u221250 \u221240 \u221230 \u221220 \u221210 0"},
@@ -82,7 +83,7 @@ TEST(AxisTicks, AreRoundAndWrittenAlike)
         {axisLinear(5, 6, "y"), 0, "y", "5 6"},
     };
     for (const auto &c : cases) {
-        EXPECT_STREQ(c.scale.label, c.label);
+        EXPECT_EQ(c.scale.label, c.label);
         EXPECT_EQ(ticksOf(c.scale, c.most), c.ticks) << c.scale.first << " to " << c.scale.last;
     }
 }
@@ -91,15 +92,15 @@ TEST(AxisTicks, NeverExceedTheirRoom)
 {
     for (const double last : {1.0, 1.1, 1.99, 3.0, 4.9, 7.0, 9.99, 119.0, 121.0, 3599.0, 3601.0, 1e5, 1e12}) {
         for (int most = 1; most <= 1000; most += most < 40 ? 1 : 320) {
-            double ticks[mostTicks];
-            const Axis scales[] = {axisLinear(0, last, ""), axisTime(last), axisMel(last),
+            const Axis scales[] = {axisLinear(0, last, ""), axisTime(0, last), axisMel(last), axisBark(last),
                                    axisLinear(-last, last / 7, "")};
             for (const Axis &scale : scales) {
-                const int count = axisTicks(&scale, most, ticks);
-                EXPECT_LE(count, std::min(most + 1, static_cast<int>(mostTicks))) << last << ' ' << most;
-                for (int i = 0; i < count; ++i) {
-                    EXPECT_GE(axisPlace(&scale, ticks[i]), -1e-6);
-                    EXPECT_LE(axisPlace(&scale, ticks[i]), 1 + 1e-6);
+                const auto ticks = axisTicks(scale, most);
+                EXPECT_LE(ticks.size(), static_cast<size_t>(std::min<int>(most + 1, mostTicks)))
+                    << last << ' ' << most;
+                for (const double tick : ticks) {
+                    EXPECT_GE(axisPlace(scale, tick), -1e-6);
+                    EXPECT_LE(axisPlace(scale, tick), 1 + 1e-6);
                 }
             }
         }
@@ -109,15 +110,28 @@ TEST(AxisTicks, NeverExceedTheirRoom)
 TEST(AxisPlace, RunsFromEndToEnd)
 {
     const Axis linear = axisLinear(-90, 10, "");
-    EXPECT_DOUBLE_EQ(axisPlace(&linear, -90), 0);
-    EXPECT_DOUBLE_EQ(axisPlace(&linear, -65), 0.25);
-    EXPECT_DOUBLE_EQ(axisPlace(&linear, 10), 1);
+    EXPECT_DOUBLE_EQ(axisPlace(linear, -90), 0);
+    EXPECT_DOUBLE_EQ(axisPlace(linear, -65), 0.25);
+    EXPECT_DOUBLE_EQ(axisPlace(linear, 10), 1);
     const Axis scale = logarithmic(10, 100000);
-    EXPECT_DOUBLE_EQ(axisPlace(&scale, 10), 0);
-    EXPECT_DOUBLE_EQ(axisPlace(&scale, 1000), 0.5);
-    EXPECT_DOUBLE_EQ(axisPlace(&scale, 100000), 1);
+    EXPECT_DOUBLE_EQ(axisPlace(scale, 10), 0);
+    EXPECT_DOUBLE_EQ(axisPlace(scale, 1000), 0.5);
+    EXPECT_DOUBLE_EQ(axisPlace(scale, 100000), 1);
     const Axis mel = axisMel(ORVAUTIL_Mels2Freq(4000));
-    EXPECT_DOUBLE_EQ(axisPlace(&mel, 0), 0);
-    EXPECT_DOUBLE_EQ(axisPlace(&mel, ORVAUTIL_Mels2Freq(1000)), 0.25);
-    EXPECT_DOUBLE_EQ(axisPlace(&mel, ORVAUTIL_Mels2Freq(4000)), 1);
+    EXPECT_DOUBLE_EQ(axisPlace(mel, 0), 0);
+    EXPECT_DOUBLE_EQ(axisPlace(mel, ORVAUTIL_Mels2Freq(1000)), 0.25);
+    EXPECT_DOUBLE_EQ(axisPlace(mel, ORVAUTIL_Mels2Freq(4000)), 1);
+    const Axis bark = axisBark(16000);
+    EXPECT_DOUBLE_EQ(axisPlace(bark, 0), 0);
+    EXPECT_DOUBLE_EQ(axisPlace(bark, 1000), ORVAUTIL_Freq2Bark(1000) / ORVAUTIL_Freq2Bark(16000));
+    EXPECT_DOUBLE_EQ(axisPlace(bark, 16000), 1);
+}
+
+TEST(AxisLevel, EndsAtTheNextTenAboveTheLoudestOrAtNought)
+{
+    for (const auto &[loudest, top] : {std::pair{-8.9, 0.0}, {-10.0, -10.0}, {3.0, 10.0}, {-HUGE_VAL, 0.0}}) {
+        const Axis scale = axisLevel(loudest, 80, "Energy (dB)");
+        EXPECT_EQ(scale.last, top) << loudest;
+        EXPECT_EQ(scale.first, top - 80) << loudest;
+    }
 }

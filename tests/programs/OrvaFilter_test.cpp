@@ -215,6 +215,6 @@ TEST(OrvaFilter, RefusesInOneLineAndWritesNothing)
     };
     for (const auto &[text, says] : cases)
         expectRefused({"filter", "voice.wav", "o.wav", text}, folder, 2, says);
-    expectRefused({"response", "order=4; fpass=100", "p.gif"}, folder, 1,
-                  "p.gif: the name of this file must end in .png");
+    expectRefused({"response", "order=4; fpass=100", "p.gif"}, folder, 2,
+                  "orva response: p.gif: the name of a picture ends in .png, .svg or .pdf");
 }

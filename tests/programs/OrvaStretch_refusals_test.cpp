@@ -28,8 +28,8 @@ TEST(OrvaStretchRefusals, NameWhatIsWrongWithTheFiles)
          1,
          "orva stretch: no/m.csv: No such file or directory"},
         {{"voice.wav", "o.wav", "--speed=1", "--picture=p.jpg"},
-         1,
-         "p.jpg: the name of this file must end in .png"},
+         2,
+         "orva stretch: p.jpg: the name of a picture ends in .png, .svg or .pdf"},
     };
     for (const auto &[words, status, says] : cases) {
         std::vector<std::string> all{"stretch"};
