@@ -93,9 +93,12 @@ void addPictureOptions(CLI::App &command, PictureOptions &picture)
 
 void addPictureAsked(CLI::App &command, PictureOptions &picture, const std::string &what)
 {
-    command
-        .add_option("--picture", picture.path,
-                    "PNG, SVG or PDF of " + what + "; - is a PNG on standard output")
+    const auto read = [&picture](const std::string &path) {
+        if (path == "-")
+            failUse("--picture needs a name, since standard output has the text");
+        picture.path = path;
+    };
+    command.add_option_function<std::string>("--picture", read, "PNG, SVG or PDF of " + what)
         ->type_name("PICTURE");
     addPictureOptions(command, picture);
 }
