@@ -12,4 +12,5 @@ orva_leave_out(posix "ask for what Windows has not: fork, signals, modes and lim
 orva_leave_out(suppressor "compare with the WebRTC library, of which there is no build for Windows")
 orva_leave_out(programs "run programs, which need libsndfile and Cairo")
 orva_leave_out(examples "run the first programs, which need libsndfile")
+orva_leave_out(python "run in an interpreter, with packages, of which there are none for Windows here")
 orva_leave_out(docs "compile and run the programs of the documents with the compiler of this system")

@@ -1,0 +1,274 @@
+# SPDX-License-Identifier: GPL-2.0-or-later
+"""Real Fourier transforms in single precision."""
+from functools import lru_cache
+from typing import Any, Callable, Optional, Tuple
+
+import numpy as np
+import numpy.typing as npt
+
+from ._arrays import (COMPLEX, FLOAT, MOST, Samples, Spectrum, aligned, check_out, complex_pointer, complexes,
+                      is_aligned, pointer, real, whole)
+from ._library import ffi, lib
+from ._messages import created
+
+
+class Fft:
+    """The transforms of one length, for as many frames as come.
+
+    Each method takes one frame or an array with a frame in each row (of any number of dimensions), and several
+    threads may call them at the same time.
+
+    Parameters
+    ----------
+    n : int
+        Samples in a frame, 1 and up; fast with small prime factors.
+
+    Examples
+    --------
+    >>> orva.Fft(4).forward([1, 0, -1, 0])
+    array([0.+0.j, 2.+0.j, 0.+0.j], dtype=complex64)
+    """
+
+    def __init__(self, n: int) -> None:
+        self.n = whole(n, "n", 1, MOST - 64)
+        self._forward = created(lib.ORVA_FFTProcCreate, lib.ORVA_FFTProcDestroy, self.n)
+        self._inverse = created(lib.ORVA_IFFTProcCreate, lib.ORVA_FFTProcDestroy, self.n)
+
+    @property
+    def bins(self) -> int:
+        """Values in a spectrum, n // 2 + 1."""
+        return self.n // 2 + 1
+
+    def __reduce__(self) -> Tuple[Callable[..., Any], Tuple[int]]:
+        return type(self), (self.n,)
+
+    def __repr__(self) -> str:
+        return f"Fft({self.n})"
+
+    def forward(self, x: npt.ArrayLike, out: Optional[Spectrum] = None) -> Spectrum:
+        """The spectrum of each frame, not scaled.
+
+        Parameters
+        ----------
+        x : array_like
+            Frames of `n` samples.
+        out : ndarray of complex64, optional
+            Takes the result; must not share memory with `x`.
+
+        Returns
+        -------
+        ndarray of complex64
+            Bins 0 to n // 2 of each frame, bin k at k * fs / n Hz.
+
+        Raises
+        ------
+        ValueError
+            For frames of another length, or an `out` that does not fit.
+        """
+        frames = self._rows(real(x, "x"), self.n, "samples")
+        spectra = _taken(out, (*frames.shape[:-1], self.bins), COMPLEX, frames)
+        for source, target in _pairs(frames, spectra):
+            goal = complex_pointer(target)
+            if is_aligned(goal):
+                lib.ORVA_FFTProcExecute(self._forward, _standing(source), goal)
+            else:
+                bins = aligned(self.bins, COMPLEX)
+                lib.ORVA_FFTProcExecute(self._forward, _standing(source), complex_pointer(bins))
+                target[:] = bins
+        return spectra
+
+    def inverse(self, spectrum: npt.ArrayLike, out: Optional[Samples] = None) -> Samples:
+        """The samples of each spectrum, divided by `n`, so that they are those that `forward` took.
+
+        Parameters
+        ----------
+        spectrum : array_like
+            Spectra of n // 2 + 1 bins. The imaginary parts of bin 0 and, for even `n`, of the last one are not used.
+        out : ndarray of float32, optional
+            Takes the result; must not share memory with `spectrum`.
+
+        Returns
+        -------
+        ndarray of float32
+            Frames of `n` samples.
+
+        Raises
+        ------
+        ValueError
+            For spectra of another length, or an `out` that does not fit.
+        """
+        spectra = self._rows(complexes(spectrum, "spectrum"), self.bins, "bins")
+        frames = _taken(out, (*spectra.shape[:-1], self.n), FLOAT, spectra)
+        bins = aligned(self.bins, COMPLEX)
+        work = complex_pointer(bins)                      # the transform overwrites what it reads
+        for source, target in _pairs(spectra, frames):
+            bins[:] = source
+            goal = pointer(target)
+            if is_aligned(goal):
+                lib.ORVA_IFFTProcExecuteEx(self._inverse, work, goal, True)
+            else:
+                frame = aligned(self.n)
+                lib.ORVA_IFFTProcExecuteEx(self._inverse, work, pointer(frame), True)
+                target[:] = frame
+        return frames
+
+    def power(self, x: npt.ArrayLike, out: Optional[Samples] = None) -> Samples:
+        """The power of each bin of each frame, the squared magnitude of `forward`.
+
+        Parameters
+        ----------
+        x : array_like
+            Frames of `n` samples.
+        out : ndarray of float32, optional
+            Takes the result; must not share memory with `x`.
+
+        Returns
+        -------
+        ndarray of float32
+            Powers of bins 0 to n // 2 of each frame.
+
+        Raises
+        ------
+        ValueError
+            For frames of another length, or an `out` that does not fit.
+
+        Examples
+        --------
+        >>> orva.Fft(4).power([1, 0, -1, 0])
+        array([0., 4., 0.], dtype=float32)
+        """
+        frames = self._rows(real(x, "x"), self.n, "samples")
+        room, execute = 4 * (self.n // 8 + 1), lib.ORVA_FFTProcExecutePSDEx
+        if out is None and frames.ndim == 1:
+            power = aligned(room)
+            execute(self._forward, _standing(frames), pointer(power), ffi.NULL)
+            return power[:self.bins]
+        powers = _taken(out, (*frames.shape[:-1], self.bins), FLOAT, frames)
+        power, work = aligned(room), complex_pointer(aligned(max(self.n, 4), COMPLEX))
+        made = pointer(power)
+        for source, target in _pairs(frames, powers):
+            execute(self._forward, _standing(source), made, work)
+            target[:] = power[:self.bins]
+        return powers
+
+    def _rows(self, array: npt.NDArray[Any], length: int, what: str) -> npt.NDArray[Any]:
+        if array.ndim == 0 or array.shape[-1] != length:
+            raise ValueError(f"a frame must have {length} {what}, not {array.shape[-1] if array.ndim else 'none'}")
+        return array
+
+
+def _standing(source: Samples) -> Any:
+    """The floats of a frame, or of a copy that stands where transforms want it."""
+    place = pointer(source)
+    if is_aligned(place):
+        return place
+    frame = aligned(source.size)
+    frame[:] = source
+    return pointer(frame)
+
+
+def _taken(out: Optional[npt.NDArray[Any]], shape: Tuple[int, ...], dtype: "np.dtype[Any]",
+           source: npt.NDArray[Any]) -> npt.NDArray[Any]:
+    if out is None:
+        return np.empty(shape, dtype)
+    check_out(out, shape, dtype)
+    if np.may_share_memory(out, source):
+        raise ValueError("out must not share memory with what is transformed")
+    return out
+
+
+def _pairs(first: npt.NDArray[Any], second: npt.NDArray[Any]) -> Any:
+    """Rows side by side."""
+    if first.ndim == 1:
+        return ((first, second),)
+    return zip(first.reshape(-1, first.shape[-1]), second.reshape(-1, second.shape[-1]))
+
+
+@lru_cache(maxsize=16)
+def transforms(n: int) -> Fft:
+    """The transforms of a length, kept for the next call: to make them takes longer than to run them."""
+    return Fft(n)
+
+
+def rfft(x: npt.ArrayLike, n: Optional[int] = None, axis: int = -1) -> Spectrum:
+    """The spectrum of real samples, as ``scipy.fft.rfft`` gives it for float32.
+
+    Parameters
+    ----------
+    x : array_like
+        Samples; other types are converted to float32.
+    n : int, optional
+        Samples to transform: `x` is cut, or filled up with zeros. By default as many as there are.
+    axis : int, optional
+        The axis to transform.
+
+    Returns
+    -------
+    ndarray of complex64
+        Bins 0 to n // 2 along `axis`. A NaN among the samples makes every bin one; an infinity leaves none finite.
+
+    Raises
+    ------
+    ValueError
+        For `n` below 1, so also for an empty `x` without `n`.
+
+    Examples
+    --------
+    >>> orva.rfft([1, 2, 3, 4])
+    array([10.+0.j, -2.+2.j, -2.+0.j], dtype=complex64)
+    """
+    frames = _last(real(x, "x"), axis)
+    length = whole(frames.shape[-1] if n is None else n, "n", 1, MOST - 64)
+    return _back(transforms(length).forward(_fitted(frames, length)), axis)
+
+
+def irfft(spectrum: npt.ArrayLike, n: Optional[int] = None, axis: int = -1) -> Samples:
+    """The samples that have a spectrum, as ``scipy.fft.irfft`` gives them for complex64.
+
+    Parameters
+    ----------
+    spectrum : array_like
+        Bins 0 to n // 2; other types are converted to complex64.
+    n : int, optional
+        Samples to make, by default the even number 2 * (bins - 1). Bins are cut, or filled up with zeros.
+    axis : int, optional
+        The axis to transform.
+
+    Returns
+    -------
+    ndarray of float32
+        `n` samples along `axis`.
+
+    Raises
+    ------
+    ValueError
+        For `n` below 1, so also for a single bin without `n`.
+
+    Examples
+    --------
+    >>> orva.irfft([10, -2 + 2j, -2])
+    array([1., 2., 3., 4.], dtype=float32)
+    """
+    spectra = _last(complexes(spectrum, "spectrum"), axis)
+    length = whole(2 * (spectra.shape[-1] - 1) if n is None else n, "n", 1, MOST - 64)
+    return _back(transforms(length).inverse(_fitted(spectra, length // 2 + 1)), axis)
+
+
+def _last(array: npt.NDArray[Any], axis: int) -> npt.NDArray[Any]:
+    if array.ndim == 0:
+        raise ValueError("x must have a dimension")
+    return array if axis == -1 else np.moveaxis(array, axis, -1)
+
+
+def _back(array: npt.NDArray[Any], axis: int) -> npt.NDArray[Any]:
+    return array if axis == -1 else np.moveaxis(array, -1, axis)
+
+
+def _fitted(rows: npt.NDArray[Any], length: int) -> npt.NDArray[Any]:
+    """Rows cut to a length, or filled up to it with zeros."""
+    if rows.shape[-1] == length:
+        return rows
+    fitted = np.zeros((*rows.shape[:-1], length), rows.dtype)
+    kept = min(length, rows.shape[-1])
+    fitted[..., :kept] = rows[..., :kept]
+    return fitted

@@ -1,0 +1,130 @@
+# SPDX-License-Identifier: GPL-2.0-or-later
+"""The modulated complex lapped transform of a stream, and its inverse."""
+from typing import Any, List
+
+import numpy as np
+import numpy.typing as npt
+
+from ._arrays import Samples, Spectrum, complexes, pointer, whole
+from ._library import lib
+from ._messages import created
+from ._stream import Stream
+
+
+class Lapped(Stream):
+    """Blocks of a stream as complex coefficients, and back: change a sound by its frequencies.
+
+    Each block of m samples, with the block before it, gives m coefficients; number k stands for (k + 1/2) / (2 m) of
+    the sampling rate. `inverse` gives the samples back one block later.
+
+    Parameters
+    ----------
+    m : int
+        Samples in a block, 1 to 2**28. Choose one that 4 divides, since only then is the way back exact.
+
+    Raises
+    ------
+    ValueError
+        For `m` out of range.
+
+    Examples
+    --------
+    >>> lapped = orva.Lapped(4)
+    >>> x = np.arange(8, dtype=np.float32)
+    >>> y = np.concatenate([lapped.inverse(lapped.forward(x)), lapped.flush()])
+    >>> [round(float(sample)) for sample in y]
+    [0, 0, 0, 0, 0, 1, 2, 3, 4, 5, 6, 7]
+    """
+
+    def __init__(self, m: int) -> None:
+        self.m = whole(m, "m", 1, 2**28)
+        self._twiddles = np.empty(2 * (self.m + 1), np.float32)
+        lib.ORVA_FMCLTFreqWindow(pointer(self._twiddles), self.m)
+        handle = created(lib.ORVA_FMCLTProcCreate, lib.ORVA_FMCLTProcDestroy, self.m)
+        self._history, self._overlap = np.zeros(self.m, np.float32), np.zeros(self.m, np.float32)
+        super().__init__(1, [handle], {"m": self.m})
+
+    def forward(self, x: npt.ArrayLike) -> Spectrum:
+        """The coefficients of the next blocks.
+
+        Parameters
+        ----------
+        x : array_like
+            Samples of one channel, a multiple of `m`.
+
+        Returns
+        -------
+        ndarray of complex64
+            Blocks x m. A NaN or an infinity spoils two blocks.
+
+        Raises
+        ------
+        ValueError
+            For another length, or after `close`.
+        """
+        signal = self._block(x).reshape(-1)
+        if signal.size % self.m:
+            raise ValueError(f"x must be blocks of {self.m} samples, not {signal.size} samples")
+        with self._lock:
+            return self._direct(self._open(), signal)
+
+    def _direct(self, handles: List[Any], signal: Samples) -> Spectrum:
+        coefficients = np.empty((signal.size // self.m, self.m), np.complex64)
+        re, im = np.empty(self.m, np.float32), np.empty(self.m, np.float32)
+        for block, target in zip(signal.reshape(-1, self.m), coefficients):
+            lib.ORVA_FMCLTDirect(handles[0], pointer(re), pointer(im), pointer(block), pointer(self._history),
+                                 pointer(self._twiddles))
+            target.real, target.imag = re, im
+        return coefficients
+
+    def inverse(self, coefficients: npt.ArrayLike) -> Samples:
+        """The samples of the next blocks, one block later than they went in.
+
+        Parameters
+        ----------
+        coefficients : array_like
+            Blocks x m, or the m of one block.
+
+        Returns
+        -------
+        ndarray of float32
+            m samples a block; the first belong to the silence before the stream.
+
+        Raises
+        ------
+        ValueError
+            For another shape, or after `close`.
+        """
+        blocks = complexes(coefficients, "coefficients")
+        if blocks.shape[-1] != self.m:
+            raise ValueError(f"a block must have {self.m} coefficients, not {blocks.shape[-1]}")
+        with self._lock:
+            return self._back(self._open(), blocks.reshape(-1, self.m))
+
+    def _back(self, handles: List[Any], blocks: Spectrum) -> Samples:
+        y = np.empty(blocks.size, np.float32)
+        for block, target in zip(blocks, y.reshape(-1, self.m)):
+            re, im = np.ascontiguousarray(block.real), np.ascontiguousarray(block.imag)
+            lib.ORVA_FMCLTInverse(handles[0], pointer(re), pointer(im), pointer(target), pointer(self._overlap),
+                                  pointer(self._twiddles))
+        return y
+
+    def process(self, block: npt.ArrayLike) -> Samples:
+        """There and back, for a stream that is not changed: ``inverse(forward(block))``."""
+        return self.inverse(self.forward(block))
+
+    def flush(self) -> Samples:
+        """The last block of the samples, brought out by a block of silence; the next one begins a new stream."""
+        with self._lock:
+            handles = self._open()
+            y = self._back(handles, self._direct(handles, np.zeros(self.m, np.float32)))
+            self._history[:] = 0
+            self._overlap[:] = 0
+        return y
+
+    def reset(self) -> None:
+        """Begins a new stream and forgets the old one."""
+        with self._lock:
+            self._open()
+            self._history[:] = 0
+            self._overlap[:] = 0

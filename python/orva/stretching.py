@@ -1,0 +1,212 @@
+# SPDX-License-Identifier: GPL-2.0-or-later
+"""Faster and slower at the same pitch."""
+from typing import Any, List, Optional
+
+import numpy as np
+import numpy.typing as npt
+
+from ._arrays import MOST, Samples, pointer, rate, samples, whole
+from ._library import lib
+from ._messages import created
+from ._stream import Stream
+
+SCALE = np.float32(32768)     # 16 bits, at which the search is far better; a power of two, so that nothing is rounded
+MOST_FRAME_MS = 220
+
+
+def _destroy(handle: Any) -> None:
+    lib.ORVA_SolafsDestroy(handle)
+    lib.KTMEM_DisposeDisplayed()                          # gives back the memory that the call above leaves
+
+
+class Stretcher(Stream):
+    """Time scaling of a stream by SOLAFS: the speed may change at each block.
+
+    Output comes in hops of half a frame, the first as soon as 3.5 frames of input are in. After `flush` the next block
+    begins a new stream. A stream takes 255 changes of speed, after which the last one stays in force, and 2**31 - 1
+    frames, in or out.
+
+    Parameters
+    ----------
+    fs : int
+        Sampling rate in Hz.
+    speed : float, optional
+        How much faster the output runs, above 0 and up to 3.
+    channels : int, optional
+        Channels in a frame. Each is searched for its own splices.
+    frame_ms : int, optional
+        Length of a frame in milliseconds, up to 220; about 20 suits speech.
+
+    Raises
+    ------
+    ValueError
+        For what is out of range, and for a frame of less than 8 samples.
+
+    Examples
+    --------
+    >>> slower = orva.Stretcher(8000, speed=0.5)
+    >>> y = np.concatenate([slower.process(np.ones(8000)), slower.flush()])
+    >>> len(y), slower.hop
+    (16000, 80)
+    """
+
+    def __init__(self, fs: int, speed: float = 1.0, channels: int = 1, frame_ms: int = 20) -> None:
+        fs = rate(fs)
+        self._speed = _speed(speed)
+        frame = whole(frame_ms, "frame_ms", 1, MOST_FRAME_MS) * fs // 1000 // 8 * 8
+        if frame == 0 or frame_ms * fs > MOST:
+            raise ValueError(f"a frame of {frame_ms} ms at {fs} Hz has less than 8 samples, or too many")
+        self._fs, self._frame, self._frame_ms = fs, frame, frame_ms
+        self._ended: Optional[List[Any]] = None           # handles of the stream before, for their positions
+        count = whole(channels, "channels", 1, MOST)
+        super().__init__(count, [self._handle(count) for _ in range(count)],
+                         {"fs": fs, "speed": speed, "channels": count, "frame_ms": frame_ms})
+
+    def _handle(self, channels: int) -> Any:
+        return created(lib.ORVA_SolafsCreate, _destroy, self._frame_ms, self._fs, channels)
+
+    @property
+    def hop(self) -> int:
+        """Frames in which the output comes."""
+        return self._frame // 2
+
+    def process(self, block: npt.ArrayLike, speed: Optional[float] = None) -> Samples:
+        """Takes the next block of the stream and gives what can be played.
+
+        Parameters
+        ----------
+        block : array_like
+            Frames, or frames x channels, full scale 1.0; may be empty.
+        speed : float, optional
+            The speed from this block on.
+
+        Returns
+        -------
+        ndarray of float32
+            Whole hops, in as many dimensions as `block`. At a speed of 1 from the beginning on, the input itself.
+
+        Raises
+        ------
+        ValueError
+            For another number of channels, a speed out of range, a stream that has become too long, or after `close`.
+        """
+        x = self._block(block)
+        with self._lock:
+            handles = self._open()
+            if speed is not None:
+                self._speed = _speed(speed)
+            return self._push(handles, x * SCALE)
+
+    def flush(self) -> Samples:
+        """The end of the stream, brought out by 3.5 frames of silence; the next block begins a new one.
+
+        Returns
+        -------
+        ndarray of float32
+            Whole hops: frames, or frames x channels if there are several.
+        """
+        tail = 7 * self._frame // 2
+        with self._lock:
+            silence = np.zeros((tail, self._channels) if self._channels > 1 else tail, np.float32)
+            played = self._push(self._open(), silence)
+            self._ended, self._handles = self._open(), [self._handle(self._channels) for _ in range(self._channels)]
+        return played
+
+    def reset(self) -> None:
+        """Begins a new stream and forgets the old one."""
+        with self._lock:
+            self._open()
+            self._handles, self._ended = [self._handle(self._channels) for _ in range(self._channels)], None
+
+    def position(self, frame: int) -> int:
+        """The place in the input that is heard at a place in the output, for a cursor on the screen.
+
+        Parameters
+        ----------
+        frame : int
+            A frame of the output, counted from the first; after `flush`, until the next block, of the stream that has ended.
+
+        Returns
+        -------
+        int
+            A frame of the input. It follows from the speeds given, and is off by up to two frames of `frame_ms`. Before
+            the first block, 0.
+        """
+        with self._lock:
+            handles = self._ended or self._open()
+            return int(lib.ORVA_SolafsTranslateCursorPosition(handles[0], whole(frame, "frame", -2**63, 2**63 - 1)))
+
+    def _push(self, handles: List[Any], x: Samples) -> Samples:
+        """Offers samples until all are taken, and pulls after each offer."""
+        self._ended = None
+        parts = [np.empty((0, *x.shape[1:]), np.float32)]
+        first = 0
+        while True:
+            offered = x[first:first + self._fs]           # as many as a record can hold
+            taken = 0
+            for channel, handle in enumerate(handles):
+                taken = lib.ORVA_SolafsInputData(handle, channel, pointer(offered), len(offered), self._speed)
+            first += taken
+            pulled = self._pull(handles, x.shape[1:])
+            parts += pulled
+            if first == len(x):
+                break
+            if not taken and not pulled:
+                raise ValueError(f"the stream is too long, {MOST} frames are the most")
+        y = np.concatenate(parts)
+        y /= SCALE
+        return y
+
+    def _pull(self, handles: List[Any], others: Any) -> List[Samples]:
+        parts: List[Samples] = []
+        room = -(-self._fs // self.hop) * self.hop
+        while True:
+            part = np.empty((room, *others), np.float32)
+            written = 0
+            for channel, handle in enumerate(handles):
+                written = lib.ORVA_SolafsOutputData(handle, channel, pointer(part), room)
+            if not written:
+                return parts
+            parts.append(part[:written])
+
+
+def _speed(speed: float) -> float:
+    if not 0 < speed <= 3:
+        raise ValueError(f"speed must be above 0 and at most 3, not {speed!r}")
+    return float(speed)
+
+
+def stretch(x: npt.ArrayLike, fs: int, speed: float, frame_ms: int = 20) -> Samples:
+    """A whole signal faster or slower at the same pitch.
+
+    Parameters
+    ----------
+    x : array_like
+        Frames, or frames x channels, full scale 1.0; may be empty.
+    fs : int
+        Sampling rate in Hz.
+    speed : float
+        How much faster, above 0 and up to 3.
+    frame_ms : int, optional
+        Length of a frame in milliseconds, up to 220; about 20 suits speech.
+
+    Returns
+    -------
+    ndarray of float32
+        Whole hops of half a frame, about n / speed frames for n of input and never less. A NaN or an infinity spoils the
+        splices near it.
+
+    Raises
+    ------
+    ValueError
+        As for `Stretcher`.
+
+    Examples
+    --------
+    >>> len(orva.stretch(np.ones(16000), fs=16000, speed=2.0))
+    8000
+    """
+    signal = samples(x)
+    with Stretcher(fs, speed, signal.shape[1] if signal.ndim == 2 else 1, frame_ms) as stretcher:
+        played = stretcher.process(signal)
+        return np.concatenate([played, stretcher.flush().reshape(-1, *played.shape[1:])])
