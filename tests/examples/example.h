@@ -10,6 +10,7 @@
 #include "support/recording.h"
 
 #include <algorithm>
+#include <functional>
 #include <sstream>
 
 struct Example {

@@ -5,6 +5,8 @@
 #include "filter/ORVAfilter_lists.h"
 #include "support/bits.h"
 
+#include <algorithm>
+
 using namespace orva;
 
 using support::sameBits;

@@ -4,6 +4,7 @@
 
 #include <orva/ORVAmisc.h>
 
+#include <algorithm>
 #include <complex>
 #include <limits>
 #include <numbers>

@@ -3,6 +3,7 @@
 
 #include <orva/ORVAutil.h>
 
+#include <algorithm>
 #include <limits>
 
 using support::Random;
