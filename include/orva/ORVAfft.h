@@ -20,10 +20,12 @@
  *      orva.fftw.max_plan_len=[4096]     the longest transform that it prepares
  *
  *  Nothing about the store is reported. One that is damaged in form, comes from another build of FFTW, or has
- *  more than 2^31 - 2 bytes is ignored and replaced by the next save. A path of more than 511 characters is
- *  cut. A save puts the new store in the old one's place in one step, so that a crash or a full disk leaves
- *  either the old store or the new one; a process killed during a save may leave a file ".kett-*.tmp" beside
- *  it, which nothing reads and which may be deleted.
+ *  more than 64 MiB is ignored and replaced by the next save. A path of more than 511 characters is cut. A
+ *  save puts the new store in the old one's place in one step, so that a crash or a full disk leaves either
+ *  the old store or the new one; a symbolic link in that place is replaced, and what it leads to stays as it
+ *  is. A process killed during a save may leave a file ".kett-*.tmp" beside the store, which nothing reads;
+ *  after a day the next save removes it. A program with raised rights, such as a set-user-ID one, finds no
+ *  folder in its environment, only one that KTENV_SetEnvValue() has published.
  *
  *  Loading the library starts the engine and unloading stops it, so a host need not call it at all. One that
  *  wants the store filled while it starts up:

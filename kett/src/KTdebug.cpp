@@ -2,6 +2,7 @@
 
 #include "KTformat.h"
 #include "KTlock.h"
+#include "platform/cancellation.h"
 #include "platform/standard_error.h"
 
 #include <cstdarg>
@@ -23,6 +24,7 @@ void report(int32_t level, int32_t code, const char *format, va_list arguments)
 {
     if (format == nullptr)
         return;
+    const Uncancelled whole;
     const FormattedText message(std::vsnprintf, format, arguments);
     const Hold hold(Data::log);
     if (currentSink != nullptr)

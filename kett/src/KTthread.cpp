@@ -2,6 +2,7 @@
 
 #include "KTlock.h"
 #include "KTunload.h"
+#include "platform/cancellation.h"
 #include "platform/lock.h"
 #include "platform/thread.h"
 
@@ -73,6 +74,7 @@ int32_t KTTHREAD_JoinThreadEx(KT_THREAD *thread, int32_t)
         return hasEnded(thread->system) ? 1 : 0;
     if (isCurrent(thread->system))
         return 0; // would wait for itself
+    const Uncancelled whole;
     lock(thread->joinLock);
     if (!thread->isJoined)
         thread->isJoined = waitForEnd(thread->system);

@@ -36,12 +36,15 @@ bool findStore(StorePath &path)
     return true;
 }
 
-// All of a file and a terminating null, for fftwf_free. Null when the file is too long for a signed 32-bit
-// size with the terminator, or when memory is out; a null file is an empty one.
+// Far above what FFTW can come to know, and below what would be noticed in a host's memory.
+constexpr int64_t longestStore = int64_t{64} << 20;
+
+// All of a file and a terminating null, for fftwf_free. Null when the file is too long for a store, or when memory is out;
+// a null file is an empty one.
 char *readWhole(KT_FILE *file, int32_t &size)
 {
     const int64_t length = KTIO_FileSize(file);
-    if (length < 0 || length >= INT32_MAX)
+    if (length < 0 || length > longestStore)
         return nullptr;
     size = static_cast<int32_t>(length);
     const auto room = static_cast<size_t>(length) + 1;

@@ -48,6 +48,24 @@ TEST(VersionString, IsTheSamePointerEachTimeAndRewritten)
     EXPECT_EQ(ORVAVERSION_String(), before);
 }
 
+// Each reads what it is given without further ado, as hosts do; the thread sanitizer looks on in its build.
+TEST(VersionString, SeveralThreadsMayAskForItFirst)
+{
+    std::atomic<int> ready = 0;
+    std::array<std::string, 4> texts;
+    {
+        std::array<std::jthread, 4> threads;
+        for (size_t i = 0; i < threads.size(); ++i)
+            threads[i] = std::jthread([&, i] {
+                for (++ready; ready < 4;)
+                    std::this_thread::yield();
+                texts[i] = ORVAVERSION_String();
+            });
+    }
+    for (const std::string &text : texts)
+        EXPECT_EQ(text, ORVAVERSION_String());
+}
+
 TEST(VersionString, IsNeverSeenEmptyOrTornWhileAnotherThreadAsksForIt)
 {
     const char *const text = ORVAVERSION_String();

@@ -78,8 +78,8 @@ TEST(EngineSteps, AStoreThatDoesNotOpenLoadsAsEmpty)
 // Neither is memory asked for such a size, nor is anything read or left open.
 TEST(EngineSteps, ASizeThatDoesNotFitReadsNothing)
 {
-    for (const int64_t size :
-         {int64_t{-1}, INT64_MIN, int64_t{INT32_MIN}, int64_t{INT32_MAX}, int64_t{1} << 32, INT64_MAX})
+    for (const int64_t size : {int64_t{-1}, INT64_MIN, int64_t{INT32_MIN}, (int64_t{64} << 20) + 1,
+                               int64_t{INT32_MAX}, int64_t{1} << 32, INT64_MAX})
         inOwnProcess([size] {
             announceFolder();
             answers.fileExists = true;

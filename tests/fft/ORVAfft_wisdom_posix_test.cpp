@@ -44,8 +44,8 @@ TEST(WisdomLoad, ASizeThatDoesNotFitCountsAsCorrupt)
 {
     const std::string good = store::wisdomOf({16});
     const auto goodSize = static_cast<int64_t>(good.size());
-    for (const int64_t size : {int64_t{INT32_MAX}, int64_t{INT32_MAX} + 1, int64_t{UINT32_MAX},
-                               (int64_t{1} << 32) + goodSize, int64_t{1} << 40}) {
+    for (const int64_t size : {(int64_t{64} << 20) + 1, int64_t{INT32_MAX}, int64_t{INT32_MAX} + 1,
+                               int64_t{UINT32_MAX}, (int64_t{1} << 32) + goodSize, int64_t{1} << 40}) {
         SCOPED_TRACE(size);
         inOwnProcess([&] {
             const Store store;
@@ -66,6 +66,20 @@ TEST(WisdomLoad, ASizeThatDoesNotFitCountsAsCorrupt)
     }
 }
 
+TEST(WisdomLoad, AStoreMayHave64Mebibytes)
+{
+    const std::string good = store::wisdomOf({16});
+    inOwnProcess([&] {
+        const Store store;
+        writeFile(store.path, good);
+        ASSERT_EQ(truncate(store.path.c_str(), int64_t{64} << 20), 0); // nobody reads past the wisdom
+        store.announce();
+        EXPECT_NE(wisdom(), good);
+        EXPECT_TRUE(__FFTW_LoadWisdom());
+        EXPECT_EQ(wisdom(), good);
+    });
+}
+
 // A limit on the length of files stands in for a disk that fills up in the middle of the writing.
 TEST(WisdomSave, AFullDiskLeavesTheOldStore)
 {
@@ -77,7 +91,6 @@ TEST(WisdomSave, AFullDiskLeavesTheOldStore)
         store.announce();
         ORVA_InitializeFFT();
         plan(1009);
-        signal(SIGXFSZ, SIG_IGN);
         const rlimit limit{old.size() + 100, RLIM_INFINITY};
         ASSERT_EQ(setrlimit(RLIMIT_FSIZE, &limit), 0);
         ASSERT_GT(wisdom().size(), limit.rlim_cur);

@@ -7,6 +7,11 @@
  *  message may have any length; it is cut to 1023 characters only when memory is out. A format that printf
  *  refuses is written as it stands, and a null format writes nothing.
  *
+ *  Standard error may be closed, or a pipe that nobody reads or whose reader has gone: no signal is raised,
+ *  and nothing waits for ever. A full pipe holds up one message for a second; that one is lost, and those
+ *  after it are lost as well, without a wait, until there is room again. A pipe takes a message above 4096
+ *  bytes in several system calls.
+ *
  *      static void keep(void *context, int32_t level, int32_t code, const char *text) { ... }
  *
  *      KTDEBUG_SetSink(keep, &journal);      // from here on, messages go to keep

@@ -5,9 +5,15 @@
  *  A file opened with "w" is written beside its target under a unique temporary name; KTIO_CloseFile()
  *  flushes it to the disk and puts it in the target's place in one step. A crash, a full disk or a second
  *  process thus leaves the old content or the new one, never a mixture; if the process is killed before the
- *  close, the temporary file, ".kett-*.tmp", may remain. The new file keeps the old one's permissions, and a
- *  symbolic link is followed, even one that leads to a file not there yet. Only regular files are opened;
- *  nothing here waits for a pipe or a device.
+ *  close, the temporary file, ".kett-*.tmp", may remain. A close removes such files of the same user from the
+ *  target's folder when nobody has written to them for a day. The folder stays the one that was opened,
+ *  wherever its path leads at the close.
+ *
+ *  The new file keeps the old one's permissions. A symbolic link in the target's place is replaced, never
+ *  followed (on Windows refused), so that nobody who may write to the folder chooses the file that another
+ *  user overwrites; links that lead to the folder, and to a file that is read, are followed. Only regular
+ *  files are opened; nothing here waits for a pipe or a device. A limit on the size of files counts as a full
+ *  disk, and raises no signal.
  *
  *      KT_FILE *file = KTIO_Open("/var/lib/host/store", "w");
  *      KTIO_WriteData(file, text, length);

@@ -1,7 +1,9 @@
 #include "platform/file.h"
 
+#include "files.h"
+#include "write_signals.h"
+
 #include <cerrno>
-#include <cstdio>
 
 #include <fcntl.h>
 #include <sys/stat.h>
@@ -9,27 +11,6 @@
 
 namespace kett
 {
-
-const char pathSeparator = '/';
-
-namespace
-{
-
-// Makes a call again until no signal interrupts it.
-template <class Call> auto uninterrupted(Call call)
-{
-    auto result = call();
-    while (result < 0 && errno == EINTR)
-        result = call();
-    return result;
-}
-
-int openAgain(const char *path, int flags, mode_t mode = 0)
-{
-    return uninterrupted([&] { return open(path, flags | O_CLOEXEC, mode); });
-}
-
-} // namespace
 
 bool isFileAt(const char *path)
 {
@@ -40,7 +21,7 @@ bool isFileAt(const char *path)
 bool openToRead(SystemFile &file, const char *path)
 {
     // Non-blocking, since a pipe without a writer would hold up the open.
-    file.descriptor = openAgain(path, O_RDONLY | O_NONBLOCK | O_NOCTTY);
+    file.descriptor = openUninterrupted(AT_FDCWD, path, O_RDONLY | O_NONBLOCK | O_NOCTTY);
     struct stat status;
     if (file.descriptor >= 0 && fstat(file.descriptor, &status) == 0 && S_ISREG(status.st_mode))
         return true;
@@ -49,10 +30,11 @@ bool openToRead(SystemFile &file, const char *path)
     return false;
 }
 
-Creation createFile(SystemFile &file, const char *path, bool isPrivate)
+Creation createFile(SystemFile &file, const SystemFolder &folder, const char *name, bool isPrivate)
 {
     const mode_t mode = isPrivate ? 0600 : 0666; // less the umask
-    file.descriptor = openAgain(path, O_WRONLY | O_CREAT | O_EXCL, mode);
+    file.descriptor =
+        openUninterrupted(folder.descriptor, name, O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW, mode);
     if (file.descriptor >= 0)
         return Creation::done;
     return errno == EEXIST ? Creation::nameTaken : Creation::refused;
@@ -80,6 +62,7 @@ uint64_t readSome(SystemFile &file, void *buffer, uint64_t size)
 
 uint64_t writeSome(SystemFile &file, const void *buffer, uint64_t size)
 {
+    const WithoutWriteSignals held;
     const ssize_t count = uninterrupted([&] { return write(file.descriptor, buffer, size); });
     return count > 0 ? static_cast<uint64_t>(count) : 0;
 }
@@ -94,25 +77,6 @@ bool closeFile(SystemFile &file)
     const bool closed = close(file.descriptor) == 0 || errno == EINTR;
     file.descriptor = -1;
     return closed;
-}
-
-bool replaceFile(const char *from, const char *to)
-{
-    return rename(from, to) == 0;
-}
-
-void removeFile(const char *path)
-{
-    unlink(path);
-}
-
-void flushFolder(const char *path)
-{
-    const int folder = openAgain(path, O_RDONLY | O_DIRECTORY);
-    if (folder < 0)
-        return;
-    fsync(folder);
-    close(folder);
 }
 
 } // namespace kett

@@ -1,5 +1,7 @@
 #include "platform/lock.h"
 
+#include "platform/cancellation.h"
+
 namespace kett
 {
 
@@ -23,11 +25,9 @@ void endLock(SystemLock &guard)
 void waitFor(SystemCondition &condition, SystemLock &guard)
 {
     // Whoever waits has its record in a queue, from which a cancellation would not take it.
-    int before = 0;
-    pthread_setcancelstate(PTHREAD_CANCEL_DISABLE, &before);
+    const Uncancelled whole;
     guard.holder.store(pthread_t{}, std::memory_order_relaxed);
     pthread_cond_wait(&condition.condition, &guard.mutex);
-    pthread_setcancelstate(before, nullptr);
     guard.holder.store(pthread_self(), std::memory_order_relaxed);
 }
 

@@ -15,6 +15,10 @@ struct SystemFile {
     int descriptor = -1;
 };
 
+struct SystemFolder {
+    int descriptor = -1;
+};
+
 struct SystemLock {
     pthread_mutex_t mutex = PTHREAD_MUTEX_INITIALIZER;
     std::atomic<pthread_t> holder = pthread_t{}; // zero for nobody

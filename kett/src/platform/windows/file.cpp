@@ -1,6 +1,7 @@
 #include "platform/file.h"
 
 #include "platform/windows/path.h"
+#include "platform/windows/wide.h"
 
 #include <cstdlib>
 #include <cstring>
@@ -19,13 +20,19 @@ constexpr DWORD shared = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE;
 constexpr DWORD keptAttributes =
     FILE_ATTRIBUTE_HIDDEN | FILE_ATTRIBUTE_SYSTEM | FILE_ATTRIBUTE_NOT_CONTENT_INDEXED;
 
-// What may not be written, and a link that leads to nothing.
+// What may not be written, and links, wherever they lead.
 constexpr DWORD refusedAttributes = FILE_ATTRIBUTE_READONLY | FILE_ATTRIBUTE_REPARSE_POINT;
 
-// A file as CreateFileW() opens it; where it fails, GetLastError() tells why.
-HANDLE openFile(const char *path, DWORD access, DWORD sharing, DWORD disposition, DWORD flags)
+constexpr int64_t ticksPerSecond = 10'000'000;
+
+int64_t ticksOf(FILETIME time)
 {
-    wchar_t *systemPath = newSystemPath(path);
+    return static_cast<int64_t>(uint64_t{time.dwHighDateTime} << 32 | time.dwLowDateTime);
+}
+
+// A file as CreateFileW() opens it, whose path is freed; where it fails, GetLastError() tells why.
+HANDLE openFile(wchar_t *systemPath, DWORD access, DWORD sharing, DWORD disposition, DWORD flags)
+{
     if (systemPath == nullptr) {
         SetLastError(ERROR_BAD_PATHNAME);
         return INVALID_HANDLE_VALUE;
@@ -65,14 +72,15 @@ bool renameAsPosixDoes(const wchar_t *from, const wchar_t *to)
 bool isFileAt(const char *path)
 {
     SystemFile file;
-    file.handle =
-        openFile(path, FILE_READ_ATTRIBUTES, shared, OPEN_EXISTING, 0); // which does not open a folder
+    file.handle = openFile(newSystemPath(path), FILE_READ_ATTRIBUTES, shared, OPEN_EXISTING,
+                           0); // which does not open a folder
     return file.handle != INVALID_HANDLE_VALUE && closeFile(file);
 }
 
 bool openToRead(SystemFile &file, const char *path)
 {
-    file.handle = openFile(path, GENERIC_READ, shared, OPEN_EXISTING, FILE_FLAG_SEQUENTIAL_SCAN);
+    file.handle =
+        openFile(newSystemPath(path), GENERIC_READ, shared, OPEN_EXISTING, FILE_FLAG_SEQUENTIAL_SCAN);
     if (file.handle != INVALID_HANDLE_VALUE && GetFileType(file.handle) == FILE_TYPE_DISK)
         return true;
     if (file.handle != INVALID_HANDLE_VALUE)
@@ -80,12 +88,13 @@ bool openToRead(SystemFile &file, const char *path)
     return false;
 }
 
-Target lookAtTarget(const char *path, FileRights &rights)
+Target lookAtTarget(const SystemFolder &folder, const char *name, FileRights &rights)
 {
     SystemFile file;
-    file.handle = openFile(path, GENERIC_WRITE, shared, OPEN_EXISTING, FILE_FLAG_OPEN_REPARSE_POINT);
+    file.handle = openFile(newSystemPath(folder, name), GENERIC_WRITE, shared, OPEN_EXISTING,
+                           FILE_FLAG_OPEN_REPARSE_POINT);
     if (file.handle == INVALID_HANDLE_VALUE)
-        return GetLastError() == ERROR_FILE_NOT_FOUND ? Target::absent : Target::refused;
+        return GetLastError() == ERROR_FILE_NOT_FOUND ? Target::withoutRights : Target::refused;
     BY_HANDLE_FILE_INFORMATION status;
     const bool isFile = GetFileType(file.handle) == FILE_TYPE_DISK &&
                         GetFileInformationByHandle(file.handle, &status) &&
@@ -94,14 +103,14 @@ Target lookAtTarget(const char *path, FileRights &rights)
     if (!isFile)
         return Target::refused;
     rights = {status.dwFileAttributes & keptAttributes, 0, 0};
-    return Target::replaceable;
+    return Target::withRights;
 }
 
 // Who may do what with a file is told by its folder, also with a private one.
-Creation createFile(SystemFile &file, const char *path, bool)
+Creation createFile(SystemFile &file, const SystemFolder &folder, const char *name, bool)
 {
-    file.handle =
-        openFile(path, GENERIC_WRITE, FILE_SHARE_READ | FILE_SHARE_DELETE, CREATE_NEW, FILE_ATTRIBUTE_NORMAL);
+    file.handle = openFile(newSystemPath(folder, name), GENERIC_WRITE, FILE_SHARE_READ | FILE_SHARE_DELETE,
+                           CREATE_NEW, FILE_ATTRIBUTE_NORMAL);
     if (file.handle != INVALID_HANDLE_VALUE)
         return Creation::done;
     return GetLastError() == ERROR_FILE_EXISTS ? Creation::nameTaken : Creation::refused;
@@ -144,10 +153,10 @@ bool closeFile(SystemFile &file)
     return isClosed;
 }
 
-bool replaceFile(const char *from, const char *to)
+bool replaceFile(const SystemFolder &folder, const char *from, const char *to)
 {
-    wchar_t *source = newSystemPath(from);
-    wchar_t *target = newSystemPath(to);
+    wchar_t *source = newSystemPath(folder, from);
+    wchar_t *target = newSystemPath(folder, to);
     const bool isDone =
         source != nullptr && target != nullptr &&
         (renameAsPosixDoes(source, target) ||
@@ -157,14 +166,34 @@ bool replaceFile(const char *from, const char *to)
     return isDone;
 }
 
-void removeFile(const char *path)
+void removeFile(const SystemFolder &folder, const char *name)
 {
-    wchar_t *systemPath = newSystemPath(path);
+    wchar_t *systemPath = newSystemPath(folder, name);
     if (systemPath != nullptr)
         DeleteFileW(systemPath);
     std::free(systemPath);
 }
 
-void flushFolder(const char *) {}
+// Who may remove what is told by the folder, whoever has made it.
+void removeOldFiles(const SystemFolder &folder, bool (*isSuchName)(std::string_view name), int64_t seconds)
+{
+    wchar_t *all = newSystemPath(folder, "*");
+    WIN32_FIND_DATAW entry;
+    const HANDLE names = all != nullptr ? FindFirstFileW(all, &entry) : INVALID_HANDLE_VALUE;
+    std::free(all);
+    if (names == INVALID_HANDLE_VALUE)
+        return;
+    FILETIME now;
+    GetSystemTimeAsFileTime(&now);
+    do {
+        char *name = newNarrow(entry.cFileName);
+        if (name != nullptr && isSuchName(name) &&
+            (entry.dwFileAttributes & (FILE_ATTRIBUTE_DIRECTORY | FILE_ATTRIBUTE_REPARSE_POINT)) == 0 &&
+            ticksOf(now) - ticksOf(entry.ftLastWriteTime) > seconds * ticksPerSecond)
+            removeFile(folder, name);
+        std::free(name);
+    } while (FindNextFileW(names, &entry));
+    FindClose(names);
+}
 
 } // namespace kett

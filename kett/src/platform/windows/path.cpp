@@ -6,12 +6,11 @@
 #include "platform/windows/wide.h"
 
 #include <cstdlib>
+#include <cstring>
 #include <string_view>
 
 namespace kett
 {
-
-const char pathSeparator = '\\';
 
 namespace
 {
@@ -71,21 +70,15 @@ wchar_t *newFinalPath(const wchar_t *path)
     return answer != nullptr ? answer : joined(path, L""); // some file systems do not tell
 }
 
-// The path of a file that is not there, in a folder that is.
-wchar_t *newPathInFolder(std::wstring_view path)
+// The folder at the path, links followed, with a separator at its end.
+wchar_t *newFolderPath(const wchar_t *path)
 {
-    const size_t separator = path.rfind(L'\\');
-    const auto name = path.substr(separator + 1);
-    wchar_t *given = !name.empty() ? joined(path.substr(0, separator + 1), L"") : nullptr;
-    wchar_t *folder = given != nullptr ? newFinalPath(given) : nullptr;
-    wchar_t *parent = nullptr;
-    if (folder != nullptr)
-        parent = joined(folder, std::wstring_view(folder).ends_with(L'\\') ? L"" : L"\\");
-    wchar_t *target = parent != nullptr ? joined(parent, name) : nullptr;
-    std::free(parent);
+    wchar_t *folder = newFinalPath(path);
+    if (folder == nullptr)
+        return nullptr;
+    wchar_t *result = joined(folder, std::wstring_view(folder).ends_with(L'\\') ? L"" : L"\\");
     std::free(folder);
-    std::free(given);
-    return target;
+    return result;
 }
 
 } // namespace
@@ -103,17 +96,45 @@ wchar_t *newSystemPath(const char *path)
     return result;
 }
 
-char *newTargetPath(const char *path)
+// A folder is its path here. While a file in it is open it cannot be moved.
+char *openFolderOf(SystemFolder &folder, const char *path)
 {
     wchar_t *given = newSystemPath(path);
     if (given == nullptr)
         return nullptr;
-    wchar_t *target = newFinalPath(given);
-    if (target == nullptr)
-        target = newPathInFolder(given);
-    char *result = target != nullptr ? newNarrow(target) : nullptr;
-    std::free(target);
+    const std::wstring_view whole = given;
+    const auto name = whole.substr(whole.rfind(L'\\') + 1);
+    wchar_t *parent = !name.empty() ? joined(whole.substr(0, whole.size() - name.size()), L"") : nullptr;
+    wchar_t *place = parent != nullptr ? newFolderPath(parent) : nullptr;
+    folder.path = place != nullptr ? newNarrow(place) : nullptr;
+    char *result = folder.path != nullptr ? newNarrow(name.data()) : nullptr;
+    if (result == nullptr)
+        closeFolder(folder);
+    std::free(place);
+    std::free(parent);
     std::free(given);
+    return result;
+}
+
+void flushFolder(const SystemFolder &) {}
+
+void closeFolder(SystemFolder &folder)
+{
+    std::free(folder.path);
+    folder.path = nullptr;
+}
+
+wchar_t *newSystemPath(const SystemFolder &folder, const char *name)
+{
+    const size_t folderSize = std::strlen(folder.path);
+    const size_t nameSize = std::strlen(name) + 1;
+    auto *path = static_cast<char *>(std::malloc(folderSize + nameSize));
+    if (path == nullptr)
+        return nullptr;
+    std::memcpy(path, folder.path, folderSize);
+    std::memcpy(path + folderSize, name, nameSize);
+    wchar_t *result = newSystemPath(path);
+    std::free(path);
     return result;
 }
 

@@ -14,6 +14,10 @@ struct SystemFile {
     HANDLE handle = INVALID_HANDLE_VALUE;
 };
 
+struct SystemFolder {
+    char *path = nullptr; // with a separator at its end
+};
+
 struct SystemLock {
     SRWLOCK lock = SRWLOCK_INIT;
 };
