@@ -44,6 +44,15 @@
  *  FFTW belongs to the whole process: the engine never clears FFTW's wisdom, and when this library is
  *  unloaded, FFTW stays loaded with everything that its planner has allocated.
  *
+ *  FFTW itself ends the process where it gets no memory. So a call that plans, and a load or a save of the
+ *  store, first ask the heap for what FFTW is about to take, 1 MiB and 32 bytes a sample, and give it back;
+ *  without it they refuse. Where that leaves the process to FFTW: another thread takes the memory in between,
+ *  FFTW executes a length at which it takes memory (::ORVA_FFT), or the whole wisdom of the process is larger
+ *  than some ten thousand plans leave behind.
+ *
+ *  A call that creates or destroys a processor waits while another thread plans: microseconds as a rule, but
+ *  11 seconds while a plan of the prime length 20000003 is made.
+ *
  *  Not promised: equal bits between two machines or two wisdoms, since FFTW chooses its code by both; nor
  *  that a store stays unwritten when FFTW has learned nothing, since FFTW writes the lines of its wisdom in
  *  no fixed order.
@@ -154,9 +163,11 @@ typedef struct ORVA_FFT ORVA_FFT;
 /** Makes a forward processor.
  *
  *  @param length  N, real samples; every length that FFTW accepts, fastest with small prime factors.
- *  @return        the processor, to be destroyed by ORVA_FFTProcDestroy(); null when memory is out and in a
- *                 child of fork() that has lost the planner. For a length that FFTW refuses, such as zero and
- *                 below, a processor that executes nothing.
+ *  @return        the processor, to be destroyed by ORVA_FFTProcDestroy(); null when memory is out, also where
+ *                 only FFTW would lack it, and in a child of fork() that has lost the planner. For a length
+ *                 that FFTW refuses, such as zero and below, a processor that executes nothing.
+ *
+ *  It waits for a plan that another thread is making, of a large prime length for seconds.
  *
  *  Threads: any, while the engine runs.   Real time: no (allocates, locks, plans, may read the wisdom store).
  */

@@ -15,28 +15,29 @@ std::atomic<bool> __FFTW_StopOptimization = false;
 namespace
 {
 
-// The scratch arrays are only looked at for their alignment: FFTW_ESTIMATE does not write to them. Without
-// both, as for a length of zero or below, which FFTW refuses, there is no plan.
+// The scratch arrays are only looked at for their alignment: FFTW_ESTIMATE does not write to them.
 fftwf_plan planOn(float *real, fftwf_complex *bins, int32_t length, bool inverse)
 {
-    if (real == nullptr || bins == nullptr)
-        return nullptr;
     if (inverse)
         return fftwf_plan_dft_c2r_1d(length, bins, real, FFTW_ESTIMATE);
     return fftwf_plan_dft_r2c_1d(length, real, bins, FFTW_ESTIMATE);
 }
 
-fftwf_plan newPlan(int32_t length, bool inverse)
+// Makes the plan of a record; false when memory is out. FFTW refuses a length of zero or below, which leaves the record
+// without a plan.
+bool makePlan(ORVA_FFT &fft, bool inverse)
 {
-    if (length <= 0)
-        return nullptr;
-    const auto count = static_cast<size_t>(length);
+    if (fft.length <= 0)
+        return true;
+    const auto count = static_cast<size_t>(fft.length);
     float *real = fftwf_alloc_real(count);
     fftwf_complex *bins = fftwf_alloc_complex(count);
-    const fftwf_plan plan = planOn(real, bins, length, inverse);
+    const bool hasMemory = real != nullptr && bins != nullptr && heapHoldsPlan(fft.length);
+    if (hasMemory)
+        fft.plan = planOn(real, bins, fft.length, inverse);
     fftwf_free(bins);
     fftwf_free(real);
-    return plan;
+    return hasMemory;
 }
 
 } // namespace
@@ -49,7 +50,10 @@ ORVA_FFT *__FFTW_CreatePlan(int32_t length, bool inverse)
     auto *fft = newZeroed<ORVA_FFT>(1);
     if (fft != nullptr) {
         fft->length = length;
-        fft->plan = newPlan(length, inverse);
+        if (!makePlan(*fft, inverse)) {
+            std::free(fft);
+            fft = nullptr;
+        }
     }
     leavePlanner();
     return fft;

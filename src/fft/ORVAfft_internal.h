@@ -40,6 +40,12 @@ void leavePlanner();
 // is no preparation any more.
 void leaveOutAbsentThreads();
 
+// FFTW ends the process where it gets no memory. So what it is about to take is asked of the heap first, and given back: the
+// most that it took for one plan of so many samples, and for a wisdom of so many bytes. Before any use of the planner that
+// takes memory, inside it.
+[[nodiscard]] bool heapHoldsPlan(int32_t length);
+[[nodiscard]] bool heapHoldsWisdom(int32_t size);
+
 ORVA_FFT *__FFTW_CreatePlan(int32_t length, bool inverse);
 bool __FFTW_LoadWisdom();
 bool __FFTW_SaveWisdom();

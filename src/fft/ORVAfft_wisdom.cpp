@@ -1,8 +1,8 @@
 // The store that keeps FFTW's wisdom between runs.
 #include "fft/ORVAfft_internal.h"
 #include "fft/ORVAfft_wisdom_grammar.h"
+#include "fft/ORVAfft_wisdom_text.h"
 #include "platform/path.h"
-#include "platform/wisdom_text.h"
 
 #include <kett/KTenv.h>
 #include <kett/KTio.h>
@@ -69,7 +69,7 @@ bool loadStore()
     int32_t size = 0;
     char *text = readWhole(file, size);
     KTIO_CloseFile(file);
-    if (text != nullptr && fitsWisdomGrammar({text, static_cast<size_t>(size)}))
+    if (text != nullptr && fitsWisdomGrammar({text, static_cast<size_t>(size)}) && heapHoldsWisdom(size))
         fftwf_import_wisdom_from_string(text);
     fftwf_free(text);
     __FFTW_WisdomLoaded = true; // a store that was refused is not read again either

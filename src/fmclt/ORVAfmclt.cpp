@@ -29,10 +29,13 @@ bool makePlans(ORVA_FMCLT &fmclt)
     if (fmclt.buffer == nullptr)
         return false;
     float *buffer = fmclt.buffer;
-    fmclt.planDirect = fftwf_plan_dft_r2c_1d(2 * M, buffer, binsOf(buffer), FFTW_ESTIMATE);
-    fmclt.planInverse = fftwf_plan_dft_c2r_1d(2 * M, binsOf(buffer), buffer, FFTW_ESTIMATE);
-    fmclt.planTrig = fftwf_plan_r2r_1d(M, buffer, buffer, FFTW_RODFT11, FFTW_ESTIMATE);
-    return fmclt.planDirect != nullptr && fmclt.planInverse != nullptr && fmclt.planTrig != nullptr;
+    if (heapHoldsPlan(2 * M))
+        fmclt.planDirect = fftwf_plan_dft_r2c_1d(2 * M, buffer, binsOf(buffer), FFTW_ESTIMATE);
+    if (fmclt.planDirect != nullptr && heapHoldsPlan(2 * M))
+        fmclt.planInverse = fftwf_plan_dft_c2r_1d(2 * M, binsOf(buffer), buffer, FFTW_ESTIMATE);
+    if (fmclt.planInverse != nullptr && heapHoldsPlan(M))
+        fmclt.planTrig = fftwf_plan_r2r_1d(M, buffer, buffer, FFTW_RODFT11, FFTW_ESTIMATE);
+    return fmclt.planTrig != nullptr;
 }
 
 // The first and the last bin are real: a sum of coefficients times the root of 1/8, the sum in float, then times g.

@@ -72,6 +72,17 @@ void failAllocation(uint64_t n)
     interposer::plan(interposer::Failure::allocation, n, ENOMEM);
 }
 
+void limitHeap(uint64_t bytes)
+{
+    interposer::state.heapLeft = bytes;
+    interposer::state.isLimited = true;
+}
+
+void endLimit()
+{
+    interposer::state.isLimited = false;
+}
+
 void failFileCall(uint64_t n, int error)
 {
     interposer::plan(interposer::Failure::fileCall, n, error);

@@ -46,6 +46,11 @@ Counts end();
 // replaces it.
 void failAllocation(uint64_t n);
 
+// From here on, an allocation gives null where it would leave less than nothing of so many bytes; what is freed is added
+// to them again. Until endLimit().
+void limitHeap(uint64_t bytes);
+void endLimit();
+
 // From here on, the n-th file call fails with this errno, without having done anything; a close closes all
 // the same.
 void failFileCall(uint64_t n, int error);

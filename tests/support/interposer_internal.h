@@ -18,6 +18,8 @@ struct State {
     uint64_t callsToFailure = 0; // 1: the next one
     int error = 0;               // errno of the planned failure
     bool failed = false;         // the planned failure has happened
+    bool isLimited = false;
+    uint64_t heapLeft = 0; // bytes, under a limit
 };
 
 // Initial-exec: looking at it allocates nothing, which would come back to us. Constant initialisation: nor

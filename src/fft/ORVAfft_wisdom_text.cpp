@@ -1,4 +1,6 @@
-#include "platform/wisdom_text.h"
+#include "fft/ORVAfft_wisdom_text.h"
+
+#include "fft/ORVAfft_internal.h"
 
 #include <fftw3.h>
 
@@ -35,9 +37,12 @@ void append(char c, void *data)
 
 } // namespace
 
-// Character by character: FFTW's C runtime may be another one than ours, and a text that it allocates is not ours to free.
+// Character by character: where FFTW makes the text itself, it ends the process for want of memory; and its C runtime may be
+// another one than ours, so that the text would not be ours to free.
 char *newWisdomText()
 {
+    if (!heapHoldsWisdom(0))
+        return nullptr;
     constexpr size_t firstRoom = 4096;
     GrowingText wisdom = {static_cast<char *>(std::malloc(firstRoom)), 0, firstRoom};
     fftwf_export_wisdom(append, &wisdom);
