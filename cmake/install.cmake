@@ -26,6 +26,7 @@ install(DIRECTORY include/orva kett/include/kett TYPE INCLUDE COMPONENT developm
 set(package_folder ${CMAKE_INSTALL_LIBDIR}/cmake/orva)
 install(EXPORT orva-${kind}-targets NAMESPACE orva:: DESTINATION ${package_folder} COMPONENT ${kind_component})
 configure_package_config_file(cmake/orva-config.cmake.in orva-config.cmake INSTALL_DESTINATION ${package_folder}
+    PATH_VARS CMAKE_INSTALL_LIBDIR
     NO_SET_AND_CHECK_MACRO NO_CHECK_REQUIRED_COMPONENTS_MACRO)
 write_basic_package_version_file(orva-config-version.cmake COMPATIBILITY SameMajorVersion)
 install(FILES ${PROJECT_BINARY_DIR}/orva-config.cmake ${PROJECT_BINARY_DIR}/orva-config-version.cmake
@@ -45,6 +46,7 @@ foreach(library orva kett)
 endforeach()
 
 install(DIRECTORY build/docs/html TYPE DOC COMPONENT documentation OPTIONAL)
+include(platform/${ORVA_PLATFORM}_install OPTIONAL)
 
 if(PROJECT_IS_TOP_LEVEL)
     add_custom_target(uninstall

@@ -6,6 +6,8 @@
 #                                           one name a line; blank lines and lines that start with '#' or '[' (a family)
 #                                           are for the reader
 #   one_object_archives()                   static libraries of the current folder hold one object each
+#   describe_library(<target> <text>)       the file of a shared library tells its version and what it is, where files do
+# What is installed and packed on one kind alone stands in cmake/platform/<kind>_install.cmake, if there is anything.
 if(WIN32)
     set(ORVA_PLATFORM windows)
 else()

@@ -25,6 +25,20 @@ configure_programs() {
     [ -f "$root/build/release/build.ninja" ] || (cd "$root" && cmake --preset release -DORVA_BUILD_TESTS=OFF >/dev/null)
 }
 
+# Starts Wine, in build/windows/wine, until the script ends: one server for all that runs, and its services here, since a
+# program that started them would lend them its output. Where a caller has done so, it is left to the caller. What runs under
+# Wine is called with "${still[@]}" in front, where the system allows that: without it, one program in a thousand does not
+# start, since its heap stands at random where Wine must have a certain page.
+start_wine() {
+    export WINEPREFIX=$root/build/windows/wine WINEDEBUG=-all
+    still=(setarch -R)
+    "${still[@]}" true 2>/dev/null || still=()
+    mkdir -p "$WINEPREFIX"
+    /usr/lib/wine/wineserver64 --persistent || return 0
+    trap '/usr/lib/wine/wineserver64 --kill; hand_over "$root/build"' EXIT
+    /usr/lib/wine/wine64 wineboot --init </dev/null >/dev/null 2>&1
+}
+
 # Under sudo, what is made here belongs to whoever called, not to root.
 hand_over() {
     [ "$(id -u)" -ne 0 ] || [ -z "${SUDO_UID:-}" ] || [ ! -e "$1" ] ||

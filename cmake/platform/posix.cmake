@@ -5,6 +5,11 @@ if(NOT ORVA_SANITIZE)
     target_link_options(orva_library_options INTERFACE -Wl,-z,defs)    # the sanitizers' own names come with the program
 endif()
 
+# What pkg-config is told that the static libraries need. WebRTC not by its own file, whose compiler options would come with
+# it.
+set(ORVA_PRIVATE_NEEDS "Requires.private: kett fftw3f\nLibs.private: -lwebrtc_audio_processing -lm")
+set(KETT_PRIVATE_NEEDS "Libs.private: -lstdc++")
+
 # export_only(<target> <list> <node>): by a version script; in a static library, by making all other names local.
 function(export_only target list node)
     file(STRINGS ${list} names REGEX "^[A-Za-z_]")
@@ -34,3 +39,7 @@ macro(one_object_archives)
         "\"${CMAKE_OBJCOPY}\" <LINK_FLAGS> <TARGET>.o"
         "<CMAKE_AR> rcs <TARGET> <TARGET>.o")
 endmacro()
+
+# describe_library(<target> <description>): an ELF file has no place for it.
+function(describe_library)
+endfunction()

@@ -27,10 +27,23 @@ function(export_only target list node)
     set(definition ${CMAKE_CURRENT_BINARY_DIR}/${target}.def)
     file(CONFIGURE OUTPUT ${definition} CONTENT "EXPORTS\n    @exports@\n" @ONLY)
     target_sources(${target} PRIVATE ${definition})
+    set_target_properties(${target} PROPERTIES EXPORT_DEFINITION ${definition})
 endfunction()
 
 macro(one_object_archives)
 endmacro()
+
+# describe_library(<target> <description>): in the version resource of the DLL.
+function(describe_library target description)
+    get_target_property(version ${target} VERSION)
+    set(name lib${target})
+    string(REPLACE "." "," version_numbers ${version}.0)
+    string(REPLACE "." "," product_numbers ${PROJECT_VERSION}.0)
+    set(resource ${CMAKE_CURRENT_BINARY_DIR}/${target}.rc)
+    configure_file(${PROJECT_SOURCE_DIR}/cmake/windows/version.rc.in ${resource} @ONLY)
+    add_library(${target}_version OBJECT ${resource})     # apart from options that only a compiler knows
+    target_sources(${target} PRIVATE $<TARGET_OBJECTS:${target}_version>)
+endfunction()
 
 # The DLL that has the noise suppressor is loaded when one is made.
 add_library(orva_webrtc INTERFACE)
@@ -38,8 +51,10 @@ add_library(orva_webrtc INTERFACE)
 # The mathematics library: the system's. That of MinGW-w64 works on x87 registers, where results depend on how the calling
 # thread rounds there. It has sincos() and the complex functions from it, which call what is here.
 set(mathematics ${PROJECT_BINARY_DIR}/libmathematics.a)
-execute_process(COMMAND ${CMAKE_DLLTOOL} -d ${CMAKE_CURRENT_LIST_DIR}/mathematics.def -l ${mathematics}
-    COMMAND_ERROR_IS_FATAL ANY)
+if(${CMAKE_CURRENT_LIST_DIR}/mathematics.def IS_NEWER_THAN ${mathematics})    # or it is not there
+    execute_process(COMMAND ${CMAKE_DLLTOOL} -d ${CMAKE_CURRENT_LIST_DIR}/mathematics.def -l ${mathematics}
+        COMMAND_ERROR_IS_FATAL ANY)
+endif()
 add_library(orva_sincos STATIC ${CMAKE_CURRENT_LIST_DIR}/sincos.c)
 target_compile_options(orva_sincos PRIVATE -O2 -fno-builtin)
 target_link_libraries(orva_compile_options INTERFACE orva_sincos ${mathematics})

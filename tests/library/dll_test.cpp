@@ -1,11 +1,13 @@
-// The two DLLs: what they export, and which DLLs they need.
+// The two DLLs: what they export, which DLLs they need, and what they tell of themselves.
 #include "names.h"
 #include "support/folder.h"
 #include "support/library.h"
 
 #include <gtest/gtest.h>
 
+#include <filesystem>
 #include <sstream>
+#include <vector>
 
 namespace
 {
@@ -14,13 +16,21 @@ struct Dll {
     const char *path;
     const char *list; // of exported names
     Names needs;
+    std::string version;
+    std::string description;
 };
 
 const Dll dlls[] = {
-    {LIBKETT, SOURCE_DIR "/kett/exports.txt", {"KERNEL32.dll", "msvcrt.dll", "ntdll.dll"}},
+    {LIBKETT,
+     SOURCE_DIR "/kett/exports.txt",
+     {"KERNEL32.dll", "msvcrt.dll", "ntdll.dll"},
+     "1.0.0.0",
+     "Foundation of liborva"},
     {LIBORVA,
      SOURCE_DIR "/src/exports.txt",
-     {"KERNEL32.dll", "libfftw3f-3.dll", "libkett.dll", "msvcrt.dll", "ucrtbase.dll"}},
+     {"KERNEL32.dll", "libfftw3f-3.dll", "libkett.dll", "msvcrt.dll", "ucrtbase.dll"},
+     "3.7.18.0",
+     "Audio signal processing routines with a plain C interface"},
 };
 
 // A loaded module as the loader sees it.
@@ -83,6 +93,43 @@ Names listed(const char *list)
     return names;
 }
 
+// The version resource of a file, as the properties of the file show it.
+class Version
+{
+public:
+    explicit Version(const char *path) : content(GetFileVersionInfoSizeA(path, nullptr))
+    {
+        EXPECT_FALSE(content.empty()) << path;
+        EXPECT_TRUE(GetFileVersionInfoA(path, 0, static_cast<DWORD>(content.size()), content.data()));
+    }
+
+    std::string numbers() const
+    {
+        const auto *fixed = static_cast<const VS_FIXEDFILEINFO *>(value("\\"));
+        std::ostringstream text;
+        text << HIWORD(fixed->dwFileVersionMS) << '.' << LOWORD(fixed->dwFileVersionMS) << '.'
+             << HIWORD(fixed->dwFileVersionLS) << '.' << LOWORD(fixed->dwFileVersionLS);
+        return text.str();
+    }
+
+    std::string text(const std::string &name) const
+    {
+        return static_cast<const char *>(value("\\StringFileInfo\\040904B0\\" + name));
+    }
+
+private:
+    const void *value(const std::string &name) const
+    {
+        void *found = nullptr;
+        UINT size = 0;
+        if (!VerQueryValueA(content.data(), name.c_str(), &found, &size))
+            throw std::runtime_error(name + ": not there");
+        return found;
+    }
+
+    std::vector<char> content;
+};
+
 } // namespace
 
 TEST(Dll, ExportsWhatIsListedAndNothingElse)
@@ -95,4 +142,16 @@ TEST(Dll, NeedsNoDllOfTheCompiler)
 {
     for (const Dll &dll : dlls)
         EXPECT_EQ(Image(dll.path).needed(), dll.needs) << dll.path;
+}
+
+TEST(Dll, TellsItsVersionAndWhatItIs)
+{
+    for (const Dll &dll : dlls) {
+        const Version version(dll.path);
+        const std::string file = std::filesystem::path(dll.path).filename().string();
+        EXPECT_EQ(version.numbers(), dll.version) << file;
+        EXPECT_EQ(version.text("FileDescription"), dll.description) << file;
+        EXPECT_EQ(version.text("OriginalFilename"), file);
+        EXPECT_EQ(version.text("ProductVersion"), "3.7.18") << file;
+    }
 }

@@ -14,11 +14,23 @@
 #include <cstdint>
 #include <filesystem>
 #include <string>
+#include <thread>
 
 namespace host
 {
 
 using support::isMapped;
+
+// Waits until a library is gone, which may be a moment after the last one who uses it; false after ten seconds.
+inline bool goes(const std::string &library)
+{
+    for (int i = 0; i < 1000; ++i) {
+        if (!isMapped(library))
+            return true;
+        std::this_thread::sleep_for(std::chrono::milliseconds(10));
+    }
+    return false;
+}
 
 // The library as long as this lives.
 class Loaded

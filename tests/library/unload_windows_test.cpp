@@ -12,15 +12,9 @@ using std::chrono::milliseconds;
 namespace
 {
 
-// Waits until both libraries are gone; false if they are not within ten seconds.
-bool areUnmapped()
+bool bothGo()
 {
-    for (int i = 0; i < 1000; ++i) {
-        if (!isMapped("liborva") && !isMapped("libkett"))
-            return true;
-        std::this_thread::sleep_for(milliseconds(10));
-    }
-    return false;
+    return goes("liborva") && goes("libkett");
 }
 
 bool holdsPlans(const std::string &wisdom)
@@ -39,7 +33,7 @@ TEST(UnloadWindows, DuringAPreparationReturnsAtOnceAndTheModuleGoesAfterIt)
         startPreparation(library);
         std::this_thread::sleep_for(untilThePreparationIsAtWork);
         library.unload();
-        EXPECT_TRUE(areUnmapped());
+        EXPECT_TRUE(bothGo());
         EXPECT_TRUE(holdsPlans(support::readFile(folder.store())));
     }
 }
@@ -52,7 +46,7 @@ TEST(UnloadWindows, RightAfterTheStartOfAPreparationIsSafe)
         startPreparation(library);
         library.unload();
     }
-    EXPECT_TRUE(areUnmapped());
+    EXPECT_TRUE(bothGo());
     EXPECT_TRUE(folder.hasStore());
 }
 
@@ -61,7 +55,7 @@ TEST(UnloadWindows, WithAPreparationThatStillWaitsForTheFolderIsSafe)
     Loaded library;
     startPreparation(library);
     library.unload();
-    EXPECT_TRUE(areUnmapped());
+    EXPECT_TRUE(bothGo());
 }
 
 TEST(UnloadWindows, AfterFinalizeByTheHostLeavesNothingToWaitFor)
@@ -74,7 +68,7 @@ TEST(UnloadWindows, AfterFinalizeByTheHostLeavesNothingToWaitFor)
     EXPECT_TRUE(folder.hasStore());
     EXPECT_TRUE(std::filesystem::remove(folder.store()));
     library.unload();
-    EXPECT_TRUE(areUnmapped());
+    EXPECT_TRUE(bothGo());
     EXPECT_FALSE(folder.hasStore()) << "a second save";
 }
 
