@@ -4,9 +4,12 @@
  *  processors.
  *
  *  FFTW's planner serves one thread at a time, so the engine keeps one lock around every use that this
- *  library makes of it. Transforms are executed without any lock. A host that also plans with FFTW itself
- *  must not do so while another thread is in a create or destroy call of this library, prepares plans or
- *  stops the engine.
+ *  library makes of it. Transforms are executed without any lock. On Linux it also switches on FFTW's own
+ *  lock around the making and destroying of plans, for the whole process, where libfftw3f_threads.so.3 is
+ *  installed: so other copies of this library, and a host that plans with FFTW itself, need not know of each
+ *  other. That lock leaves out wisdom: while this library reads or writes the store, nobody else may be at
+ *  the planner. Where it is missing, nobody else may be while a thread is in a create or destroy call of this
+ *  library, prepares plans or stops the engine.
  *
  *  What FFTW has learned about planning, its wisdom, is kept between runs in one file, the store:
  *  "ruko.optimization" in the folder that the environment value KT_DATA_PATH names. It holds the text of
