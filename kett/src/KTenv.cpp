@@ -11,26 +11,38 @@ namespace kett
 namespace
 {
 
-// A published text. It is kept after it has been replaced, since a caller may still hold it.
+// A published text. One that was given out is kept after it has been replaced, since a caller may still hold it.
 struct Text {
     Text *next;
     char *name;
+    bool isGiven;
 };
 
 struct Variable {
     Variable *next;
     char *name;
-    NamedList<Text> texts; // all that were ever published, each once
-    const Text *value;     // the one in force, or null
+    NamedTable<Text> texts; // the one in force and all that were given out, each once
+    Text *value;            // the one in force, or null
 };
 
-constinit NamedList<Variable> variables;
+constinit NamedTable<Variable> variables;
 
 const char *published(const char *name)
 {
     const Hold hold(Data::environment);
     const Variable *variable = variables.find(name);
-    return variable != nullptr && variable->value != nullptr ? variable->value->name : nullptr;
+    if (variable == nullptr || variable->value == nullptr)
+        return nullptr;
+    variable->value->isGiven = true;
+    return variable->value->name;
+}
+
+void putInForce(Variable &variable, Text *text)
+{
+    Text *before = variable.value;
+    variable.value = text;
+    if (before != nullptr && before != text && !before->isGiven)
+        variable.texts.remove(before);
 }
 
 } // namespace
@@ -38,11 +50,7 @@ const char *published(const char *name)
 void discardEnvironment()
 {
     const Hold hold(Data::environment);
-    while (variables.first != nullptr) {
-        while (variables.first->texts.first != nullptr)
-            variables.first->texts.remove(variables.first->texts.first);
-        variables.remove(variables.first);
-    }
+    variables.removeAll([](Variable &variable) { variable.texts.removeAll([](Text &) {}); });
 }
 
 } // namespace kett
@@ -56,16 +64,16 @@ bool KTENV_SetEnvValue(const char *name, const char *value)
     const Hold hold(Data::environment);
     if (value == nullptr) {
         if (Variable *variable = variables.find(name); variable != nullptr)
-            variable->value = nullptr;
+            putInForce(*variable, nullptr);
         return true;
     }
     Variable *variable = variables.findOrAdd(name);
     if (variable == nullptr)
         return false;
-    const Text *text = variable->texts.findOrAdd(value);
+    Text *text = variable->texts.findOrAdd(value);
     if (text == nullptr)
         return false;
-    variable->value = text;
+    putInForce(*variable, text);
     return true;
 }
 

@@ -25,8 +25,8 @@ struct KT_MEM {
     kett::Block *blocks;
     uint64_t blockCount;
     uint64_t byteCount; // as asked for
-    bool isShown;       // in the list of shown descriptors
-    KT_MEM *nextShown;
+    KT_MEM *nextShown;  // in the list of shown descriptors
+    KT_MEM **shownLink; // what points to it there; null for one that was not shown
 };
 
 namespace kett
@@ -106,12 +106,11 @@ int32_t KTMEM_DisposeMemDescr(KT_MEM *memory)
 {
     if (memory == nullptr)
         return 0;
-    if (memory->isShown) {
+    if (memory->shownLink != nullptr) {
         const Hold hold(Data::descriptors);
-        KT_MEM **link = &shownDescriptors;
-        while (*link != memory)
-            link = &(*link)->nextShown;
-        *link = memory->nextShown;
+        *memory->shownLink = memory->nextShown;
+        if (memory->nextShown != nullptr)
+            memory->nextShown->shownLink = memory->shownLink;
     }
     release(memory);
     return 1;
@@ -126,11 +125,13 @@ void KTMEM_DisplayMemDescr(KT_MEM *memory)
                     static_cast<unsigned long long>(memory->blockCount),
                     static_cast<unsigned long long>(memory->byteCount));
     }
-    if (memory->isShown)
+    if (memory->shownLink != nullptr)
         return;
     const Hold hold(Data::descriptors);
-    memory->isShown = true;
     memory->nextShown = shownDescriptors;
+    memory->shownLink = &shownDescriptors;
+    if (shownDescriptors != nullptr)
+        shownDescriptors->shownLink = &memory->nextShown;
     shownDescriptors = memory;
 }
 

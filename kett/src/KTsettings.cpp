@@ -41,7 +41,7 @@ struct KeyAndValue {
     std::string_view value;
 };
 
-constinit NamedList<Setting> settingList;
+constinit NamedTable<Setting> settings;
 
 // The first in order that parses: the stored value, the default that was set, the default in the text.
 template <class Value>
@@ -53,7 +53,7 @@ Value get(const char *keyWithDefault, bool (*parse)(std::string_view, Value &), 
     Value value = otherwise;
     {
         const Hold hold(Data::settings);
-        if (const Setting *setting = settingList.find(asked.key); setting != nullptr) {
+        if (const Setting *setting = settings.find(asked.key); setting != nullptr) {
             if (setting->value != nullptr && parse(setting->value, value))
                 return value;
             if (setting->defaultValue != nullptr && parse(setting->defaultValue, value))
@@ -79,7 +79,7 @@ bool set(char *Setting::*place, const char *format, va_list arguments)
     if (value == nullptr)
         return false;
     const Hold hold(Data::settings);
-    Setting *setting = settingList.findOrAdd(given.key);
+    Setting *setting = settings.findOrAdd(given.key);
     if (setting == nullptr) {
         std::free(value);
         return false;
@@ -94,11 +94,10 @@ bool set(char *Setting::*place, const char *format, va_list arguments)
 void discardSettings()
 {
     const Hold hold(Data::settings);
-    while (settingList.first != nullptr) {
-        std::free(settingList.first->value);
-        std::free(settingList.first->defaultValue);
-        settingList.remove(settingList.first);
-    }
+    settings.removeAll([](Setting &setting) {
+        std::free(setting.value);
+        std::free(setting.defaultValue);
+    });
 }
 
 } // namespace kett
@@ -138,12 +137,12 @@ bool KTSETTINGS_UnsetEx(KT_SETTINGS *, const char *key)
     if (key == nullptr)
         return false;
     const Hold hold(Data::settings);
-    Setting *setting = settingList.find(trimmed(key));
+    Setting *setting = settings.find(trimmed(key));
     if (setting == nullptr || setting->value == nullptr)
         return false;
     std::free(setting->value);
     setting->value = nullptr;
     if (setting->defaultValue == nullptr)
-        settingList.remove(setting);
+        settings.remove(setting);
     return true;
 }

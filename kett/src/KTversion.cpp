@@ -16,7 +16,7 @@ struct Version {
     int32_t major, minor, release, build;
 };
 
-constinit NamedList<Version> versions;
+constinit NamedTable<Version> versions;
 
 void store(int32_t *target, int32_t number)
 {
@@ -29,8 +29,7 @@ void store(int32_t *target, int32_t number)
 void discardVersions()
 {
     const Hold hold(Data::versions);
-    while (versions.first != nullptr)
-        versions.remove(versions.first);
+    versions.removeAll([](Version &) {});
 }
 
 } // namespace kett

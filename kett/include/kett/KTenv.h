@@ -24,8 +24,9 @@ KT_API bool KTENV_SetEnvValue(const char *name, const char *value);
  *
  *  @param name  the variable's name; null or an empty one finds nothing.
  *  @return      the value, or null when the variable is not set. Never freed by the caller: a published text
- *               stays valid until libkett is unloaded, one from the C environment until the variable is
- *               changed there.
+ *               that was asked for stays valid until libkett is unloaded (others are freed when they are
+ *               replaced), one from the C environment until the variable is changed there. In a program with
+ *               raised rights, such as a set-user-ID one, the C environment has nothing to give.
  *
  *  Threads: any, at any time, but not while another changes the C environment (`setenv`, `putenv`), as with
  *  `getenv`.   Real time: no (takes a lock).

@@ -21,7 +21,7 @@ struct Value {
     char *name; // the value itself
 };
 
-constinit NamedList<Value> values;
+constinit NamedTable<Value> values;
 constinit SystemLock valuesLock;
 
 // The system's environment and not that of a C runtime: a host with another runtime than ours changes only the former.
@@ -71,8 +71,7 @@ const char *findSystemVariable(const char *name)
 
 void discardSystemVariables()
 {
-    while (values.first != nullptr)
-        values.remove(values.first);
+    values.removeAll([](Value &) {});
 }
 
 } // namespace kett
