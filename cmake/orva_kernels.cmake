@@ -23,7 +23,8 @@ function(orva_kernel_levels target)
         set_target_properties(${kernels} PROPERTIES POSITION_INDEPENDENT_CODE ON)
         target_include_directories(${kernels} PRIVATE $<TARGET_PROPERTY:${target},INCLUDE_DIRECTORIES>)
         target_compile_options(${kernels} PRIVATE -DORVA_LEVEL=${level} ${ORVA_KERNEL_OPTIONS_${level}}
-            -Wno-psabi)                                   # no vector crosses from one object to another
+            -Wno-psabi                                    # no vector crosses from one object to another
+            -falign-functions=64 -falign-loops=64)        # else what one loop takes varies with the code before it
         target_link_libraries(${kernels} PRIVATE orva_library_options)
         target_sources(${target} INTERFACE $<TARGET_OBJECTS:${kernels}>)
         set_property(TARGET ${target} APPEND PROPERTY KERNEL_LEVELS ${kernels})

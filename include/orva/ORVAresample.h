@@ -153,7 +153,7 @@ ORVA_API ORVA_RESAMPLER *ORVA_ResampleInit(int32_t inputRate, int32_t outputRate
  *  Real time: yes, if an earlier block was at least as long (a block longer than all before it may allocate);
  *  no lock or system call, no log except for a refusal; O(`count` + results * P), P = ceil((N + 1) / L), and once
  *  in P samples a copy of the delay line. Blocks with infinities or not-a-number, and those of the P samples
- *  after, take about fifteen times as long.
+ *  after, take up to twice as long.
  */
 ORVA_API int32_t ORVA_Resample(ORVA_RESAMPLER *handle, const float *input, float *output, int32_t count);
 
@@ -185,8 +185,10 @@ ORVA_API int32_t ORVA_ResampleFlushBufferSize(const ORVA_RESAMPLER *handle);
  *  @return          samples written, the smaller of `maxCount` and ORVA_ResampleFlushBufferSize(); 0 after a
  *                   flush, for the hold, and for a handle without a converter.
  *
- *  Threads: one at a time for a converter.   Real time: yes (no heap or lock; log and system call only for a
- *  refused handle).
+ *  Threads: one at a time for a converter.
+ *  Real time: yes (no heap or lock; log and system call only for a refused handle); O(results * P) in the one
+ *  call that it has to be. As each of P sums waits to be rounded, a sample takes two to three times as long as
+ *  one of ORVA_Resample() with a full delay line.
  */
 ORVA_API int32_t ORVA_ResampleFlushBuffersEx(ORVA_RESAMPLER *handle, float *output, int32_t maxCount);
 

@@ -50,7 +50,9 @@ OutputSpan outputsOf(const PolyphaseResampler *resampler, const Block &block, in
     return {.samples = resampler->work + resampler->end,
             .firstSample = next,
             .firstOutput = n + block.skipped,
-            .count = count};
+            .count = count,
+            .zerosFrom = resampler->work + resampler->end + block.count,
+            .allFinite = block.allFinite};
 }
 
 void advance(PolyphaseResampler *resampler, const Block &block)
@@ -72,11 +74,10 @@ int32_t finiteAtEnd(const double *end, int32_t most)
     return count;
 }
 
-// The kernels for the outputs of a block. Zeros are put after it, where groups of outputs reach.
-const ResampleKernels &prepareKernels(const PolyphaseResampler *resampler, const Block &block)
+// Zeros after a block, where groups of outputs reach.
+void clearAhead(const PolyphaseResampler *resampler, const Block &block)
 {
     std::fill_n(resampler->work + resampler->end + block.count, resampler->ahead, 0.0);
-    return block.allFinite ? kernels<ResampleKernels>() : kernelsAt<ResampleKernels>(Level::plain);
 }
 
 } // namespace
@@ -98,8 +99,10 @@ int32_t runPolyphase(PolyphaseResampler *resampler, const float *input, float *o
     const bool allFinite = kernels<ResampleKernels>().widen(input, resampler->work + resampler->end, count);
     block.allFinite = block.allFinite && allFinite;
     const auto outputs = outputsOf(resampler, block, static_cast<int32_t>(written));
-    if (written > 0)
-        prepareKernels(resampler, block).sums(resampler->bank, outputs, output);
+    if (written > 0) {
+        clearAhead(resampler, block);
+        kernels<ResampleKernels>().sums(resampler->bank, outputs, output);
+    }
     advance(resampler, block);
     if (allFinite) {
         resampler->finiteSamples =
@@ -120,21 +123,24 @@ int32_t flushPolyphase(PolyphaseResampler *resampler, float *output, int32_t max
         return 0;
     const int64_t last = int64_t{resampler->delayToSkip} + limit - 1;     // outputs before it
     const int64_t time = resampler->phase + last * resampler->downFactor; // of the last, in L-ths of a sample
-    int64_t zeros = time / resampler->upFactor + 1;
+    const int64_t zeros = time / resampler->upFactor + 1;
     int32_t written = 0;
-    while (zeros > 0) {
-        const auto count = static_cast<int32_t>(std::min<int64_t>(zeros, resampler->workCapacity));
+    for (int64_t played = 0; played < zeros;) {
+        const auto count = static_cast<int32_t>(std::min<int64_t>(zeros - played, resampler->workCapacity));
         makeRoom(resampler, count);
         std::fill_n(resampler->work + resampler->end, count, 0.0);
         const Block block = blockOf(resampler, count, true);
-        const auto outputs =
+        auto outputs =
             outputsOf(resampler, block,
                       static_cast<int32_t>(std::min<int64_t>(block.due - block.skipped, limit - written)));
-        if (outputs.count > 0)
-            prepareKernels(resampler, block).roundedSums(resampler->bank, outputs, output + written);
+        outputs.zerosFrom = outputs.samples - std::min<int64_t>(played, resampler->history);
+        if (outputs.count > 0) {
+            clearAhead(resampler, block);
+            kernels<ResampleKernels>().roundedSums(resampler->bank, outputs, output + written);
+        }
         written += outputs.count;
         advance(resampler, block);
-        zeros -= count;
+        played += count;
     }
     resampler->phase = static_cast<int32_t>(time % resampler->upFactor) - resampler->upFactor;
     resampler->delay = remaining - written;

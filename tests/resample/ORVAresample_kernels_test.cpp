@@ -49,6 +49,13 @@ Floats anyFinites(support::Random &random, size_t count)
     return samples;
 }
 
+float anyNonFinite(support::Random &random)
+{
+    constexpr float infinity = std::numeric_limits<float>::infinity();
+    const float each[] = {infinity, -infinity, std::numeric_limits<float>::quiet_NaN()};
+    return each[random.integer(0, 2)];
+}
+
 struct FreePolyphase {
     void operator()(PolyphaseResampler *resampler) const
     {
@@ -102,9 +109,7 @@ void compareStream(support::Random &random, Level level, Rates rates, int32_t or
     for (int64_t left = 3 * plain.taps + 400, block = 0; left > 0; ++block) {
         auto input = anyFinites(random, static_cast<size_t>(random.integer(0, longest)));
         if (!finite && !input.empty() && block % 3 == 0)
-            input[static_cast<size_t>(random.integer(0, std::ssize(input) - 1))] =
-                random.integer(0, 1) == 0 ? std::numeric_limits<float>::infinity()
-                                          : std::numeric_limits<float>::quiet_NaN();
+            input[static_cast<size_t>(random.integer(0, std::ssize(input) - 1))] = anyNonFinite(random);
         const Floats expected = plain.run(input);
         ASSERT_TRUE(sameBits(convertUnaligned(random, resampler.get(), input, expected.size()), expected))
             << "block " << block << " of " << input.size();
@@ -157,10 +162,20 @@ TEST(ResampleKernels, SpansOfAnyLengthAreThoseOfThePlainForm)
             const int64_t first = random.integer(0, bank.up - 1);
             const int64_t newest = (first + count) * bank.down / bank.up;
             // No sample too many.
-            const Floats noise =
-                anyFinites(random, static_cast<size_t>(resampler->history + newest + 1 + resampler->ahead));
-            const std::vector<double> samples(noise.begin(), noise.end());
-            const OutputSpan span{samples.data() + resampler->history, 0, first, count};
+            const int64_t most = resampler->history + newest + 1 + resampler->ahead;
+            const Floats noise = anyFinites(random, static_cast<size_t>(most));
+            std::vector<double> samples(noise.begin(), noise.end());
+            const bool finite = random.integer(0, 1) == 0;
+            if (!finite)
+                samples[static_cast<size_t>(random.integer(0, most - 1))] = anyNonFinite(random);
+            const int64_t zeros = random.integer(0, 1) * random.integer(0, most);
+            std::fill(samples.end() - zeros, samples.end(), 0.0);
+            const OutputSpan span{.samples = samples.data() + resampler->history,
+                                  .firstSample = 0,
+                                  .firstOutput = first,
+                                  .count = count,
+                                  .zerosFrom = samples.data() + (most - zeros),
+                                  .allFinite = finite};
             const auto length = static_cast<size_t>(count);
             for (const bool rounded : {false, true}) {
                 Floats expected(length + 2, unwritten);
@@ -189,13 +204,8 @@ TEST(ResampleKernels, BlocksAreWidenedAndNarrowedAsInThePlainForm)
                 const auto length = static_cast<size_t>(count);
                 Floats input = anyFinites(random, length + offset);
                 const bool finite = count == 0 || random.integer(0, 1) == 0;
-                if (!finite) {
-                    const float others[] = {std::numeric_limits<float>::infinity(),
-                                            -std::numeric_limits<float>::infinity(),
-                                            std::numeric_limits<float>::quiet_NaN()};
-                    input[offset + static_cast<size_t>(random.integer(0, count - 1))] =
-                        others[random.integer(0, 2)];
-                }
+                if (!finite)
+                    input[offset + static_cast<size_t>(random.integer(0, count - 1))] = anyNonFinite(random);
                 std::vector<double> wide(length + 2, 0.5);
                 EXPECT_EQ(kernels.widen(input.data() + offset, wide.data() + 1, count), finite)
                     << nameOf(level) << ", " << count;

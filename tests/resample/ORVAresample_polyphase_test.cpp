@@ -4,6 +4,7 @@
 #include "support/log.h"
 #include "support/random.h"
 
+#include <ctime>
 #include <limits>
 
 namespace
@@ -102,6 +103,33 @@ Floats converted(Rates rates, const std::string &config, const Floats &input, co
     const Floats tail = flush(resampler.get(), 0);
     output.insert(output.end(), tail.begin(), tail.end());
     return output;
+}
+
+// The processor's time per output and tap: of the outputs of a block, and of those of the whole flush after it.
+struct Cost {
+    double block;
+    double flush;
+};
+
+Cost costAtOrder(int32_t order, float newest)
+{
+    support::Random random;
+    Floats input = random.noise(static_cast<size_t>(3 * order));
+    input.back() = newest;
+    Cost least{1e9, 1e9};
+    for (int repetition = 0; repetition < 5; ++repetition) {
+        const auto resampler = newResampler({48000, 48000}, "order=" + std::to_string(order));
+        Floats block(input.size() + 1), tail(static_cast<size_t>(order));
+        const std::clock_t start = std::clock();
+        const auto written =
+            ORVA_Resample(resampler.get(), input.data(), block.data(), static_cast<int32_t>(input.size()));
+        const std::clock_t middle = std::clock();
+        EXPECT_EQ(ORVA_ResampleFlushBuffersEx(resampler.get(), tail.data(), 0), order);
+        const double taps = 2.0 * order + 1.0;
+        least.block = std::min(least.block, static_cast<double>(middle - start) / (written * taps));
+        least.flush = std::min(least.flush, static_cast<double>(std::clock() - middle) / (order * taps));
+    }
+    return least;
 }
 
 } // namespace
@@ -284,6 +312,17 @@ TEST(PolyphaseFlush, AFlushedConverterTakesNoMoreInput)
         EXPECT_EQ(ORVA_ResampleFlushBufferSize(resampler.get()), left);
     }
     EXPECT_TRUE(log.messages.empty());
+}
+
+// There are as many outputs as the order says, each of as many rounded sums as there are taps.
+TEST(PolyphaseFlush, AnOutputCostsAFewOrdinaryOnesAtAnyOrderAndAfterAnyInput)
+{
+    const Cost usual = costAtOrder(1000, 0.5f);
+    EXPECT_LT(usual.flush, 9.0 * usual.block);
+    EXPECT_LT(costAtOrder(4000, 0.5f).flush, 3.0 * usual.flush);
+    const Cost afterNaN = costAtOrder(1000, std::numeric_limits<float>::quiet_NaN());
+    EXPECT_LT(afterNaN.flush, 3.0 * usual.flush);
+    EXPECT_LT(afterNaN.block, 3.0 * usual.block);
 }
 
 TEST(PolyphaseFlush, IsRoundedAtEveryTap)

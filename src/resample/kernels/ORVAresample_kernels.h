@@ -15,7 +15,9 @@ struct OutputSpan {
     const double *samples; // the block; the samples before it stand before it
     int64_t firstSample;   // of the block
     int64_t firstOutput;
-    int32_t count; // outputs
+    int32_t count;           // outputs
+    const double *zerosFrom; // this sample and all after it are zeros
+    bool allFinite;          // all samples that the outputs take
 };
 
 struct ResampleKernels {
@@ -25,7 +27,7 @@ struct ResampleKernels {
     void (*narrow)(const double *input, float *output, int32_t count);
 
     // The outputs of a span: each the sum of `taps` products in double, rounded to float at the end, or, in a flush, after
-    // every product. Samples are finite, but for the plain form.
+    // every product.
     void (*sums)(const PolyphaseBank &bank, const OutputSpan &span, float *output);
     void (*roundedSums)(const PolyphaseBank &bank, const OutputSpan &span, float *output);
 

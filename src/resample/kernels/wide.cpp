@@ -8,9 +8,12 @@
 //     the oldest         c   0    0    0             0: older than any
 //
 // A zero coefficient leaves a sum in double as it is: its product with a finite sample is +0 or -0, and no such sum is ever
-// -0, since it starts at +0, and neither +0 plus a zero nor two numbers that cancel give -0. A sum rounded to float after
-// each product can become -0; so it is held from the output's oldest sample on. A product with an infinity would be
-// not-a-number; therefore blocks with samples that are not finite take the plain form.
+// -0, since it starts at +0, and neither +0 plus a zero nor two numbers that cancel give -0. So zeros need no care, but in
+// two cases. A sum rounded to float after each product can become -0, and the product with an infinity is not-a-number:
+// then an output's sum is held at the samples that are not its own, which are among the first and the last few rows.
+//
+// As a sum starts at +0, it stays there while the samples are zeros; so the newest of them are left out, which in a flush
+// are many.
 //
 // Several groups are summed at once, so that additions overlap: of a long span those a round apart, which share each load
 // of coefficients, of a short one those side by side.
@@ -35,9 +38,9 @@ constexpr int32_t mostSideBySide = doubleLanes < 4 ? doubleLanes : 4; // two poi
 
 using Longs [[gnu::vector_size(ORVA_VECTOR_BYTES)]] = int64_t;
 
-// How a sum takes a product: in double, or rounded to float.
+// How a sum takes a product: in double, or rounded to float; and whether it is held.
 struct Exact {
-    static constexpr bool canBeMinusZero = false;
+    static constexpr bool isHeld = false;
 
     [[gnu::always_inline]] static inline Doubles add(Doubles sum, Doubles product)
     {
@@ -50,8 +53,12 @@ struct Exact {
     }
 };
 
+struct ExactHeld : Exact {
+    static constexpr bool isHeld = true;
+};
+
 struct Rounded {
-    static constexpr bool canBeMinusZero = true;
+    static constexpr bool isHeld = true;
 
     [[gnu::always_inline]] static inline Doubles add(Doubles sum, Doubles product)
     {
@@ -110,15 +117,15 @@ template <From from, int32_t groups> struct Sums {
     int32_t rowsLeft;
 };
 
-// Takes `rows` samples more. With `isEnd`, outputs that have taken all theirs are held; `coefficients` are then those of h
+// Takes `rows` samples more. At an edge, outputs whose own the samples are not are held; `coefficients` are then those of h
 // for the first output of each group.
-template <class Sum, bool isEnd, From from, int32_t groups>
+template <class Sum, bool isEdge, From from, int32_t groups>
 [[gnu::always_inline]] inline void takeRows(const PolyphaseBank &bank, Sums<from, groups> &s, int32_t rows,
                                             const int64_t *coefficients)
 {
     constexpr int32_t banks = Sums<from, groups>::banks;
     Longs h[banks][vectors] = {};
-    if constexpr (isEnd) {
+    if constexpr (isEdge) {
         int64_t ofLane[groupLanes];
         for (int32_t b = 0; b < banks; ++b) {
             for (int32_t l = 0; l < groupLanes; ++l)
@@ -152,17 +159,67 @@ template <class Sum, bool isEnd, From from, int32_t groups>
 #pragma GCC unroll 8
             for (int32_t v = 0; v < vectors; ++v) {
                 const Doubles next = Sum::add(s.sum[g][v], c[b][v] * sample);
-                if constexpr (isEnd)
-                    s.sum[g][v] = h[b][v] < end ? next : s.sum[g][v];
+                if constexpr (isEdge)
+                    s.sum[g][v] = (h[b][v] >= 0) & (h[b][v] < end) ? next : s.sum[g][v];
                 else
                     s.sum[g][v] = next;
             }
         }
-        if constexpr (isEnd) {
+        if constexpr (isEdge) {
             for (int32_t b = 0; b < banks; ++b)
                 for (int32_t v = 0; v < vectors; ++v)
                     h[b][v] += int64_t{bank.up};
         }
+    }
+}
+
+// The first rows of a group whose samples are zeros.
+[[gnu::always_inline]] inline int32_t zeroRows(const PolyphaseBank &bank, const OutputSpan &span,
+                                               const Group &group)
+{
+    const int64_t zeros = group.newest - span.zerosFrom + 1;
+    return zeros <= 0 ? 0 : zeros < bank.groupRows ? static_cast<int32_t>(zeros) : bank.groupRows;
+}
+
+template <From from, int32_t groups>
+[[gnu::always_inline]] inline void skipRows(const PolyphaseBank &bank, Sums<from, groups> &s, int32_t rows)
+{
+    for (int32_t g = 0; g < groups; ++g)
+        s.x[g] -= rows;
+    for (int32_t b = 0; b < Sums<from, groups>::banks; ++b)
+        s.coefs[b] += rows * bank.pitch;
+    if constexpr (from == From::oneRound) {
+        s.rowsLeft -= rows;
+        if (s.rowsLeft <= 0) {
+            const int32_t rounds = 1 - s.rowsLeft / bank.rows;
+            s.coefs[0] += rounds * (bank.up - bank.rows * bank.pitch);
+            s.rowsLeft += rounds * bank.rows;
+        }
+    }
+}
+
+// All rows but the first `skipped`: those newer than the newest sample of one of a group's outputs, those that are of all
+// outputs, those older than the oldest of one.
+template <class Sum, From from, int32_t groups>
+[[gnu::always_inline]] inline void takeHeldRows(const PolyphaseBank &bank, Sums<from, groups> &s,
+                                                const Group *group, int32_t skipped)
+{
+    const int32_t edge = bank.groupRows - bank.taps;
+    const int32_t ends[] = {edge < bank.taps ? edge : bank.taps, bank.taps, bank.groupRows};
+    skipRows(bank, s, skipped);
+    int32_t row = skipped;
+    for (int32_t part = 0; part < 3; ++part) {
+        const int32_t rows = ends[part] - row;
+        if (rows <= 0)
+            continue;
+        int64_t coefficients[Sums<from, groups>::banks];
+        for (int32_t b = 0; b < Sums<from, groups>::banks; ++b)
+            coefficients[b] = group[b].coefficient + row * int64_t{bank.up};
+        if (part == 1)
+            takeRows<Sum, false>(bank, s, rows, coefficients);
+        else
+            takeRows<Sum, true>(bank, s, rows, coefficients);
+        row += rows;
     }
 }
 
@@ -184,21 +241,16 @@ template <class Sum, From from, int32_t groups>
                                              const Group *group, float *output)
 {
     Sums<from, groups> s = {{}, {}, {}, group[0].at.rowsLeft};
-    int64_t coefficients[Sums<from, groups>::banks];
 #pragma GCC unroll 8
     for (int32_t g = 0; g < groups; ++g)
         s.x[g] = group[g].newest;
 #pragma GCC unroll 8
-    for (int32_t b = 0; b < Sums<from, groups>::banks; ++b) {
+    for (int32_t b = 0; b < Sums<from, groups>::banks; ++b)
         s.coefs[b] = group[b].at.coefs;
-        coefficients[b] = group[b].coefficient + int64_t{bank.taps} * bank.up;
-    }
-    if constexpr (Sum::canBeMinusZero) {
-        takeRows<Sum, false>(bank, s, bank.taps, nullptr);
-        takeRows<Sum, true>(bank, s, bank.groupRows - bank.taps, coefficients);
-    } else {
+    if constexpr (Sum::isHeld)
+        takeHeldRows<Sum>(bank, s, group, zeroRows(bank, span, group[0])); // no later group has fewer
+    else
         takeRows<Sum, false>(bank, s, bank.groupRows, nullptr);
-    }
     float sums[groups][groupLanes];
 #pragma GCC unroll 8
     for (int32_t g = 0; g < groups; ++g) {
@@ -285,6 +337,10 @@ template <class Sum> void sumsOf(const PolyphaseBank &bank, const OutputSpan &sp
         Sum::plain()(bank, span, output);
         return;
     }
+    if (!Sum::isHeld && !span.allFinite) {
+        sumsOf<ExactHeld>(bank, span, output);
+        return;
+    }
     // In parts whose samples stay in the nearest cache. They end with a round, so that no group is cut.
     constexpr int64_t samplesAtOnce = 2048;
     const int64_t samplesPerRound = int64_t{bank.round} / bank.up * bank.down;
@@ -295,7 +351,9 @@ template <class Sum> void sumsOf(const PolyphaseBank &bank, const OutputSpan &sp
         const int64_t untilEnd = first / bank.round * bank.round + length - first;
         const int32_t left = span.count - done;
         const int32_t count = left < untilEnd ? left : static_cast<int32_t>(untilEnd);
-        const OutputSpan part = {span.samples, span.firstSample, first, count};
+        OutputSpan part = span;
+        part.firstOutput = first;
+        part.count = count;
         if (count < 2 * int64_t{bank.round})
             sumSideBySide<Sum>(bank, part, output + done);
         else
