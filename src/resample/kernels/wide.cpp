@@ -137,6 +137,7 @@ template <class Sum, bool isEdge, From from, int32_t groups>
     const int64_t end = int64_t{bank.taps} * bank.up;
     const int64_t pitch = bank.pitch;
     const int64_t comeRound = bank.up - bank.rows * pitch;
+#pragma GCC unroll 2 // what steps from row to row is a sixth of it
     for (; rows > 0; --rows) {
         Doubles c[banks][vectors];
 #pragma GCC unroll 8
