@@ -33,12 +33,33 @@ bool isAvailable(Level level)
     }
 }
 
+namespace
+{
+
+bool findSlowSubnormals()
+{
+    __builtin_cpu_init();
+    return __builtin_cpu_is("amd") == 0;
+}
+
+} // namespace
+
 #else
 
 bool isAvailable(Level level)
 {
     return level <= Level::baseline;
 }
+
+namespace
+{
+
+bool findSlowSubnormals()
+{
+    return false;
+}
+
+} // namespace
 
 #endif
 
@@ -48,7 +69,14 @@ namespace
 // Zero before its initialisation at load, which is the plain level; that runs everywhere.
 std::atomic<Level> inForce = *std::find_if(allLevels.rbegin(), allLevels.rend(), isAvailable);
 
+const bool areSubnormalsSlow = findSlowSubnormals();
+
 } // namespace
+
+bool hasSlowSubnormals()
+{
+    return areSubnormalsSlow;
+}
 
 Level levelInForce()
 {

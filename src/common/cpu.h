@@ -29,6 +29,9 @@ Level levelInForce();
 // For tests and benchmarks, while nothing else runs. False, with nothing changed, for a level that is not available.
 bool forceLevel(Level level);
 
+// Whether the processor takes many times as long over subnormal numbers: all for x86-64 do but AMD's. Found at load.
+bool hasSlowSubnormals();
+
 // Defined for no family here: the object of each level defines its own.
 template <class Kernels, Level level> const Kernels &kernelsAt();
 

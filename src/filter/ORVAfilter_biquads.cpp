@@ -1,5 +1,6 @@
 // The biquad form, whose recursion is in kernels/plain.cpp: its calls on the handle.
 #include "filter/ORVAfilter_internal.h"
+#include "filter/ORVAfilter_silence.h"
 #include "filter/kernels/ORVAfilter_kernels.h"
 
 #include <algorithm>
@@ -10,13 +11,14 @@ namespace orva
 int32_t _DFIISOSfilter(_ORVA_FILTER *filter, const float *input, float *output, uint32_t numSamples,
                        uint32_t offset, uint32_t stride)
 {
-    kernels<FilterKernels>().biquads(*static_cast<_DFIISOSstate *>(filter->state),
-                                     {.input = input,
-                                      .output = output,
-                                      .first = offset,
-                                      .last = lastFrameStart(numSamples, filter->numChannels),
-                                      .stride = stride,
-                                      .channels = static_cast<size_t>(filter->numChannels)});
+    const auto run = hasSlowSubnormals() ? runBiquadsInUnits : kernels<FilterKernels>().biquads;
+    run(*static_cast<_DFIISOSstate *>(filter->state),
+        {.input = input,
+         .output = output,
+         .first = offset,
+         .last = lastFrameStart(numSamples, filter->numChannels),
+         .stride = stride,
+         .channels = static_cast<size_t>(filter->numChannels)});
     return 1;
 }
 

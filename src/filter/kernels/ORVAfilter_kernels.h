@@ -21,6 +21,22 @@ struct Frames {
     size_t channels;
 };
 
+namespace
+{
+
+// Whether no frame overlaps another one, and input and output are one or lie apart.
+inline bool isRegular(const Frames &frames)
+{
+    if (frames.channels == 0 || frames.stride < static_cast<int64_t>(frames.channels))
+        return false;
+    const auto input = reinterpret_cast<uintptr_t>(frames.input);
+    const auto output = reinterpret_cast<uintptr_t>(frames.output);
+    const uintptr_t bytes = (static_cast<uintptr_t>(frames.last) + frames.channels) * sizeof(float);
+    return input == output || input + bytes <= output || output + bytes <= input;
+}
+
+} // namespace
+
 // Each runs frame after frame, also where frames or buffers overlap, and leaves memories and position as that leaves them.
 struct FilterKernels {
     void (*directForm)(_DFIIstate &state, const Frames &frames);
