@@ -25,7 +25,7 @@ def read(folder):
         for run in json.loads(file.read_text())["benchmarks"]:
             if run["run_type"] != "iteration":
                 continue
-            name, nanoseconds = run["name"], 1e9 / run["items_per_second"]
+            name, nanoseconds = run["name"].removesuffix("/iterations:1/manual_time"), 1e9 / run["items_per_second"]
             if nanoseconds < best.get(name, float("inf")):
                 best[name], counted[name] = nanoseconds, run
     return best, counted
@@ -250,6 +250,19 @@ def linear():
     yield from table(("Blocks of", *(f"10^{power}" for power in powers)), lines("blocks", powers))
 
 
+def silence():
+    inputs = ("silence", "decaying", "subnormal")
+
+    def lines():
+        for name, normal in BEST.items():
+            if name.startswith("silence, ") and name.endswith("/normal"):
+                path = name.removesuffix("/normal")
+                ratios = (BEST[f"{path}/{kind} {second}"] / normal for kind in inputs for second in (1, 60))
+                yield (sentence(path.removeprefix("silence, ")), number(normal), *(f"{ratio:.2f}" for ratio in ratios))
+    return table(("Path", "Normal, ns", *(f"{sentence(kind)}, {second}" for kind in inputs for second in ("1st", "60th"))),
+                 lines())
+
+
 def handles():
     def lines():
         ours = [(run["family_index"], name, run) for name, run in COUNTED.items()
@@ -267,7 +280,7 @@ def handles():
 
 def main():
     page = PAGE.read_text()
-    for part in (processor, targets, levels, linear, handles):
+    for part in (processor, targets, levels, linear, silence, handles):
         text = "\n".join(part())
         page, count = re.subn(rf"(<!-- {part.__name__} -->\n).*?(<!-- end -->)", lambda m: f"{m[1]}\n{text}\n\n{m[2]}",
                               page, flags=re.S)
