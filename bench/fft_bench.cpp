@@ -150,7 +150,7 @@ void addDecibels(size_t N)
 #endif
 }
 
-// The copy is of as many bytes as the result has.
+// The copy is of as many bytes as the result has. The traffic is that of the products, with next to no arithmetic.
 void addProducts(size_t count)
 {
     const std::string name = "products, " + std::to_string(count);
@@ -161,6 +161,18 @@ void addProducts(size_t count)
         };
     });
     addCopy(name + "/copy", count, 2 * count);
+    addCase(name + "/traffic", count, [=] {
+        return [count, a = Transform(2 * count), b = Transform(2 * count)] {
+            using Four [[gnu::vector_size(16)]] = float;
+            for (size_t i = 0; i < 2 * count; i += 4) {
+                Four x, y;
+                std::memcpy(&x, a.spectrum + i, sizeof x);
+                std::memcpy(&y, b.spectrum + i, sizeof y);
+                x += y;
+                std::memcpy(a.result + i, &x, sizeof x);
+            }
+        };
+    });
 }
 
 const bool registered = [] {

@@ -1,6 +1,6 @@
 // What this processor can do at best, by which the page on speed computes the limit of each path: multiplications, each
-// with an addition beside it, at each width of vectors; and the dependent steps of recursions. Times are for one
-// multiplication with its addition, or for one step.
+// with an addition beside it, and sections of biquads, at each width of vectors; reading from the second cache; and the
+// dependent steps of recursions. Times are for one multiplication with its addition, one section, one byte or one step.
 #include "cases.h"
 #include "widths.h"
 
@@ -14,6 +14,14 @@ void addPeak(const std::string &level, const Width &width)
             [&width] { return [&width] { benchmark::DoNotOptimize(width.peakFloat(rounds, 1.0f)); }; });
     addCase("multiply and add, double/" + level, rounds * peakOperations * width.bytes / sizeof(double),
             [&width] { return [&width] { benchmark::DoNotOptimize(width.peakDouble(rounds, 1.0)); }; });
+    addCase("section/" + level, rounds * peakSections * width.bytes / sizeof(double),
+            [&width] { return [&width] { benchmark::DoNotOptimize(width.sections(rounds)); }; });
+    constexpr size_t bytes = size_t{1} << 17; // more than the nearest cache holds, less than the second
+    addCase("read of a byte/" + level, bytes, [&width] {
+        return [&width, floats = alignedFloats(bytes / sizeof(float))] {
+            benchmark::DoNotOptimize(width.read(floats.get(), bytes));
+        };
+    });
 }
 
 // A recursion in which each step waits for the last one by a multiplication and so many additions.

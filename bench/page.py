@@ -5,6 +5,7 @@ FOLDER holds what the benchmarks have written. Of each case the shortest time co
 `<!-- NAME -->` and `<!-- end -->` is replaced by what the function NAME here gives.
 """
 import json
+import math
 import re
 import subprocess
 import sys
@@ -49,6 +50,11 @@ def steps(additions, kind="double", of=1):
             lambda: BEST[f"chain/multiply and {additions} adds, {kind}"] / of)
 
 
+def sections(count):
+    return (f"{count} section{'s' * (count > 1)}, each of 5 products, 4 sums, 2 conversions",
+            lambda: count * BEST[f"section/{TOP}"])
+
+
 def longest(*limits):
     """Whichever takes longest."""
     def nanoseconds():
@@ -78,9 +84,19 @@ class Row:
         return self.at(TOP) or BEST.get(f"{self.case}/orva")
 
 
-def polyphase(rate_in, rate_out):
-    """The name of a pair, and the limit of order 30."""
-    return f"{rate_in} to {rate_out}", sums(2 * 30 * max(rate_in, rate_out) // rate_out + 1)
+def polyphase(rate_in, rate_out, block=None):
+    """The name of a pair, and the limit of order 30: a group of eight outputs takes all samples that
+    one of them takes. A short block reads the coefficients of its groups from the second cache."""
+    common = math.gcd(rate_in, rate_out)
+    up, down = rate_out // common, rate_in // common
+    taps = -(-(2 * 30 * max(up, down) + 1) // up)
+    taken = taps + -(-7 * down // up)
+    words = f"{taken} products and sums in double, {taps} of them the filter's"
+    if block:
+        size = taken * 8
+        return (f"{rate_in} to {rate_out}", (f"{size} bytes of coefficients from the second cache",
+                                             lambda: size * BEST[f"read of a byte/{TOP}"]))
+    return f"{rate_in} to {rate_out}", (words, lambda: taken * BEST[f"multiply and add, double/{TOP}"])
 
 
 def rows():
@@ -93,24 +109,24 @@ def rows():
                  for i, (name, key) in enumerate((("soxr HQ", "soxr"), ("zita 32", "zita"), ("Speex 5", "speex 5"),
                                                   ("libsamplerate fast", "samplerate_fast")))]
         yield Row(f"Resampling {pair}, order 30", case, peers, limit)
-    pair, limit = polyphase(44100, 48000)
+    pair, limit = polyphase(44100, 48000, block=64)
     case = f"{pair}, polyphase, blocks of 64"
     yield Row(f"The same {pair}, blocks of 64", case,
               [("soxr HQ", [f"{case}/soxr"], 1.0, 1.0), ("zita 32", [f"{case}/zita"], 2.5, 2.5)], limit)
     case = "44100 to 48000, hold"
     yield Row("Zero-order hold, 44100 to 48000", case, [("bare loop", [f"{case}/bare"], 0.5, 0.5)], steps(2))
     for channels, counts in ((1, (1, 4, 10)), (2, (4, 10)), (6, (4, 10))):
-        for sections in counts:
-            case = f"biquads, sections {sections}, channels {channels}, frames 1024"
+        for count in counts:
+            case = f"biquads, sections {count}, channels {channels}, frames 1024"
             loops = [f"{case}/textbook", f"{case}/transposed"]
             if channels == 1:
-                aims = {1: (1.0, 1.0), 4: (2.0, 2.3), 10: (2.5, 3.3)}[sections]
+                aims = {1: (1.0, 1.0), 4: (2.0, 2.3), 10: (2.5, 3.3)}[count]
                 peers = [("best of textbook, SoX, sosfilt", [*loops, f"{case}/SoX", f"{case}/sosfilt"], *aims)]
             else:
                 aims = {2: (2, 3), 6: (3, 5)}[channels]
                 peers = [("textbook", loops, *aims)]
-            yield Row(f"Biquads, {sections} section{'s' * (sections > 1)}, {channels} channel{'s' * (channels > 1)}", case,
-                      peers, longest(sums(5 * sections), steps(2, of=channels)))
+            yield Row(f"Biquads, {count} section{'s' * (count > 1)}, {channels} channel{'s' * (channels > 1)}", case,
+                      peers, longest(sections(count), steps(2, of=channels)))
     for channels, aim in ((1, 1.2), (2, 1.8), (6, 4)):
         case = f"direct form, order 8, channels {channels}, frames 1024"
         names = [f"{case}/{key}" for key in ("textbook", "transposed", "liquid", "lfilter")]
@@ -131,7 +147,7 @@ def rows():
                                                    ("SLEEF, logarithm alone", [f"{case}/sleef {TOP}"], 0.55, 0.55)],
                   sums(18, "float"), "bin", N / bins)
     yield Row("Complex products", "products, 2048", [("copy", ["products, 2048/copy"], 0.5, 0.5)],
-              peer("products, 2048/copy", "the copy of as many bytes"), "product")
+              peer("products, 2048/traffic", "two arrays read and one written, more than the nearest cache holds"), "product")
     yield Row("Window application", "apply", [("copy", ["apply/copy"], 0.5, 0.5)],
               peer("apply/copy", "the copy of as many bytes"))
     for form, key, aim in (("Correlation", "plain", 0.9), ("Phase transform", "phase transform", 0.8)):

@@ -12,11 +12,21 @@ inline constexpr size_t peakOperations = 6;
 using PeakFloat = float (*)(size_t rounds, float one);
 using PeakDouble = double (*)(size_t rounds, double one);
 
+// Sections of biquads, each 5 products, 4 sums and a conversion both ways, that wait for little: `rounds` times peakSections
+// vectors of doubles.
+inline constexpr size_t peakSections = 8;
+using PeakSections = float (*)(size_t rounds);
+
+// Reads an array of `bytes`, a multiple of 64.
+using Read = float (*)(const float *from, size_t bytes);
+
 struct Width {
     size_t bytes; // of a vector
     Logarithms logarithms;
     PeakFloat peakFloat;
     PeakDouble peakDouble;
+    PeakSections sections;
+    Read read;
 };
 
 namespace baseline

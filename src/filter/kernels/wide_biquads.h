@@ -90,19 +90,27 @@ template <int32_t shift, int32_t... lane>
 }
 
 // One step. `y` holds what the sections made `lag` steps ago, and takes what they make now; the input stands in the last
-// lanes of `x`.
+// lanes of `x`. All vectors are taken through it together, so that few operations in a row wait for each other: a processor
+// looks only so far ahead.
 template <int32_t group, int32_t vectors>
 [[gnu::always_inline]] inline void step(Registers<vectors> &r, HalfFloats x, HalfFloats (&y)[vectors])
 {
-    HalfFloats below = x;
+    Doubles w[vectors];
+#pragma GCC unroll 4
+    for (int32_t v = 0; v < vectors; ++v)
+        w[v] = widen(
+            shiftedUp<group>(v > 0 ? y[v - 1] : x, y[v], std::make_integer_sequence<int32_t, doubleLanes>()));
+#pragma GCC unroll 4
+    for (int32_t v = 0; v < vectors; ++v)
+        w[v] = w[v] - r.w1[v] * r.a1[v];
+#pragma GCC unroll 4
+    for (int32_t v = 0; v < vectors; ++v)
+        w[v] = w[v] - r.w2[v] * r.a2[v];
 #pragma GCC unroll 4
     for (int32_t v = 0; v < vectors; ++v) {
-        x = shiftedUp<group>(below, y[v], std::make_integer_sequence<int32_t, doubleLanes>());
-        below = y[v];
-        const Doubles w = (widen(x) - r.w1[v] * r.a1[v]) - r.w2[v] * r.a2[v];
-        y[v] = narrow((w * r.b0[v] + r.b1[v] * r.w1[v]) + r.b2[v] * r.w2[v]);
+        y[v] = narrow((w[v] * r.b0[v] + r.b1[v] * r.w1[v]) + r.b2[v] * r.w2[v]);
         r.w2[v] = r.w1[v];
-        r.w1[v] = w;
+        r.w1[v] = w[v];
     }
 }
 
