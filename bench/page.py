@@ -85,8 +85,8 @@ class Row:
 
 
 def polyphase(rate_in, rate_out, block=None):
-    """The name of a pair, and the limit of order 30: a group of eight outputs takes all samples that
-    one of them takes. A short block reads the coefficients of its groups from the second cache."""
+    """The name of a pair, and the limit of order 30: a group of eight outputs takes all samples that one of them takes. A
+    short block reads the coefficients of its groups from the second cache."""
     common = math.gcd(rate_in, rate_out)
     up, down = rate_out // common, rate_in // common
     taps = -(-(2 * 30 * max(up, down) + 1) // up)
@@ -270,9 +270,9 @@ def silence():
     inputs = ("silence", "decaying", "subnormal")
 
     def lines():
-        for name, normal in BEST.items():
+        for name in sorted(BEST, key=lambda name: COUNTED[name]["family_index"]):
             if name.startswith("silence, ") and name.endswith("/normal"):
-                path = name.removesuffix("/normal")
+                path, normal = name.removesuffix("/normal"), BEST[name]
                 ratios = (BEST[f"{path}/{kind} {second}"] / normal for kind in inputs for second in (1, 60))
                 yield (sentence(path.removeprefix("silence, ")), number(normal), *(f"{ratio:.2f}" for ratio in ratios))
     return table(("Path", "Normal, ns", *(f"{sentence(kind)}, {second}" for kind in inputs for second in ("1st", "60th"))),
