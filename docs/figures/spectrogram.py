@@ -5,6 +5,6 @@ import tempfile
 from figures import BUILD, RECORDING, save_picture
 
 with tempfile.NamedTemporaryFile(suffix=".png") as picture:
-    subprocess.run([BUILD / "programs/spectrogram", RECORDING, picture.name,
-                    "window=Hanning; size=1024; hop=128; range=80"], check=True, stdout=subprocess.DEVNULL)
+    subprocess.run([BUILD / "programs/orva", "spectrogram", RECORDING, picture.name, "--hop=128", "--range=80"],
+                   check=True, stdout=subprocess.DEVNULL)
     save_picture(picture.name, "spectrogram")

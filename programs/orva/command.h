@@ -11,6 +11,7 @@ void addFilter(CLI::App &program);
 void addInfo(CLI::App &program);
 void addResample(CLI::App &program);
 void addResponse(CLI::App &program);
+void addSpectrogram(CLI::App &program);
 void addStretch(CLI::App &program);
 void addTwice(CLI::App &program);
 

@@ -8,40 +8,53 @@
 namespace orva
 {
 
-ResponseAt responseAt(const std::vector<float> &answer, double rate, double hertz)
+namespace
 {
-    const double w = 2 * std::numbers::pi * hertz / rate;
-    std::complex<double> sum = 0;
-    std::complex<double> moment = 0;
-    std::complex<double> step = std::polar(1.0, -w);
-    std::complex<double> turn = 1;
-    for (size_t n = 0; n < answer.size(); ++n) {
-        if (n % 1024 == 0)
-            turn = std::polar(1.0, -w * static_cast<double>(n)); // before roundings add up
-        const auto sample = static_cast<double>(answer[n]);
-        const std::complex<double> term(sample * turn.real(), sample * turn.imag());
-        sum += term;
-        moment += static_cast<double>(n) * term;
-        turn = {turn.real() * step.real() - turn.imag() * step.imag(),
-                turn.real() * step.imag() + turn.imag() * step.real()};
+
+struct Polynomial {
+    std::complex<double> value, moment; // sums of p[k] e^-jwk and of k p[k] e^-jwk
+};
+
+Polynomial polynomialAt(const std::vector<double> &p, double w)
+{
+    Polynomial at;
+    for (size_t k = 0; k < p.size(); ++k) {
+        const std::complex<double> term = p[k] * std::polar(1.0, -w * static_cast<double>(k));
+        at.value += term;
+        at.moment += static_cast<double>(k) * term;
     }
-    const double power = std::norm(sum);
-    const double degrees = 180 / std::numbers::pi;
-    return {hertz, 10 * std::log10(power), degrees * std::arg(sum),
-            (moment.real() * sum.real() + moment.imag() * sum.imag()) / power};
+    return at;
 }
 
-std::vector<ResponseAt> responseCurve(const std::vector<float> &answer, double rate, int points)
+} // namespace
+
+ResponseAt responseAt(const std::vector<Section> &sections, double rate, double hertz)
+{
+    const double w = 2 * std::numbers::pi * hertz / rate;
+    ResponseAt at{hertz};
+    double radians = 0;
+    for (const Section &section : sections) {
+        const Polynomial b = polynomialAt(section.b, w);
+        const Polynomial a = polynomialAt(section.a, w);
+        at.gainDb += 20 * (std::log10(std::abs(b.value)) - std::log10(std::abs(a.value)));
+        radians += std::arg(b.value) - std::arg(a.value);
+        at.delaySamples += (b.moment / b.value).real() - (a.moment / a.value).real();
+    }
+    at.phaseDegrees = std::remainder(180 / std::numbers::pi * radians, 360);
+    return at;
+}
+
+std::vector<ResponseAt> responseCurve(const std::vector<Section> &sections, double rate, int points)
 {
     std::vector<ResponseAt> curve;
     curve.reserve(static_cast<size_t>(points));
     for (int i = 0; i < points; ++i)
-        curve.push_back(
-            responseAt(answer, rate, rate / 2 * std::pow(2400.0, static_cast<double>(i) / (points - 1) - 1)));
+        curve.push_back(responseAt(sections, rate,
+                                   rate / 2 * std::pow(2400.0, static_cast<double>(i) / (points - 1) - 1)));
     return curve;
 }
 
-std::vector<double> halfPowerPoints(const std::vector<float> &answer, double rate,
+std::vector<double> halfPowerPoints(const std::vector<Section> &sections, double rate,
                                     const std::vector<ResponseAt> &curve)
 {
     double greatest = -HUGE_VAL;
@@ -57,7 +70,7 @@ std::vector<double> halfPowerPoints(const std::vector<float> &answer, double rat
         double high = curve[i].hertz;
         for (int halvings = 0; halvings < 30; ++halvings) {
             const double middle = (low + high) / 2;
-            ((responseAt(answer, rate, middle).gainDb < level) == rises ? low : high) = middle;
+            ((responseAt(sections, rate, middle).gainDb < level) == rises ? low : high) = middle;
         }
         points.push_back((low + high) / 2);
     }

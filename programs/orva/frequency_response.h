@@ -1,5 +1,7 @@
-// What a filter does to each frequency, computed from what it answers to a single 1.
+// What a filter does to each frequency, computed from its sections.
 #pragma once
+
+#include "filter_sections.h"
 
 #include <vector>
 
@@ -13,14 +15,15 @@ struct ResponseAt {
     double delaySamples = 0; // the group delay: -dphase / dw
 };
 
-// H(w) = sum over n of h[n] e^-jwn at one frequency; its group delay is the real part of (sum of n h[n] e^-jwn) / H(w).
-ResponseAt responseAt(const std::vector<float> &answer, double rate, double hertz);
+// H(w) is the product of the sections' B / A, with P(w) = sum over k of p[k] e^-jwk; the group delay is the sum of
+// Re((sum of k p[k] e^-jwk) / P(w)), of B less that of A.
+ResponseAt responseAt(const std::vector<Section> &sections, double rate, double hertz);
 
 // From rate / 4800 to half the rate, evenly on a logarithmic axis.
-std::vector<ResponseAt> responseCurve(const std::vector<float> &answer, double rate, int points);
+std::vector<ResponseAt> responseCurve(const std::vector<Section> &sections, double rate, int points);
 
 // Where the gain passes through 3.01 dB, half the power, below the greatest one.
-std::vector<double> halfPowerPoints(const std::vector<float> &answer, double rate,
+std::vector<double> halfPowerPoints(const std::vector<Section> &sections, double rate,
                                     const std::vector<ResponseAt> &curve);
 
 } // namespace orva

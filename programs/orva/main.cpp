@@ -94,6 +94,7 @@ int run(int count, char **words)
     addFilter(program);
     addResample(program);
     addResponse(program);
+    addSpectrogram(program);
     addStretch(program);
     addTwice(program);
     program.footer(

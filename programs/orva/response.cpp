@@ -3,10 +3,10 @@
 #include "drawing/picture.h"
 #include "filter_from.h"
 #include "frequency_response.h"
+#include "response_table.h"
 #include "shared_options.h"
 
 #include <cmath>
-#include <cstdio>
 #include <optional>
 
 namespace orva
@@ -14,7 +14,7 @@ namespace orva
 namespace
 {
 
-const double lostDb = 110; // below the greatest gain: phase and delay are rounding there
+enum { curvePoints = 3553 }; // four for each column of the picture
 
 struct Options {
     std::string text;
@@ -30,69 +30,40 @@ double greatestGain(const std::vector<ResponseAt> &curve)
     return greatest;
 }
 
-// Without the sign of a rounding.
-double cleared(double value, double unit)
-{
-    return std::fabs(value) < unit / 2 ? 0 : value;
-}
-
-void printRow(const ResponseAt &point, double greatest)
-{
-    std::printf("%10.1f ", point.hertz);
-    if (point.gainDb > -200)
-        std::printf("%10.2f", cleared(point.gainDb, 0.01));
-    else
-        std::printf("below -200");
-    if (point.gainDb > greatest - lostDb)
-        std::printf(" %10.1f %12.2f\n", cleared(point.phaseDegrees, 0.1), cleared(point.delaySamples, 0.01));
-    else
-        std::puts("          -            -");
-}
-
-// At 1, 2 and 5 times each power of ten.
-void print(const std::vector<float> &answer, int rate, const std::vector<ResponseAt> &curve)
-{
-    const double greatest = greatestGain(curve);
-    const auto points = halfPowerPoints(answer, rate, curve);
-    std::string list;
-    for (const double hertz : points) {
-        char text[32];
-        std::snprintf(text, sizeof text, "%s%.1f Hz", list.empty() ? "" : ", ", hertz);
-        list += text;
-    }
-    std::printf("greatest gain: %.2f dB; 3 dB below it: %s\n", cleared(greatest, 0.01),
-                list.empty() ? "nowhere" : list.c_str());
-    std::puts("        Hz    gain dB    phase °  delay, samples");
-    printRow(responseAt(answer, rate, 0), greatest);
-    for (int decade = 1; decade <= rate; decade *= 10) {
-        for (const int digit : {1, 2, 5}) {
-            const double hertz = digit * decade;
-            if (hertz >= rate / 4800.0 && hertz <= rate / 2.0)
-                printRow(responseAt(answer, rate, hertz), greatest);
-        }
-    }
-}
-
-struct Curves {
+struct Lines {
     std::vector<double> hertz, gain, phase, delay;
+
+    void add(const ResponseAt &point, double degrees)
+    {
+        hertz.push_back(point.hertz);
+        gain.push_back(point.gainDb);
+        phase.push_back(degrees);
+        delay.push_back(point.delaySamples);
+    }
 };
 
-// Lines that break off where there is nothing to draw, and where the phase turns over.
-Curves linesOf(const std::vector<ResponseAt> &curve, double greatest)
+// The phase turns over at its ends and breaks off where it jumps. Which of the two it does follows from the group delay,
+// which tells how far it goes from one point to the next.
+Lines linesOf(const std::vector<ResponseAt> &curve, int rate)
 {
-    Curves lines;
-    const auto add = [&](double hertz, double gain, double phase, double delay) {
-        lines.hertz.push_back(hertz);
-        lines.gain.push_back(gain);
-        lines.phase.push_back(phase);
-        lines.delay.push_back(delay);
-    };
+    Lines lines;
     for (size_t i = 0; i < curve.size(); ++i) {
         const ResponseAt &point = curve[i];
-        const bool lost = !(point.gainDb > greatest - lostDb);
-        if (i > 0 && std::fabs(point.phaseDegrees - curve[i - 1].phaseDegrees) > 180)
-            add(point.hertz, point.gainDb, NAN, lost ? NAN : point.delaySamples);
-        add(point.hertz, point.gainDb, lost ? NAN : point.phaseDegrees, lost ? NAN : point.delaySamples);
+        if (i > 0) {
+            const ResponseAt &before = curve[i - 1];
+            const double expected =
+                -180 * (before.delaySamples + point.delaySamples) * (point.hertz - before.hertz) / rate;
+            const double change = point.phaseDegrees - before.phaseDegrees;
+            const double turned = 360 * std::round((expected - change) / 360);
+            if (!(std::fabs(change + turned - expected) < 60)) {
+                lines.add(point, NAN);
+            } else if (turned != 0) {
+                lines.add(point, point.phaseDegrees + turned);
+                lines.add(point, NAN);
+                lines.add(before, before.phaseDegrees - turned);
+            }
+        }
+        lines.add(point, point.phaseDegrees);
     }
     return lines;
 }
@@ -110,20 +81,42 @@ Axis delayAxis(const std::vector<double> &delay)
     return axisLinear(least, most * 1.05, "Group delay (samples)");
 }
 
-void draw(const Options &options, const std::vector<ResponseAt> &curve, PictureFile &file)
+// The unit circle and what lies around it, as far as three times its radius.
+void drawPlane(Picture &picture, const PictureArea &area, const PolesAndZeros &all)
 {
-    const double greatest = greatestGain(curve);
-    const double top = 10 * std::ceil(std::max(greatest, -200.0) / 10);
-    const Curves lines = linesOf(curve, greatest);
+    double reach = 1;
+    std::vector<double> x[2];
+    std::vector<double> y[2];
+    for (int i = 0; i < 2; ++i) {
+        for (const auto &root : i == 0 ? all.zeros : all.poles) {
+            x[i].push_back(root.real());
+            y[i].push_back(root.imag());
+            reach = std::max(reach, std::min(std::abs(root), 3.0));
+        }
+    }
+    const double up = 1.12 * reach;
+    const double across = up * area.width / area.height;
+    picture.panel(3, axisLinear(-across, across, "Real part"), axisLinear(-up, up, "Imaginary part"));
+    picture.circle(3, 1);
+    picture.points(3, x[0], y[0], Mark::ring, "zeros");
+    picture.points(3, x[1], y[1], Mark::cross, "poles");
+}
+
+void draw(const Options &options, const std::vector<Section> &sections, const std::vector<ResponseAt> &curve,
+          PictureFile &file)
+{
+    const Lines lines = linesOf(curve, options.rate);
     const Axis hertz = axisFrequency(options.rate / 4800.0, options.rate / 2.0, true);
-    Picture picture(file, {.heights = {220, 220, 220}}, "Response of the filter",
+    const PictureLayout layout{.heights = {220, 220, 220, 400}, .legend = true};
+    Picture picture(file, layout, "Response of the filter",
                     options.text + ", at " + std::to_string(options.rate) + " Hz");
-    picture.panel(0, hertz, axisLinear(top - 80, top, "Gain (dB)"));
+    picture.panel(0, hertz, axisLevel(greatestGain(curve), 80, "Gain (dB)"));
     picture.panel(1, hertz, axisPhase());
     picture.panel(2, hertz, delayAxis(lines.delay));
     picture.curve(0, lines.hertz, lines.gain);
     picture.curve(1, lines.hertz, lines.phase);
     picture.curve(2, lines.hertz, lines.delay);
+    drawPlane(picture, geometryOf(file, layout).areas[3], polesAndZerosOf(sections));
     picture.save();
 }
 
@@ -132,11 +125,13 @@ void run(const Options &options)
     std::optional<PictureFile> picture;
     if (!options.picture.path.empty())
         picture.emplace(options.picture);
-    const auto answer = answerOf(options.text, options.rate);
-    const auto curve = responseCurve(answer, options.rate, 445); // one for two columns of the picture
+    answerOf(options.text, options.rate); // refuses what would not come to rest
+    const auto sections = sectionsFrom(options.text, options.rate);
+    const auto curve = responseCurve(sections, options.rate, curvePoints);
     if (picture)
-        draw(options, curve, *picture);
-    print(answer, options.rate, curve);
+        draw(options, sections, curve, *picture);
+    if (!picture || !picture->isStandardOutput())
+        printResponse(options.text, options.rate, sections, curve);
 }
 
 } // namespace
@@ -149,15 +144,23 @@ void addResponse(CLI::App &program)
     command->add_option("text", options->text, "The filter, as 'orva filter --help' tells")
         ->required()
         ->type_name("TEXT");
-    command->add_option("picture", options->picture.path, "PNG, SVG or PDF of gain, phase and group delay")
+    command
+        ->add_option("picture", options->picture.path,
+                     "PNG, SVG or PDF; - is a PNG on standard output, and no table")
         ->type_name("PICTURE");
     addPictureOptions(*command, options->picture);
     addRateOption(*command, options->rate, "The sampling rate (48000)");
     command->footer(
-        "Measured with a single 1 as input. What lies 110 dB below the greatest gain has no phase.\n\n"
+        "Computed from the filter's coefficients. The table has 0 Hz, 1, 2 and 5 times each power of ten, "
+        "and the edges "
+        "that\n"
+        "TEXT names; a picture has gain, phase, group delay, poles and zeros. Of poles and zeros in pairs "
+        "one is "
+        "listed.\n\n"
         "Examples:\n"
         "  $ orva response \"type=bandpass; order=4; fpass1=300; fpass2=3400\" telephone.png --rate 16k\n"
-        "  $ orva response \"numerator=[1 -1]; denominator=[1 -0.995]\"");
+        "  $ orva response \"numerator=[1 -1]; denominator=[1 -0.995]\" blocker.pdf --size 16x20\n"
+        "  $ orva response \"approximation=ellip; As=60; fpass=3400; fstop=4000\"");
     command->callback([options] { run(*options); });
 }
 

@@ -39,6 +39,25 @@ void readSize(const std::string &text, PictureOptions &picture)
         failUse("size '" + text + "' is not a width and a height in cm from 1 to 200, such as 16x9");
 }
 
+double secondsFrom(const std::string &text)
+{
+    const char *place = text.data();
+    const char *end = place + text.size();
+    double seconds = 0;
+    for (int parts = 1;; ++parts) {
+        double value = 0;
+        const auto read = std::from_chars(place, end, value);
+        const bool last = read.ptr == end;
+        if (read.ec != std::errc() || !(value >= 0 && value <= 1e9) || (parts > 1 && value >= 60) ||
+            (!last && (*read.ptr != ':' || parts == 3 || value != std::floor(value))))
+            failUse("time '" + text + "' is not a number of seconds, or such as 1:30 or 0:01:30.5");
+        seconds = 60 * seconds + value;
+        if (last)
+            return seconds;
+        place = read.ptr + 1;
+    }
+}
+
 void addRaw(CLI::App &command, RawFormat &raw, const std::string &description)
 {
     command
@@ -77,6 +96,28 @@ void addRateOption(CLI::App &command, int &rate, const std::string &description)
         .add_option_function<std::string>(
             "-r,--rate", [&rate](const std::string &text) { rate = rateFrom(text); }, description)
         ->type_name("HZ");
+}
+
+void addChannelOption(CLI::App &command, std::string &channel)
+{
+    const auto read = [&channel](const std::string &text) {
+        int number = 0;
+        const auto got = std::from_chars(text.data(), text.data() + text.size(), number);
+        if (text != "all" && (got.ec != std::errc() || *got.ptr != '\0' || number < 1))
+            failUse("channel '" + text + "' is not 'all' or a number, 1 for the first");
+        channel = text;
+    };
+    command.add_option_function<std::string>("--channel", read, "One channel, 1 for the first (all)")
+        ->type_name("N");
+}
+
+void addTimeOption(CLI::App &command, const std::string &name, double &seconds,
+                   const std::string &description)
+{
+    command
+        .add_option_function<std::string>(
+            name, [&seconds](const std::string &text) { seconds = secondsFrom(text); }, description)
+        ->type_name("TIME");
 }
 
 void addPictureOptions(CLI::App &command, PictureOptions &picture)

@@ -18,6 +18,13 @@ void addOutputOptions(CLI::App &command, OutputOptions &options);
 // Reads a rate such as 44100, 44100Hz, 44.1k or 48kHz into `rate`; refuses, as used wrongly, what is none.
 void addRateOption(CLI::App &command, int &rate, const std::string &description);
 
+// --channel: "all" or the number of one, 1 for the first.
+void addChannelOption(CLI::App &command, std::string &channel);
+
+// Reads a time such as 90, 1:30 or 0:01:30.5 into `seconds`.
+void addTimeOption(CLI::App &command, const std::string &name, double &seconds,
+                   const std::string &description);
+
 // --size and --dpi for commands that draw.
 void addPictureOptions(CLI::App &command, PictureOptions &picture);
 

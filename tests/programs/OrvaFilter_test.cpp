@@ -13,8 +13,9 @@
 namespace
 {
 
-// Where the two panels stand in the picture, and what their axes hold at a rate of 48000 Hz.
-constexpr int left = 84, right = 972, height = 220, gainTop = 72, phaseTop = 358;
+// Where the panels stand in the picture, and what their axes hold at a rate of 48000 Hz.
+constexpr int left = 84, right = 972, height = 220, gainTop = 94, phaseTop = 402, planeTop = 1018,
+              planeHeight = 400;
 
 int columnOf(double hertz)
 {
@@ -99,15 +100,68 @@ TEST(OrvaFilter, DrawsADesignThroughItsEdges)
     EXPECT_NEAR(curveAt(telephone, columnOf(1000), gainTop), 1 - 6.02 / 80, 0.01);
 }
 
-// Where rounding decides the phase, no curve is drawn.
-TEST(OrvaFilter, DrawsNoPhaseFarBelowTheGreatestGain)
+// It turns over from -180 to 180 degrees, and jumps at the zeros.
+TEST(OrvaFilter, PhaseIsDrawnFromEndToEndWithoutStrayLines)
 {
-    const Picture steep = responseOf("order=8; fpass=1000");
-    int painted = 0;
-    for (int x = columnOf(15000); x < columnOf(23000); ++x)
-        for (int y = phaseTop; y < phaseTop + height; ++y)
-            painted += distance(steep.at(x, y), 0x0073b3) < 60;
-    EXPECT_EQ(painted, 0);
+    for (const char *text : {"order=8; fpass=1000", "approximation=ellip; As=60; fpass=3400; fstop=4000",
+                             "biquads=[0 0 0 0 1; 0 0 0 0 1; 0 0 0 0 1]"}) {
+        const Picture picture = responseOf(text);
+        for (int x = left + 1; x < right - 1; ++x) {
+            int painted = 0;
+            for (int y = phaseTop; y < phaseTop + height; ++y)
+                painted += distance(picture.at(x, y), 0x0073b3) < 60;
+            EXPECT_LT(painted, 90) << text << " at " << x;
+            EXPECT_GT(painted, x < columnOf(900) ? 0 : -1) << text << " at " << x;
+        }
+    }
+}
+
+// One pole pair at a quarter of the rate, and zeros at 1 and -1.
+TEST(OrvaFilter, PolesAndZerosStandInTheirPlane)
+{
+    const Picture picture = responseOf("biquads=[0 0.81 1 0 -1]");
+    const double reach = 1.12;
+    const auto marked = [&](double re, double im, uint32_t color) {
+        const int x = (left + right) / 2 + static_cast<int>(re / reach * planeHeight / 2);
+        const int y = planeTop + static_cast<int>((1 - im / reach) * planeHeight / 2);
+        int count = 0;
+        for (int i = y - 8; i <= y + 8; ++i)
+            for (int j = x - 8; j <= x + 8; ++j)
+                count += distance(picture.at(j, i), color) < 60;
+        return count;
+    };
+    const uint32_t blue = 0x0073b3, orange = 0xd65e00;
+    for (const double side : {-1.0, 1.0}) {
+        EXPECT_GT(marked(side, 0, blue), 15);
+        EXPECT_EQ(marked(side, 0, orange), 0);
+        EXPECT_GT(marked(0, 0.9 * side, orange), 15);
+        EXPECT_EQ(marked(0, 0.9 * side, blue), 0);
+    }
+    EXPECT_EQ(marked(0, 0, blue) + marked(0, 0, orange), 0);
+}
+
+TEST(OrvaFilter, ListsPolesAndZeros)
+{
+    const support::Folder folder;
+    const struct {
+        const char *text, *poles, *zeros;
+    } cases[] = {
+        {"biquads=[0 0.81 1 0 -1]", "poles: 2; radius 0.90000 at 12000.0 Hz",
+         "zeros: 2; radius 1.00000 at 0.0 Hz, 1.00000 at 24000.0 Hz"},
+        {"biquads=[0 0 0 1 0]", "poles: 1; radius 0.00000 at 0.0 Hz", "zeros: 0"},
+        {"numerator=[1 0 0 0 1]; denominator=2", "poles: 4; radius 0.00000 at 0.0 Hz (4 times)",
+         "zeros: 4; radius 1.00000 at 6000.0 Hz, 1.00000 at 18000.0 Hz"},
+        {"numerator=1; denominator=[1 -0.5]", "poles: 1; radius 0.50000 at 0.0 Hz",
+         "zeros: 1; radius 0.00000 at 0.0 Hz"},
+        {"order=2; fpass=12000", "poles: 2; radius 0.41", "zeros: 2; radius 1.00000 at 24000.0 Hz (2 times)"},
+        {"type=bandreject; order=1; fpass1=11900; fpass2=12100", "poles: 2; radius 0.98",
+         "zeros: 2; radius 1.00000 at 12000.0 Hz"},
+    };
+    for (const auto &c : cases) {
+        const std::string text = orvaRun({"response", c.text}, folder).out;
+        EXPECT_NE(text.find(std::string("\n") + c.poles), std::string::npos) << text;
+        EXPECT_NE(text.find(std::string("\n") + c.zeros), std::string::npos) << text;
+    }
 }
 
 TEST(OrvaFilter, TakesNumeratorAndDenominator)
@@ -169,11 +223,16 @@ TEST(OrvaFilter, TableHoldsGainPhaseDelayAndTheEdges)
                         "      10.0      -0.11       -9.0         0.50\n"
                         "      20.0      -0.44      -18.0         0.50\n"
                         "      50.0      -3.01      -45.0         0.50\n"
-                        "     100.0 below -200          -            -\n");
+                        "     100.0 below -200          -            -\n"
+                        "poles: 1; radius 0.00000 at 0.0 Hz\n"
+                        "zeros: 1; radius 1.00000 at 100.0 Hz\n");
     const support::Outcome band =
         orvaRun({"response", "type=bandpass; order=4; fpass1=300; fpass2=3400", "--rate=16k"}, folder);
     EXPECT_TRUE(band.out.starts_with("greatest gain: 0.00 dB; 3 dB below it: 299.")) << band.out;
     EXPECT_NE(band.out.find(", 3401."), std::string::npos) << band.out;
+    EXPECT_NE(band.out.find("\n     300.0      -3.00 "), std::string::npos) << band.out;
+    EXPECT_NE(band.out.find("  fpass1\n"), std::string::npos) << band.out;
+    EXPECT_NE(band.out.find("  fpass2\n"), std::string::npos) << band.out;
 }
 
 TEST(OrvaFilter, RefusesInOneLineAndWritesNothing)

@@ -20,12 +20,13 @@ std::string onTerminal(const support::Folder &folder, const char *config, std::c
     const std::string pipe = folder / "pipe";
     mkfifo(pipe.c_str(), 0600);
 
-    const std::string program = programPath("spectrogram");
+    const std::string program = programPath("orva");
     const std::string picture = folder / "p.png";
     int terminal = -1;
     const pid_t child = forkpty(&terminal, nullptr, nullptr, nullptr);
     if (child == 0) {
-        execl(program.c_str(), program.c_str(), pipe.c_str(), picture.c_str(), config, nullptr);
+        execl(program.c_str(), program.c_str(), "spectrogram", pipe.c_str(), picture.c_str(), config,
+              nullptr);
         _exit(127);
     }
     std::thread feeder([&] {
@@ -52,7 +53,7 @@ std::string onTerminal(const support::Folder &folder, const char *config, std::c
 TEST(Progress, LongRunShowsAPercentageAndTakesItAway)
 {
     const support::Folder folder;
-    const std::string text = onTerminal(folder, "", std::chrono::milliseconds(600));
+    const std::string text = onTerminal(folder, "--hop=256", std::chrono::milliseconds(600));
     ASSERT_TRUE(text.starts_with("\r ")) << text;
     const int percent = std::stoi(text.substr(1));
     EXPECT_GE(percent, 1); // a half, unless the program is slow
@@ -63,6 +64,6 @@ TEST(Progress, LongRunShowsAPercentageAndTakesItAway)
 TEST(Progress, ShortRunShowsNone)
 {
     const support::Folder folder;
-    const std::string text = onTerminal(folder, "hop=47999", std::chrono::milliseconds(0)); // three frames
+    const std::string text = onTerminal(folder, "--hop=47999", std::chrono::milliseconds(0)); // three frames
     EXPECT_EQ(text.find('%'), std::string::npos) << text;
 }

@@ -16,6 +16,7 @@
 
 #include <cairo.h>
 
+#include <optional>
 #include <span>
 #include <string>
 #include <vector>
@@ -29,12 +30,18 @@ struct PictureLayout {
     bool legend = false;              // leaves room for the names of curves, above each panel
 };
 
+enum class Mark { dot, ring, cross };
+
+struct CurveKey {
+    std::string name; // for the legend; empty for none
+    std::optional<Mark> mark;
+};
+
 struct PictureArea {
     double x = 0, y = 0, width = 0,
            height = 0; // where its axes cross and how far they reach, y counted downward
     Axis across, up;
-    size_t curves = 0;
-    std::vector<std::string> names; // of the curves, for the legend; empty for none
+    std::vector<CurveKey> curves;
 };
 
 // Where everything stands.
@@ -49,8 +56,6 @@ PictureGeometry geometryOf(const PictureFile &file, const PictureLayout &layout)
 
 // The points of a panel, for a LevelGrid.
 GridSize gridSizeOf(const PictureFile &file, const PictureLayout &layout, size_t panel = 0);
-
-enum class Mark { dot, ring, cross };
 
 class Picture
 {
@@ -97,7 +102,7 @@ private:
     void drawColors(const PictureArea &area, std::span<const float> levels, GridSize size, double low,
                     double high);
     void drawBar(const PictureArea &area, double low, double high, const std::string &label);
-    PictureArea &beginCurve(size_t panel, const std::string &name);
+    PictureArea &beginCurve(size_t panel, const CurveKey &key);
 
     PictureFile &file;
     PictureGeometry geometry;

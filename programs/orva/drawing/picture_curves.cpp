@@ -104,23 +104,23 @@ void drawMark(cairo_t *cairo, double x, double y, Mark mark)
 } // namespace
 
 // Takes the next colour of a panel, and keeps to its inside until cairo_restore().
-PictureArea &Picture::beginCurve(size_t panel, const std::string &name)
+PictureArea &Picture::beginCurve(size_t panel, const CurveKey &key)
 {
     PictureArea &area = geometry.areas.at(panel);
     cairo_save(cairo);
     cairo_rectangle(cairo, area.x, area.y - area.height, area.width, area.height);
     cairo_clip(cairo);
-    useColor(cairo, area.curves++);
+    useColor(cairo, area.curves.size());
     cairo_set_line_width(cairo, curveWidth);
     cairo_set_line_join(cairo, CAIRO_LINE_JOIN_ROUND);
-    area.names.push_back(name);
+    area.curves.push_back(key);
     return area;
 }
 
 void Picture::curve(size_t panel, std::span<const double> x, std::span<const double> y,
                     const std::string &name)
 {
-    Pen pen{cairo, beginCurve(panel, name), geometry.dots};
+    Pen pen{cairo, beginCurve(panel, {name, {}}), geometry.dots};
     for (size_t i = 0; i < std::min(x.size(), y.size()); ++i)
         pen.point(x[i], y[i]);
     pen.flush();
@@ -131,7 +131,7 @@ void Picture::curve(size_t panel, std::span<const double> x, std::span<const dou
 void Picture::samples(size_t panel, double first, double step, std::span<const float> y,
                       const std::string &name)
 {
-    Pen pen{cairo, beginCurve(panel, name), geometry.dots};
+    Pen pen{cairo, beginCurve(panel, {name, {}}), geometry.dots};
     for (size_t i = 0; i < y.size(); ++i)
         pen.point(first + static_cast<double>(i) * step, static_cast<double>(y[i]));
     pen.flush();
@@ -142,7 +142,7 @@ void Picture::samples(size_t panel, double first, double step, std::span<const f
 void Picture::points(size_t panel, std::span<const double> x, std::span<const double> y, Mark mark,
                      const std::string &name)
 {
-    const PictureArea &area = beginCurve(panel, name);
+    const PictureArea &area = beginCurve(panel, {name, mark});
     for (size_t i = 0; i < std::min(x.size(), y.size()); ++i)
         if (std::isfinite(x[i]) && std::isfinite(y[i]))
             drawMark(cairo, across(area, x[i]), downward(area, y[i]), mark);
@@ -202,18 +202,24 @@ void drawLegend(cairo_t *cairo, const PictureArea &area)
     const double gap = 8;
     const double y = area.y - area.height - 10;
     double x = area.x + area.width;
-    for (size_t i = area.names.size(); i-- > 0;) {
-        if (area.names[i].empty())
+    for (size_t i = area.curves.size(); i-- > 0;) {
+        const auto &[name, mark] = area.curves[i];
+        if (name.empty())
             continue;
-        x -= letteredWidth(cairo, letters, area.names[i]);
+        x -= letteredWidth(cairo, letters, name);
         cairo_set_source_rgb(cairo, pictureInk, pictureInk, pictureInk);
-        letter(cairo, letters, x, y, area.names[i]);
+        letter(cairo, letters, x, y, name);
         x -= gap + sample;
         useColor(cairo, i);
-        cairo_set_line_width(cairo, 3);
-        cairo_move_to(cairo, x, y - 5);
-        cairo_line_to(cairo, x + sample, y - 5);
-        cairo_stroke(cairo);
+        if (mark) {
+            cairo_set_line_width(cairo, curveWidth);
+            drawMark(cairo, x + sample / 2, y - 5, *mark);
+        } else {
+            cairo_set_line_width(cairo, 3);
+            cairo_move_to(cairo, x, y - 5);
+            cairo_line_to(cairo, x + sample, y - 5);
+            cairo_stroke(cairo);
+        }
         x -= 2 * gap;
     }
 }
