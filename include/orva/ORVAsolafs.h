@@ -44,7 +44,8 @@
  *  return. All other calls are safe on it.
  *
  *  Speeds. Use speeds above 0 and up to 3.0. No speed, whatever its bits, makes a call read or write outside
- *  the record. Above 3.0 the analysis reaches samples that are not there yet, which read as 0; above 9 it runs
+ *  the record. Up to 3.0 the output has the same bits however the input is cut into calls. Above 3.0 the
+ *  analysis reaches samples that are not there yet, which read as 0 and so depend on the cuts; above 9 it runs
  *  past the input, and the samples that it skips are counted but not kept. At 0 and below the output never
  *  runs short of input. At a speed so high that all positions are out of range there is no output. A position
  *  beyond the range of an integer becomes the nearest integer in range, and not-a-number becomes 0.

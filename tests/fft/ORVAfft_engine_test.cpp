@@ -6,6 +6,8 @@
 #include "support/process.h"
 #include "support/random.h"
 
+#include <algorithm>
+
 using namespace orva;
 
 using store::Store;
@@ -172,6 +174,28 @@ TEST(PlanCreation, PlansWithTheEstimateFlagAlone)
             for (const bool inverse : {false, true})
                 ORVA_FFTProcDestroy(__FFTW_CreatePlan(length, inverse));
         EXPECT_EQ(store::wisdom(), expected);
+        ORVA_FinalizeFFT();
+    });
+}
+
+// 1 / N is taken of N rounded to float, 2^24 here; 1 / N rounded once would be the float below. The record has that length,
+// the plan a short one, and what lies beyond the plan is scaled as it was.
+TEST(InverseTransform, NormalisesByTheLengthRoundedToFloat)
+{
+    inOwnProcess([] {
+        const Store none;
+        ORVA_InitializeFFT();
+        constexpr int32_t length = (1 << 24) + 1;
+        ORVA_FFT *const fft = __FFTW_CreatePlan(16, true);
+        fft->length = length;
+        auto *const output = static_cast<float *>(fftwf_malloc(sizeof(float) * length));
+        alignas(16) ORVA_COMPLEX bins[9] = {{1.0f, 0.0f}};
+        std::fill(output, output + length, 3.0f);
+        EXPECT_EQ(ORVA_IFFTProcExecuteEx(fft, bins, output, true), length);
+        EXPECT_EQ(output[0], 0x1p-24f);
+        EXPECT_EQ(output[length - 1], 3.0f * 0x1p-24f);
+        fftwf_free(output);
+        ORVA_FFTProcDestroy(fft);
         ORVA_FinalizeFFT();
     });
 }

@@ -7,8 +7,10 @@
 #include <orva/ORVAcore.h>
 
 #include <algorithm>
+#include <cmath>
 #include <limits>
 #include <numbers>
+#include <vector>
 
 using namespace fmclt;
 using std::numbers::pi;
@@ -336,4 +338,19 @@ TEST(Fmclt, ANullProcessorDoesNothing)
 TEST(Fmclt, DestroyTellsThatItDestroyed)
 {
     EXPECT_EQ(ORVA_FMCLTProcDestroy(ORVA_FMCLTProcCreate(16)), 1);
+}
+
+// k and M are rounded to float: 2^24 + 1 counts as 2^24.
+TEST(FmcltWindow, RoundsCountsToFloat)
+{
+    constexpr int32_t blockLength = (1 << 24) + 1;
+    std::vector<float> window(2 * (static_cast<size_t>(blockLength) + 1));
+    ORVA_FMCLTFreqWindow(window.data(), blockLength);
+    const double rounded = 0x1p24;
+    const double theta =
+        ((rounded + rounded + 1.0) * 0.125 + rounded / (rounded * 4.0)) * (2.0 * std::numbers::pi);
+    for (const size_t k : {size_t{1} << 24, (size_t{1} << 24) + 1}) {
+        EXPECT_EQ(window[2 * k], static_cast<float>(std::cos(theta))) << k;
+        EXPECT_EQ(window[2 * k + 1], -static_cast<float>(std::sin(theta))) << k;
+    }
 }

@@ -20,7 +20,7 @@ void filterKnown(const double *a, const double *b, double *state, const float *i
     for (int32_t k = 0; k < n; ++k)
         s[k] = state[k];
     for (int32_t i = 0; i < sampleCount; ++i) {
-        const double x = input[i];
+        const auto x = static_cast<double>(input[i]);
         const double y = b[0] * x + s[0];
 #pragma GCC unroll 16
         for (int32_t k = 0; k < n - 1; ++k)

@@ -38,7 +38,7 @@ double sumOfSquares(const float *vector, int32_t count)
 {
     double sum = 0.0;
     for (int32_t i = 0; i < count; ++i) {
-        const double x = vector[i];
+        const auto x = static_cast<double>(vector[i]);
         sum += x * x;
     }
     return sum;
@@ -79,7 +79,7 @@ void filterBlock(const double *denominator, const double *numerator, int32_t coe
     const double *b = numerator;
     double *s = state;
     for (int32_t i = 0; i < sampleCount; ++i) {
-        const double x = input[i];
+        const auto x = static_cast<double>(input[i]);
         const double y = b[0] * x + s[0];
         for (int32_t k = 0; k < coefficientCount - 1; ++k)
             s[k] = (b[k + 1] * x + s[k + 1]) - a[k + 1] * y;

@@ -5,11 +5,11 @@
 #include <algorithm>
 #include <cerrno>
 #include <climits>
+#include <ctime>
 
 #include <poll.h>
 #include <sys/socket.h>
 #include <sys/stat.h>
-#include <time.h>
 #include <unistd.h>
 
 namespace kett
