@@ -10,8 +10,7 @@ set(ORVA_EMULATED OFF)                                    # whether tests run in
 if(CMAKE_CROSSCOMPILING AND ORVA_PLATFORM STREQUAL posix)
     set(ORVA_EMULATED ON)
 endif()
-target_compile_options(orva_test_options INTERFACE
-    $<$<NOT:$<CONFIG:Debug>>:-O$<IF:$<BOOL:${ORVA_EMULATED}>,0,1> -g0>)
+target_compile_options(orva_test_options INTERFACE $<$<NOT:$<CONFIG:Debug>>:-O1 -g0>)
 if(ORVA_SANITIZE MATCHES undefined)
     target_compile_options(orva_test_options INTERFACE -fno-sanitize=undefined)
 endif()
