@@ -2,6 +2,7 @@
 #   liborva3       both shared libraries
 #   liborva-dev    headers, link names, CMake package, pkg-config files, static libraries
 #   liborva-doc    the HTML reference
+#   python3-orva   the package for Python
 set(ORVA_STATIC_BUILD "" CACHE PATH
     "Build with static libraries that goes into the packages; makes this build ready to be packed")
 if(NOT ORVA_STATIC_BUILD)
@@ -43,10 +44,10 @@ set(CPACK_INSTALL_DEFAULT_DIRECTORY_PERMISSIONS
 
 # What each of the two builds gives.
 set(CPACK_COMPONENTS_SHARED runtime development)
-if(CMAKE_CROSSCOMPILING)                                  # the reference, being for all, is made with those of one
+if(CMAKE_CROSSCOMPILING)                                  # what is for all processors is made with the others of one
     set(CPACK_ORVA_SYSROOT ${CMAKE_SYSROOT})
 else()
-    list(APPEND CPACK_COMPONENTS_SHARED documentation)
+    list(APPEND CPACK_COMPONENTS_SHARED documentation python)
 endif()
 set(CPACK_COMPONENTS_STATIC archives)
 set(CPACK_INSTALL_CMAKE_PROJECTS
@@ -93,7 +94,22 @@ set(CPACK_DEBIAN_DOC_DESCRIPTION "audio signal processing routines (documentatio
 ${about}
 This package has the documentation of liborva and libkett as HTML.")
 
+set(CPACK_DEBIAN_PYTHON_PACKAGE_NAME python3-orva)
+set(CPACK_DEBIAN_PYTHON_PACKAGE_SECTION python)
+set(CPACK_DEBIAN_PYTHON_PACKAGE_ARCHITECTURE all)
+set(CPACK_DEBIAN_PYTHON_PACKAGE_CONTROL_EXTRA
+    ${PROJECT_SOURCE_DIR}/cmake/debian/python/postinst ${PROJECT_SOURCE_DIR}/cmake/debian/python/prerm)
+set(CPACK_DEBIAN_PYTHON_DESCRIPTION "audio signal processing routines (Python 3)
+${about}
+This package has the module orva, which offers them on NumPy arrays.")
+string(JOIN ", " CPACK_DEBIAN_PYTHON_PACKAGE_DEPENDS
+    "${CPACK_DEBIAN_LIBRARY_PACKAGE_NAME} (>= ${PROJECT_VERSION})" "python3 (>= 3.9)" python3-cffi-backend
+    "python3-numpy (>= 1:1.22)")
+set(CPACK_DEBIAN_PYTHON_PACKAGE_RECOMMENDS python3-soundfile)
+install(DIRECTORY build/python/ DESTINATION lib/python3/dist-packages COMPONENT python)     # a wheel, by script/package
+
 include(CPack)
 orva_package(library ${CPACK_DEBIAN_LIBRARY_PACKAGE_NAME} runtime)
 orva_package(dev liborva-dev development archives)
 orva_package(doc liborva-doc documentation)
+orva_package(python python3-orva python)

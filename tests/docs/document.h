@@ -7,6 +7,7 @@
 //   console      commands after "$ " that no test can run, since they need root, packages or a whole build: what they
 //                name has to be there
 //   cmake, make  files that the commands need
+//   python       a program for the package orva, which python/tests/test_guides.py runs
 //   text         what the program or the commands right before it write, where "..." stands for any text within a line;
 //                anything else elsewhere
 // A fragment without such a text writes what stands in comments after its printf lines, a line each.
@@ -60,7 +61,8 @@ struct Document {
 // What is wrong with a block, whatever it says.
 inline std::string faultOf(const Block &block)
 {
-    static const std::vector<std::string> languages{"c", "cpp", "sh", "console", "cmake", "make", "text"};
+    static const std::vector<std::string> languages{"c",     "cpp",  "sh",     "console",
+                                                    "cmake", "make", "python", "text"};
     if (std::find(languages.begin(), languages.end(), block.language) == languages.end())
         return "a block of the language '" + block.language + "'";
     if ((block.language == "cmake" || block.language == "make") && block.name.empty())

@@ -80,8 +80,8 @@ TEST(Document, IsReadBlockByBlock)
 TEST(Document, HasNoBlockThatNobodyChecks)
 {
     EXPECT_THAT(faultsOf("```\nx\n```\n"), ElementsAre("page.md:1: a block of the language ''"));
-    EXPECT_THAT(faultsOf("\n```python\nx\n```\n"),
-                ElementsAre("page.md:2: a block of the language 'python'"));
+    EXPECT_THAT(faultsOf("\n```fortran\nx\n```\n"),
+                ElementsAre("page.md:2: a block of the language 'fortran'"));
     EXPECT_THAT(faultsOf("```make\nx\n```\n"), ElementsAre("page.md:1: a file without a name"));
     EXPECT_THAT(faultsOf("`Makefile`:\n```make\nx\n```\n"), ElementsAre());
     EXPECT_THAT(faultsOf("text\n\n    x = 1\n"), ElementsAre("page.md:3: a block without a fence"));

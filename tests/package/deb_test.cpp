@@ -72,7 +72,7 @@ std::set<std::string> documentsOf(const std::string &package)
     return {folder + "changelog.Debian.gz", folder + "changelog.gz", folder + "copyright"};
 }
 
-// All three, unpacked together.
+// All of them, unpacked together.
 struct Root {
     support::Folder folder;
 
@@ -85,14 +85,14 @@ struct Root {
 
 } // namespace
 
-TEST(DebianPackages, AreThree)
+TEST(DebianPackages, AreFour)
 {
     std::set<std::string> names;
     for (const auto &[name, file] : packages()) {
         names.insert(name);
         EXPECT_EQ(field(file, "Version"), "3.7.18-1");
     }
-    EXPECT_EQ(names, (std::set<std::string>{"liborva-dev", "liborva-doc", "liborva3"}));
+    EXPECT_EQ(names, (std::set<std::string>{"liborva-dev", "liborva-doc", "liborva3", "python3-orva"}));
 }
 
 TEST(DebianPackages, HoldWhatBelongsInThem)
@@ -167,6 +167,56 @@ TEST(DebianPackages, ServeOutsideProjects)
     const std::vector<std::string> place = {"LDFLAGS=-Wl,-rpath," + libraries};
     EXPECT_EQ(makefile.make(libraries + "/pkgconfig", place, root.folder.path), madeFile);
     EXPECT_TRUE(needs("host", "liborva.so.3", makefile.folder));
+}
+
+// The hum of 50 Hz goes, the tone of 1 kHz stays.
+const char *const fiveLines = "import numpy as np, orva\n"
+                              "t = np.arange(48000) / 48000\n"
+                              "x = np.sin(2 * np.pi * 1000 * t) + np.sin(2 * np.pi * 50 * t)\n"
+                              "y = orva.Filter('type=highpass; order=4; fpass=200', fs=48000)(x)\n"
+                              "print(orva.__file__, orva.energy_db(x).round(1), orva.energy_db(y).round(1))";
+
+TEST(PythonPackage, HoldsTheModuleAndWhatPythonKnowsOfIt)
+{
+    const std::string package = packages()["python3-orva"];
+    const std::string folder = "usr/lib/python3/dist-packages/";
+    auto expected = documentsOf("python3-orva");
+    for (const auto &entry : fs::directory_iterator(SOURCE_DIR "/python/orva"))
+        if (entry.path().extension() == ".py" || entry.path().extension() == ".typed")
+            expected.insert(folder + "orva/" + entry.path().filename().string());
+    for (const char *name : {"METADATA", "WHEEL", "top_level.txt"})
+        expected.insert(folder + "orva-3.7.18.dist-info/" + name);
+    EXPECT_EQ(filesOf(package), expected);
+    EXPECT_EQ(field(package, "Architecture"), "all");
+    EXPECT_EQ(field(package, "Depends"),
+              "liborva3 (>= 3.7.18), python3 (>= 3.9), python3-cffi-backend, python3-numpy (>= 1:1.22)");
+    EXPECT_EQ(field(package, "Recommends"), "python3-soundfile");
+}
+
+TEST(PythonPackage, RunsWithTheLibraryBesideIt)
+{
+    const Root root;
+    const std::string place = root.folder / "usr/lib/python3/dist-packages";
+    EXPECT_EQ(outputOf({"env", "PYTHONPATH=" + place, "LD_LIBRARY_PATH=" + root.folder / library(""),
+                        "/usr/bin/python3", "-B", "-c", fiveLines},
+                       root.folder),
+              place + "/orva/__init__.py 4.8 1.8\n");
+}
+
+TEST(PythonPackage, InstallsFromTheWheelAndFromTheSourcesWithoutANetwork)
+{
+    for (const char *file : {"orva-3.7.18-py3-none-any.whl", "orva-3.7.18.tar.gz"}) {
+        const Root root;
+        outputOf({"/usr/bin/python3", "-m", "venv", "--system-site-packages", "venv"}, root.folder);
+        outputOf({"venv/bin/pip", "--disable-pip-version-check", "--quiet", "install", "--no-index",
+                  "--no-build-isolation", std::string(DEB_FOLDER) + "/" + file},
+                 root.folder);
+        const std::string said = outputOf(
+            {"env", "LD_LIBRARY_PATH=" + root.folder / library(""), "venv/bin/python", "-c", fiveLines},
+            root.folder);
+        EXPECT_EQ(said.find(fs::canonical(root.folder / "venv").string()), 0U) << said;
+        EXPECT_NE(said.find("/orva/__init__.py 4.8 1.8\n"), std::string::npos) << said;
+    }
 }
 
 // In the place that it is made for, the compiler needs no option to find the headers and the linker none for the folder.
