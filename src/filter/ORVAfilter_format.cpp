@@ -14,7 +14,7 @@ int formatInto(char *room, size_t size, const char *format, va_list arguments)
 {
     va_list copy;
     va_copy(copy, arguments);
-    const int length = formatInCLocale(room, size, format, copy);
+    const int length = kett::formatInCLocale(room, size, format, copy);
     va_end(copy);
     return length;
 }
