@@ -1,5 +1,6 @@
 // Each family has a first program, which writes what its own comment says, and says why where it cannot.
 #include "example.h"
+#include "support/environment.h"
 
 #include <gtest/gtest.h>
 
@@ -8,23 +9,11 @@ namespace
 
 namespace fs = std::filesystem;
 
-// All programs and sounds, as a reader has them in one folder.
-void fill(const support::Folder &folder)
-{
-    writeSounds(folder);
-    for (const auto &example : examples())
-        fs::create_symlink(fs::path(PROGRAMS) / example.name, folder / example.name);
-}
-
-support::Outcome runIn(const support::Folder &folder, const std::string &command)
-{
-    return support::run({"/bin/sh", "-c", command}, folder);
-}
-
 // A program that gives up leaves its memory to the system.
 support::Outcome runRefused(const support::Folder &folder, const std::string &command)
 {
-    return runIn(folder, "export ASAN_OPTIONS=detect_leaks=0; " + command);
+    support::setVariable("ASAN_OPTIONS", "detect_leaks=0");
+    return runIn(folder, command);
 }
 
 bool readsSound(const Example &example)
@@ -49,28 +38,23 @@ TEST(Examples, StandForAllFamilies)
     for (const auto &entry : fs::directory_iterator(PROJECT_SOURCE_DIR "/src"))
         if (entry.is_directory() && entry.path().filename() != "common" &&
             entry.path().filename() != "platform")
-            families.push_back(entry.path().filename());
+            families.push_back(entry.path().filename().string());
     std::sort(families.begin(), families.end());
     EXPECT_EQ(names, families);
 }
 
 TEST(Examples, WriteWhatTheirCommentSays)
 {
-    for (const auto &example : examples()) {
-        const support::Folder folder;
-        fill(folder);
-        ASSERT_NE(example.command, "") << example.name;
-        const support::Outcome outcome = runIn(folder, example.command);
-        EXPECT_EQ(outcome.status, 0) << example.name;
-        EXPECT_EQ(outcome.out, example.output) << example.name;
-        EXPECT_EQ(outcome.err, "") << example.name;
-    }
+    for (const auto &example : examples())
+        if (example.name !=
+            "noisesup") // which has a test of its own, since not every system has what it needs
+            expectItsOutput(example);
 }
 
 TEST(Examples, SayWhatTheyTakeWhereASoundIsMissingOrNone)
 {
     const support::Folder folder;
-    fill(folder);
+    writeSounds(folder);
     support::writeFile(folder / "text.wav", "no sound");
     for (const auto &example : examples()) {
         if (!readsSound(example))
@@ -92,7 +76,7 @@ TEST(Examples, SayWhatTheyTakeWhereASoundIsMissingOrNone)
 TEST(Examples, SayWhatTheyTakeWhereTheirOutputCannotBeWritten)
 {
     const support::Folder folder;
-    fill(folder);
+    writeSounds(folder);
     size_t count = 0;
     for (const auto &example : examples()) {
         if (!writesSound(example))

@@ -9,6 +9,8 @@
 #include "support/program.h"
 #include "support/recording.h"
 
+#include <gtest/gtest.h>
+
 #include <algorithm>
 #include <functional>
 #include <sstream>
@@ -22,7 +24,7 @@ struct Example {
 
 inline Example readExample(const std::filesystem::path &path)
 {
-    Example example{path.stem(), "", "", ""};
+    Example example{path.stem().string(), "", "", ""};
     std::istringstream lines(support::readFile(path));
     bool atEnd = false;
     for (std::string line; std::getline(lines, line);) {
@@ -73,7 +75,44 @@ inline std::vector<float> stringTone()
 // Puts the sounds that the commands name into a folder.
 inline void writeSounds(const support::Folder &folder)
 {
-    std::filesystem::create_symlink(support::recordingPath(), folder / "Front_Center.wav");
+    std::filesystem::copy(support::recordingPath(), folder / "Front_Center.wav");
     writeSound(folder / "pair.wav", voiceTwice(), {.channels = 2});
     writeSound(folder / "string.wav", stringTone());
+}
+
+// Lines end as the system ends them.
+inline std::string lines(std::string text)
+{
+    std::erase(text, '\r');
+    return text;
+}
+
+// Runs a command of a comment: programs in the folder of the examples, "./NAME ARGUMENT...", one after the other where
+// " && " stands between.
+inline support::Outcome runIn(const support::Folder &folder, const std::string &command)
+{
+    support::Outcome all{0, "", ""};
+    std::istringstream words(command + " &&");
+    std::vector<std::string> call;
+    for (std::string word; words >> word && all.status == 0;) {
+        if (word != "&&") {
+            call.push_back(call.empty() ? PROGRAMS + word.substr(1) : word);
+            continue;
+        }
+        const support::Outcome outcome = support::run(call, folder);
+        all = {outcome.status, all.out + lines(outcome.out), all.err + lines(outcome.err)};
+        call.clear();
+    }
+    return all;
+}
+
+inline void expectItsOutput(const Example &example)
+{
+    const support::Folder folder;
+    writeSounds(folder);
+    ASSERT_NE(example.command, "") << example.name;
+    const support::Outcome outcome = runIn(folder, example.command);
+    EXPECT_EQ(outcome.status, 0) << example.name;
+    EXPECT_EQ(outcome.out, example.output) << example.name;
+    EXPECT_EQ(outcome.err, "") << example.name;
 }
