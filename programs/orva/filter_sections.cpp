@@ -1,9 +1,8 @@
 #include "filter_sections.h"
 
 #include "failure.h"
-#include "filter_from.h"
-
 #include "filter/ORVAfilter_internal.h"
+#include "filter_from.h"
 
 #include <kett/KTstring.h>
 #include <orva/ORVAversion.h>
