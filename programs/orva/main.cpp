@@ -1,15 +1,13 @@
 // The program orva: finds the command, checks how it is used, runs it, and tells in one line why it gave up.
-#include "command.h"
 #include "failure.h"
 #include "library_message.h"
+#include "program.h"
 #include "replacement.h"
 #include "suggestion.h"
 
 extern "C" {
 #include "common/messages.h"
 }
-
-#include <orva/ORVAversion.h>
 
 #include <cerrno>
 #include <cstdio>
@@ -85,22 +83,8 @@ int tell(const std::string &command, const Failure &failure)
 
 int run(int count, char **words)
 {
-    CLI::App program("Runs the routines of liborva on sound files.", "orva");
-    program.set_version_flag("--version", ORVAVERSION_String(), "Print the version");
-    program.require_subcommand(1);
-    program.get_formatter()->column_width(28);
-    addInfo(program);
-    addDelay(program);
-    addFilter(program);
-    addResample(program);
-    addResponse(program);
-    addSpectrogram(program);
-    addStretch(program);
-    addTwice(program);
-    program.footer(
-        "Each command has its own help, with examples: orva COMMAND --help\n"
-        "A sound file named - is standard input or output. Exit status: 0, 1 if it did not work, 2 if it was "
-        "used wrongly.");
+    CLI::App program("", "orva");
+    addCommands(program);
 
     std::string name = "orva";
     try {

@@ -1,0 +1,30 @@
+#include "program.h"
+
+#include "command.h"
+
+#include <orva/ORVAversion.h>
+
+namespace orva
+{
+
+void addCommands(CLI::App &program)
+{
+    program.description("Runs the routines of liborva on sound files.");
+    program.set_version_flag("--version", ORVAVERSION_String(), "Print the version");
+    program.require_subcommand(1);
+    program.get_formatter()->column_width(28);
+    addInfo(program);
+    addSpectrogram(program);
+    addFilter(program);
+    addResponse(program);
+    addResample(program);
+    addStretch(program);
+    addDelay(program);
+    addTwice(program);
+    program.footer(
+        "Each command has its own help, with examples: orva COMMAND --help\n"
+        "A sound file named - is standard input or output. Exit status: 0, 1 if it did not work, 2 if it was "
+        "used wrongly.");
+}
+
+} // namespace orva

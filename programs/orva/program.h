@@ -1,0 +1,12 @@
+// The program as its commands and options make it.
+#pragma once
+
+#include <CLI/CLI.hpp>
+
+namespace orva
+{
+
+// Gives the program its description and all of its commands.
+void addCommands(CLI::App &program);
+
+} // namespace orva
