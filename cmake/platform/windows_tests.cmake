@@ -1,9 +1,6 @@
 # What tests are told on Windows, and which of them cannot run there.
 target_compile_definitions(orva_test_options INTERFACE _USE_MATH_DEFINES)
 target_link_options(orva_test_options INTERFACE -Wl,--undefined=hypot)    # as the library has it
-# What GCC warns of in standard templates that it has read once for all tests, so that they are no system headers to it.
-target_compile_options(orva_test_options INTERFACE
-    "$<$<COMPILE_LANG_AND_ID:CXX,GNU>:-Wno-array-bounds;-Wno-restrict;-Wno-stringop-overflow;-Wno-stringop-overread>")
 
 orva_leave_out(interposer "work by standing between a program and the C library, which a DLL takes by name")
 orva_leave_out(strace "watch system calls of Linux")
