@@ -6,9 +6,13 @@
 namespace orva
 {
 
+void addCurve(CLI::App &program);
 void addDelay(CLI::App &program);
+void addDenoise(CLI::App &program);
 void addFilter(CLI::App &program);
 void addInfo(CLI::App &program);
+void addLapped(CLI::App &program);
+void addMeasures(CLI::App &program);
 void addResample(CLI::App &program);
 void addResponse(CLI::App &program);
 void addSpectrogram(CLI::App &program);

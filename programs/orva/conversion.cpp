@@ -62,7 +62,7 @@ int64_t framesAt(int64_t frames, int from, int to)
     return (frames * to + from - 1) / from;
 }
 
-void convert(std::vector<Converter> &converters, SoundInput &input, SoundOutput &output, int rate,
+void convert(std::vector<Converter> &converters, SoundInput &input, const ConvertedFrames &take, int rate,
              bool progress)
 {
     const int from = input.info.samplerate;
@@ -74,15 +74,17 @@ void convert(std::vector<Converter> &converters, SoundInput &input, SoundOutput 
     const auto length = static_cast<size_t>(block);
     Buffers buffers{std::vector<float>(length * channels), std::vector<float>(length),
                     std::vector<float>(room), std::vector<float>(room * channels)};
+    int64_t given = 0;
     while (const int64_t count = readSound(input, buffers.in.data(), block)) {
         const int32_t written = convertBlock(converters, buffers, static_cast<int32_t>(count), 0);
-        output.write(buffers.out.data(), written);
+        take(buffers.out.data(), written);
+        given += written;
         if (progress && input.length > 0)
             progressShow(input.position, input.length);
     }
-    const int64_t due = framesAt(input.position, from, rate) - output.framesWritten();
+    const int64_t due = framesAt(input.position, from, rate) - given;
     if (due > 0)
-        output.write(buffers.out.data(), convertBlock(converters, buffers, 0, static_cast<int32_t>(due)));
+        take(buffers.out.data(), convertBlock(converters, buffers, 0, static_cast<int32_t>(due)));
 }
 
 } // namespace orva

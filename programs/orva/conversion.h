@@ -5,6 +5,7 @@
 
 #include <orva/ORVAresample.h>
 
+#include <functional>
 #include <memory>
 #include <string>
 #include <vector>
@@ -32,9 +33,12 @@ std::vector<Converter> makeConverters(const SoundInput &input, const ConverterOp
 // The frames that so many become: as long, rounded up.
 int64_t framesAt(int64_t frames, int from, int to);
 
+// Takes frames at the new rate, channels interleaved.
+using ConvertedFrames = std::function<void(const float *frames, int64_t count)>;
+
 // Sends the sound through, block by block, and after it as much of the filter's tail as belongs to it. Shows how far it is
 // if asked to.
-void convert(std::vector<Converter> &converters, SoundInput &input, SoundOutput &output, int rate,
+void convert(std::vector<Converter> &converters, SoundInput &input, const ConvertedFrames &take, int rate,
              bool progress);
 
 } // namespace orva

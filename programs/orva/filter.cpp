@@ -62,12 +62,7 @@ void addFilter(CLI::App &program)
     CLI::App *command =
         program.add_subcommand("filter", "Run a sound through a filter that a line of text tells");
     auto options = std::make_shared<Options>();
-    command->add_option("input", options->input, "Sound file; - is standard input")
-        ->required()
-        ->type_name("FILE");
-    command->add_option("output", options->output, "Sound file; - is standard output")
-        ->required()
-        ->type_name("FILE");
+    addInputAndOutput(*command, options->input, options->output);
     command->add_option("text", options->text, "The filter: a design with edges in Hz, or numbers")
         ->required()
         ->type_name("TEXT");

@@ -20,6 +20,10 @@ void addCommands(CLI::App &program)
     addResample(program);
     addStretch(program);
     addDelay(program);
+    addMeasures(program);
+    addDenoise(program);
+    addLapped(program);
+    addCurve(program);
     addTwice(program);
     program.footer(
         "Each command has its own help, with examples: orva COMMAND --help\n"

@@ -47,7 +47,8 @@ std::string resample(const std::string &from, const std::string &to, const Optio
     auto converters = makeConverters(input, options.converter);
     SoundOutput output(to, options.output, input, rate,
                        input.length < 0 ? -1 : framesAt(input.length, old, rate));
-    convert(converters, input, output, rate, progress);
+    const auto write = [&](const float *frames, int64_t count) { output.write(frames, count); };
+    convert(converters, input, write, rate, progress);
     if (progress)
         progressClear();
     if (input.position == 0)

@@ -68,6 +68,12 @@ void addRaw(CLI::App &command, RawFormat &raw, const std::string &description)
 
 } // namespace
 
+void addInputAndOutput(CLI::App &command, std::string &input, std::string &output)
+{
+    command.add_option("input", input, "Sound file; - is standard input")->required()->type_name("FILE");
+    command.add_option("output", output, "Sound file; - is standard output")->required()->type_name("FILE");
+}
+
 void addInputOptions(CLI::App &command, RawFormat &raw)
 {
     addRaw(command, raw,

@@ -9,6 +9,9 @@
 namespace orva
 {
 
+// The sound that a command reads and the one that it writes, which come first.
+void addInputAndOutput(CLI::App &command, std::string &input, std::string &output);
+
 // --raw for commands that read sound.
 void addInputOptions(CLI::App &command, RawFormat &raw);
 

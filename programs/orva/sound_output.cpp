@@ -80,20 +80,20 @@ SoundOutput::SoundOutput(const std::string &path, const OutputOptions &how, cons
     const bool raw = path == "-" && how.raw.format != 0;
     info.format = raw ? how.raw.format : formatFor(path, how.as, info);
     factor = static_cast<float>(std::pow(10.0, how.gain / 20));
+    const double ratio = static_cast<double>(rate) / like.info.samplerate;
     if (path == "-" || isStream(path)) {
         stream.descriptor = path == "-" ? dup(STDOUT_FILENO) : open(path.c_str(), O_WRONLY | O_CLOEXEC);
         if (stream.descriptor < 0)
             fail(name + ": " + std::strerror(errno));
         if (path == "-" && isatty(stream.descriptor) != 0)
             failUse("standard output is a terminal; send the sound into a file or another program");
-        openStream(length);
+        openStream(length, metadataChunks(like.file.get(), ratio, longer));
     } else {
         replacement = std::make_unique<Replacement>(path);
         const int asked = info.format;
         info.format = withRoomFor(asked, length, info.channels);
         downgrade = info.format != asked;
     }
-    const double ratio = static_cast<double>(rate) / like.info.samplerate;
     if (file == nullptr)
         openFile(like, spool != nullptr ? fileno(spool) : replacement->descriptor());
     if (stream.descriptor < 0 || spool != nullptr)
@@ -110,12 +110,12 @@ SoundOutput::~SoundOutput()
 }
 
 // Raw samples, alone or after the head of a WAV file, are written as they come; all else needs to go back.
-void SoundOutput::openStream(int64_t length)
+void SoundOutput::openStream(int64_t length, const std::string &told)
 {
     const int major = info.format & SF_FORMAT_TYPEMASK;
     const bool wav = (major == SF_FORMAT_WAV || major == SF_FORMAT_WAVEX) && bytesOfSample(info.format) > 0;
     if (wav) {
-        const std::string head = wavHead(info, length);
+        const std::string head = wavHead(info, length, told);
         const auto bytes = static_cast<sf_count_t>(head.size());
         if (streamWrite(head.data(), bytes, &stream) != bytes)
             failWriting();

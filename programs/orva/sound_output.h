@@ -56,7 +56,7 @@ public:
     }
 
 private:
-    void openStream(int64_t length);
+    void openStream(int64_t length, const std::string &told);
     void openFile(const SoundInput &like, int descriptor);
     void store(const float *samples, int64_t count);
     [[noreturn]] void failWriting() const;

@@ -206,12 +206,7 @@ void addStretch(CLI::App &program)
 {
     CLI::App *command = program.add_subcommand("stretch", "Play a sound faster or slower at the same pitch");
     auto options = std::make_shared<Options>();
-    command->add_option("input", options->input, "Sound file; - is standard input")
-        ->required()
-        ->type_name("FILE");
-    command->add_option("output", options->output, "Sound file; - is standard output")
-        ->required()
-        ->type_name("FILE");
+    addInputAndOutput(*command, options->input, options->output);
     command
         ->add_option(
             "-s,--speed", options->speed,

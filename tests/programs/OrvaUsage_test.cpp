@@ -44,8 +44,8 @@ TEST(OrvaUsage, HelpAndVersionGoToStandardOutput)
 TEST(OrvaUsage, EveryCommandHasHelpWithExamplesThatRun)
 {
     const auto names = commands();
-    ASSERT_THAT(names, testing::IsSupersetOf(
-                           {"delay", "filter", "info", "resample", "response", "stretch", "twice"}));
+    ASSERT_THAT(names, testing::IsSupersetOf({"curve", "delay", "denoise", "filter", "info", "lapped",
+                                              "measures", "resample", "response", "stretch", "twice"}));
     for (const auto &name : names) {
         const support::Folder folder;
         const support::Outcome outcome = orvaRun({name, "--help"}, folder);

@@ -1,19 +1,14 @@
-// The lapped program: the sound after the gate, the error that it tells, its picture, and what it refuses.
+// orva lapped: the sound after the gate, the error that it tells, its picture, and what it refuses.
+#include "drawing/colormap.h"
+#include "orva.h"
 #include "picture.h"
-#include "program.h"
-#include "refusals.h"
-#include "sounds.h"
-#include "support/random.h"
-#include "support/recording.h"
-
-extern "C" {
-#include "common/colormap.h"
-}
 
 #include <gtest/gtest.h>
 
 namespace
 {
+
+using orva::colormapColor;
 
 struct Lapped {
     SF_INFO info;
@@ -22,18 +17,20 @@ struct Lapped {
     double error;  // dB
 };
 
-Lapped lapped(const std::string &input, const std::string &config, const support::Folder &folder)
+Lapped lapped(const std::string &input, const std::vector<std::string> &how, const support::Folder &folder)
 {
-    const auto outcome = runProgram("lapped", {input, "out.wav", "out.png", config}, folder);
+    std::vector<std::string> words{"lapped", input, "out.wav", "--picture=out.png"};
+    words.insert(words.end(), how.begin(), how.end());
+    const auto outcome = orvaRun(words, folder);
     EXPECT_EQ(outcome.status, 0) << outcome.err;
     EXPECT_EQ(outcome.err, "");
     Lapped result{};
-    const char *line = outcome.out.c_str();
-    EXPECT_EQ(std::sscanf(line + outcome.out.find("gate: "),
-                          "gate: %lf %% of the coefficients; error without it: %lf", &result.passed,
-                          &result.error),
-              2)
-        << line;
+    EXPECT_EQ(
+        std::sscanf(outcome.out.c_str(),
+                    "out.wav: %*f s, through the gate: %lf %% of the coefficients; error without it: %lf",
+                    &result.passed, &result.error),
+        2)
+        << outcome.out;
     result.samples = support::readSamples(folder / "out.wav", result.info);
     return result;
 }
@@ -52,7 +49,7 @@ double amplitude(const std::vector<float> &samples, double hertz, double rate = 
 
 } // namespace
 
-TEST(LappedProgram, AnOpenGateGivesEverySampleOfEveryChannelBackAtItsPlace)
+TEST(OrvaLapped, AnOpenGateGivesEverySampleOfEveryChannelBackAtItsPlace)
 {
     support::Random random;
     for (const size_t frames : {1, 511, 512, 513, 5000})
@@ -60,7 +57,7 @@ TEST(LappedProgram, AnOpenGateGivesEverySampleOfEveryChannelBackAtItsPlace)
             const support::Folder folder;
             const auto samples = random.noise(frames * static_cast<size_t>(channels));
             writeSound(folder / "in.wav", samples, {.rate = 44100, .channels = channels});
-            const Lapped result = lapped("in.wav", "gate=-300", folder);
+            const Lapped result = lapped("in.wav", {"--gate=-300"}, folder);
             EXPECT_EQ(result.info.channels, channels);
             EXPECT_EQ(result.info.samplerate, 44100);
             ASSERT_EQ(result.samples.size(), samples.size());
@@ -69,18 +66,18 @@ TEST(LappedProgram, AnOpenGateGivesEverySampleOfEveryChannelBackAtItsPlace)
         }
 }
 
-TEST(LappedProgram, TellsTheErrorOfTheTransformWhereFourDividesTheBlockAndWhereNot)
+TEST(OrvaLapped, TellsTheErrorOfTheTransformWhereFourDividesTheBlockAndWhereNot)
 {
     const support::Folder folder;
     support::Random random;
     writeSound(folder / "noise.wav", random.noise(12000));
     for (const int block : {4, 12, 512, 1000, 65536})
-        EXPECT_LT(lapped("noise.wav", "block=" + std::to_string(block), folder).error, -130) << block;
+        EXPECT_LT(lapped("noise.wav", {"--block=" + std::to_string(block)}, folder).error, -130) << block;
     for (const int block : {1, 2, 3, 510})
-        EXPECT_GT(lapped("noise.wav", "block=" + std::to_string(block), folder).error, -60) << block;
+        EXPECT_GT(lapped("noise.wav", {"--block=" + std::to_string(block)}, folder).error, -60) << block;
 }
 
-TEST(LappedProgram, TheGateTakesAwayWhatIsFaintAndLeavesTheRest)
+TEST(OrvaLapped, TheGateTakesAwayWhatIsFaintAndLeavesTheRest)
 {
     const support::Folder folder;
     auto samples = sine(3000, 0.25, 48000);        // -12 dB
@@ -88,12 +85,12 @@ TEST(LappedProgram, TheGateTakesAwayWhatIsFaintAndLeavesTheRest)
     for (size_t i = 0; i < samples.size(); ++i)
         samples[i] += faint[i];
     writeSound(folder / "in.wav", samples);
-    const Lapped closed = lapped("in.wav", "block=512; gate=-60", folder);
+    const Lapped closed = lapped("in.wav", {"--block=512", "--gate=-60"}, folder);
     const Picture picture = readPicture(folder / "out.png");
     EXPECT_NEAR(amplitude(closed.samples, 3000), 0.25, 0.001);
     EXPECT_LT(amplitude(closed.samples, 12000), 0.00002);
-    EXPECT_NEAR(amplitude(lapped("in.wav", "block=512; gate=-72", folder).samples, 12000), 0.0005, 0.00002);
-    EXPECT_EQ(lapped("in.wav", "block=512; gate=-6", folder).passed, 0);
+    EXPECT_NEAR(amplitude(lapped("in.wav", {"--gate=-72"}, folder).samples, 12000), 0.0005, 0.00002);
+    EXPECT_EQ(lapped("in.wav", {"--gate=-6"}, folder).passed, 0);
 
     // Two panels of 804 by 230 points; 12 kHz is half their height, and -66 dB 0.34 of the colour scale.
     constexpr int x = 84 + 402, before = 72 + 115, after = 72 + 230 + 66 + 115;
@@ -104,37 +101,33 @@ TEST(LappedProgram, TheGateTakesAwayWhatIsFaintAndLeavesTheRest)
         EXPECT_LE(distance(picture.at(x, top + 230 - 29), colormapColor(0.88)), 12);
 }
 
-TEST(LappedProgram, WorksOnSilence)
+TEST(OrvaLapped, WorksOnSilence)
 {
     const support::Folder folder;
     writeSound(folder / "silent.wav", std::vector<float>(1000, 0.0f));
-    const Lapped result = lapped("silent.wav", "block=64", folder);
+    const Lapped result = lapped("silent.wav", {"--block=64"}, folder);
     EXPECT_EQ(result.samples, std::vector<float>(1000, 0.0f));
     EXPECT_EQ(result.passed, 0);
     EXPECT_EQ(result.error, -HUGE_VAL);
 }
 
-TEST(LappedProgram, RefusesWithOneLineAndWritesNothing)
+TEST(OrvaLapped, RefusesInOneLineAndWritesNothing)
 {
-    const std::string usage = "usage: lapped SOUND OUTPUT.wav PICTURE.png [\"block=N; gate=DB\"]";
-    const std::vector<Refusal> cases = {
-        {{}, usage},
-        {{"voice.wav", "old.wav"}, usage},
-        {{"voice.wav", "old.wav", "old.png", "block=512", "x"}, usage},
-        {{"missing.wav", "old.wav", "old.png"}, "missing.wav: No such file or directory"},
-        {{"none.wav", "old.wav", "old.png"}, "none.wav: holds no samples"},
-        {{"voice.wav", "new.mp3", "new.png"}, "new.mp3: the name of this file must end in .wav"},
-        {{"voice.wav", "folder.wav", "new.png"}, "folder.wav: is not an ordinary file"},
-        {{"voice.wav", "old.wav", "new.jpg"}, "new.jpg: the name of this file must end in .png"},
-        {{"voice.wav", "old.wav", "nowhere/new.png"}, "nowhere/new.png: No such file or directory"},
-        {{"voice.wav", "old.wav", "old.png", "block=0"},
-         "configuration: block=0 is not a whole number from 1 to 65536"},
-        {{"voice.wav", "old.wav", "old.png", "block=65537"},
-         "configuration: block=65537 is not a whole number from 1 to 65536"},
-        {{"voice.wav", "old.wav", "old.png", "gate=soft"},
-         "configuration: gate=soft is not a number from -300 to 300"},
-        {{"voice.wav", "old.wav", "old.png", "hop=1"},
-         "configuration: unknown key \"hop\"; the keys are block, gate"},
+    const support::Folder folder;
+    putVoice(folder);
+    const struct {
+        std::vector<std::string> words;
+        int status;
+        const char *says;
+    } cases[] = {
+        {{"lapped", "voice.wav"}, 2, "orva lapped: output is required; see 'orva lapped --help'"},
+        {{"lapped", "voice.wav", "o.wav", "--block=0"},
+         2,
+         "orva lapped: --block: Value 0 not in range 1 to 65536; see 'orva lapped --help'"},
+        {{"lapped", "voice.wav", "o.wav", "--gate=-301"},
+         2,
+         "orva lapped: --gate: Value -301 not in range -300.000000 to 300.000000; see 'orva lapped --help'"},
     };
-    expectRefusals("lapped", cases);
+    for (const auto &[words, status, says] : cases)
+        expectRefused(words, folder, status, says);
 }
