@@ -3,6 +3,7 @@
 #   liborva-dev    headers, link names, CMake package, pkg-config files, static libraries
 #   liborva-doc    the HTML reference
 #   python3-orva   the package for Python
+#   orva-tools     the program orva, where the programs are built
 set(ORVA_STATIC_BUILD "" CACHE PATH
     "Build with static libraries that goes into the packages; makes this build ready to be packed")
 if(NOT ORVA_STATIC_BUILD)
@@ -48,6 +49,9 @@ if(CMAKE_CROSSCOMPILING)                                  # what is for all proc
     set(CPACK_ORVA_SYSROOT ${CMAKE_SYSROOT})
 else()
     list(APPEND CPACK_COMPONENTS_SHARED documentation python)
+endif()
+if(TARGET orva_command)
+    list(APPEND CPACK_COMPONENTS_SHARED tools)
 endif()
 set(CPACK_COMPONENTS_STATIC archives)
 set(CPACK_INSTALL_CMAKE_PROJECTS
@@ -108,8 +112,18 @@ string(JOIN ", " CPACK_DEBIAN_PYTHON_PACKAGE_DEPENDS
 set(CPACK_DEBIAN_PYTHON_PACKAGE_RECOMMENDS python3-soundfile)
 install(DIRECTORY build/python/ DESTINATION lib/python3/dist-packages COMPONENT python)     # a wheel, by script/package
 
+set(CPACK_DEBIAN_TOOLS_PACKAGE_NAME orva-tools)
+set(CPACK_DEBIAN_TOOLS_PACKAGE_SECTION sound)
+set(CPACK_DEBIAN_TOOLS_DESCRIPTION "audio signal processing routines at the command line
+${about}
+This package has the program orva, which runs these routines on sound files and
+draws what they do.")
+
 include(CPack)
 orva_package(library ${CPACK_DEBIAN_LIBRARY_PACKAGE_NAME} runtime)
 orva_package(dev liborva-dev development archives)
 orva_package(doc liborva-doc documentation)
 orva_package(python python3-orva python)
+if(TARGET orva_command)
+    orva_package(tools orva-tools tools)
+endif()

@@ -46,7 +46,12 @@ std::set<std::string> filesOf(const std::string &package)
     for (std::string line; std::getline(lines, line);) {
         const bool isFolder = line[0] == 'd';
         const bool isLink = line[0] == 'l';
-        EXPECT_EQ(line.substr(0, 10), isFolder ? "drwxr-xr-x" : isLink ? "lrwxrwxrwx" : "-rw-r--r--") << line;
+        const bool isProgram = line.find(" ./usr/bin/") != std::string::npos;
+        EXPECT_EQ(line.substr(0, 10), isFolder    ? "drwxr-xr-x"
+                                      : isLink    ? "lrwxrwxrwx"
+                                      : isProgram ? "-rwxr-xr-x"
+                                                  : "-rw-r--r--")
+            << line;
         EXPECT_NE(line.find(" root/root "), std::string::npos) << line;
         const std::string path = line.substr(line.find(" ./") + 3);
         if (!isFolder && path.find("/html/") == std::string::npos && !path.starts_with("usr/include/"))
@@ -85,14 +90,15 @@ struct Root {
 
 } // namespace
 
-TEST(DebianPackages, AreFour)
+TEST(DebianPackages, AreFive)
 {
     std::set<std::string> names;
     for (const auto &[name, file] : packages()) {
         names.insert(name);
         EXPECT_EQ(field(file, "Version"), "3.7.18-1");
     }
-    EXPECT_EQ(names, (std::set<std::string>{"liborva-dev", "liborva-doc", "liborva3", "python3-orva"}));
+    EXPECT_EQ(names, (std::set<std::string>{"liborva-dev", "liborva-doc", "liborva3", "orva-tools",
+                                            "python3-orva"}));
 }
 
 TEST(DebianPackages, HoldWhatBelongsInThem)
@@ -114,6 +120,11 @@ TEST(DebianPackages, HoldWhatBelongsInThem)
     EXPECT_EQ(filesOf(packages()["liborva-dev"]), expected);
 
     EXPECT_EQ(filesOf(packages()["liborva-doc"]), documentsOf("liborva-doc"));
+
+    const auto tools = filesOf(packages()["orva-tools"]);
+    for (const char *name : {"usr/bin/orva", "usr/share/bash-completion/completions/orva",
+                             "usr/share/man/man1/orva.1.gz", "usr/share/man/man1/orva-spectrogram.1.gz"})
+        EXPECT_EQ(tools.count(name), 1U) << name;
     const Root root;
     EXPECT_TRUE(fs::exists(root.folder / "usr/share/doc/liborva-doc/html/index.html"));
     EXPECT_TRUE(fs::exists(root.folder / "usr/include/orva/orva.h"));
@@ -130,6 +141,10 @@ TEST(DebianPackages, AskForWhatTheyNeed)
     EXPECT_EQ(field(packages()["liborva-dev"], "Depends"),
               "liborva3 (= 3.7.18-1), libfftw3-dev, libwebrtc-audio-processing-dev, "
               "libstdc++-12-dev | libstdc++-dev");
+    const std::string tools = field(packages()["orva-tools"], "Depends");
+    EXPECT_TRUE(tools.starts_with("liborva3 (= 3.7.18-1), ")) << tools;
+    for (const char *package : {"libc6 (", "libcairo2 (", "libsndfile1 ("})
+        EXPECT_NE(tools.find(package), std::string::npos) << package << " is not in " << tools;
     EXPECT_EQ(field(packages()["liborva-doc"], "Depends"), "");
     EXPECT_EQ(field(packages()["liborva-doc"], "Architecture"), "all");
 }
