@@ -161,7 +161,7 @@ template <class Sum, bool isEdge, From from, int32_t groups>
             for (int32_t v = 0; v < vectors; ++v) {
                 const Doubles next = Sum::add(s.sum[g][v], c[b][v] * sample);
                 if constexpr (isEdge)
-                    s.sum[g][v] = (h[b][v] >= 0) & (h[b][v] < end) ? next : s.sum[g][v];
+                    s.sum[g][v] = ((h[b][v] >= 0) & (h[b][v] < end)) ? next : s.sum[g][v];
                 else
                     s.sum[g][v] = next;
             }
