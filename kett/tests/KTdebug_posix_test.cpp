@@ -1,4 +1,5 @@
 // The log where a signal breaks off a write, and for a format that is refused.
+#include "KTdebug_pipe.h"
 #include "support/log.h"
 
 #include <kett/KTdebug.h>
@@ -55,48 +56,6 @@ TEST(DebugDefaultSink, WritesAgainAfterASignal)
     EXPECT_EQ(all, filling + "after the signal");
 }
 
-namespace
-{
-
-// Standard error as a pipe that is full, as long as it lives.
-class FullPipe
-{
-public:
-    FullPipe() : before(dup(STDERR_FILENO))
-    {
-        EXPECT_EQ(pipe(ends), 0);
-        dup2(ends[1], STDERR_FILENO);
-        close(ends[1]);
-        const std::string filling(65536, '.');
-        EXPECT_EQ(write(STDERR_FILENO, filling.data(), filling.size()), 65536);
-    }
-
-    ~FullPipe()
-    {
-        dup2(before, STDERR_FILENO);
-        close(before);
-        close(ends[0]);
-    }
-
-    FullPipe(const FullPipe &) = delete;
-    FullPipe &operator=(const FullPipe &) = delete;
-
-    // What a reader takes out of it now.
-    std::string taken() const
-    {
-        std::string all(1 << 20, 0);
-        all.resize(static_cast<size_t>(read(ends[0], all.data(), all.size())));
-        return all;
-    }
-
-    int ends[2];
-
-private:
-    const int before;
-};
-
-} // namespace
-
 TEST(DebugDefaultSink, AClosedPipeDoesNotEndTheProcess)
 {
     FullPipe full;
@@ -143,33 +102,6 @@ TEST(DebugDefaultSink, AFullPipeHoldsUpOneMessageForASecondAndNoneForEver)
     EXPECT_EQ(full.taken(), std::string(10000, 'x'));
     KTDEBUG_Log(-1, "%s", std::string(100000, 'x').c_str()); // more than there is room for
     EXPECT_LT(full.taken().size(), 100000u);
-    alarm(0);
-}
-
-// It is cancelled as soon as it has left the log, whose lock it gives back.
-TEST(DebugDefaultSink, ACancelledThreadKeepsNoLock)
-{
-    const FullPipe full;
-    alarm(60);
-    std::atomic<bool> isLogging = false;
-    std::atomic<bool> isBack = false;
-    std::thread cancelled([&] {
-        isLogging = true;
-        KTDEBUG_Log(-1, "from a thread that is cancelled");
-        isBack = true;
-        pthread_testcancel();
-        ADD_FAILURE() << "cancelled before";
-    });
-    while (!isLogging)
-        std::this_thread::yield();
-    std::this_thread::sleep_for(std::chrono::milliseconds(50));
-    pthread_cancel(cancelled.native_handle());
-    full.taken();
-    cancelled.join();
-    EXPECT_TRUE(isBack);
-    EXPECT_EQ(full.taken(), "from a thread that is cancelled");
-    KTDEBUG_Log(-1, "from another");
-    EXPECT_EQ(full.taken(), "from another");
     alarm(0);
 }
 
