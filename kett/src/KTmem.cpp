@@ -26,7 +26,8 @@ struct KT_MEM {
     uint64_t blockCount;
     uint64_t byteCount; // as asked for
     KT_MEM *nextShown;  // in the list of shown descriptors
-    KT_MEM **shownLink; // what points to it there; null for one that was not shown
+    KT_MEM **shownLink; // what points to it there, which its neighbours change under the lock
+    bool isShown;       // whether it is there, which its own thread alone reads and writes
 };
 
 namespace kett
@@ -108,7 +109,7 @@ int32_t KTMEM_DisposeMemDescr(KT_MEM *memory)
 {
     if (memory == nullptr)
         return 0;
-    if (memory->shownLink != nullptr) {
+    if (memory->isShown) {
         const Hold hold(Data::descriptors);
         *memory->shownLink = memory->nextShown;
         if (memory->nextShown != nullptr)
@@ -127,8 +128,9 @@ void KTMEM_DisplayMemDescr(KT_MEM *memory)
                     static_cast<unsigned long long>(memory->blockCount),
                     static_cast<unsigned long long>(memory->byteCount));
     }
-    if (memory->shownLink != nullptr)
+    if (memory->isShown)
         return;
+    memory->isShown = true;
     const Hold hold(Data::descriptors);
     memory->nextShown = shownDescriptors;
     memory->shownLink = &shownDescriptors;
