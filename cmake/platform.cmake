@@ -1,5 +1,5 @@
 # ORVA_PLATFORM: the kind of system that both libraries are built for. All that is written for one kind stands in
-# kett/src/platform/<kind>/, kett/shared/platform/<kind>/ and src/platform/<kind>/, behind the headers of the folder above,
+# kett/src/platform/<kind>/, kett/twice/platform/<kind>/ and src/platform/<kind>/, behind the headers of the folder above,
 # and in cmake/platform/<kind>.cmake, which adds to the options of compiler and linker and defines:
 #   export_only(<target> <list> <node>)     the library <target> shows the names in the file <list> and nothing else, a
 #                                           shared one under the version node <node> where there are such. The list holds

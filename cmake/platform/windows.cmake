@@ -16,7 +16,7 @@ target_link_options(orva_compile_options INTERFACE
 set(CMAKE_RUNTIME_OUTPUT_DIRECTORY ${PROJECT_BINARY_DIR}/bin)
 
 # The formatter, which is linked in from MinGW-w64, asks one function for the decimal sign: ours, from
-# kett/shared/platform/windows/locale.cpp.
+# kett/twice/platform/windows/locale.cpp.
 target_link_options(orva_library_options INTERFACE -Wl,--wrap=localeconv)
 
 # export_only(<target> <list> <node>): there are no version nodes.

@@ -148,7 +148,7 @@ void addIncludes(const fs::path &file, std::set<fs::path> &seen, std::set<std::s
         return;
     const fs::path source(SOURCE_DIR);
     const fs::path folders[] = {file.parent_path(), source / "tests",    source / "tests/platform/posix",
-                                source / "src",     source / "kett/src", source / "kett/shared",
+                                source / "src",     source / "kett/src", source / "kett/twice",
                                 source / "programs"};
     std::ifstream text(file);
     for (std::string line; std::getline(text, line);) {
