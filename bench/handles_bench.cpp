@@ -45,12 +45,25 @@ using Lapped = Owned<ORVA_FMCLT, ORVA_FMCLTProcDestroy>;
 using Suppressor = Owned<ORVA_NOISESUP, ORVA_DestroyNoiseSup>;
 using Soxr = Owned<soxr, soxr_delete>;
 
+Plan barePlan()
+{
+    AlignedFloats input = alignedFloats(1024), output = alignedFloats(1026);
+    return Plan(fftwf_plan_dft_r2c_1d(1024, input.get(), complexOf(output.get()), FFTW_ESTIMATE));
+}
+
 void addPlans()
 {
-    add("transform, N 1024/orva", [] { return Transform(ORVA_FFTProcCreate(1024)); });
-    add("transform, N 1024/bare", [] {
-        AlignedFloats input = alignedFloats(1024), output = alignedFloats(1026);
-        return Plan(fftwf_plan_dft_r2c_1d(1024, input.get(), complexOf(output.get()), FFTW_ESTIMATE));
+    const auto transform = [] { return Transform(ORVA_FFTProcCreate(1024)); };
+    add("transform, N 1024/orva", transform);
+    add("transform, N 1024/bare", barePlan);
+    // As in a process that has neither a store nor had a plan of this length.
+    add("transform, N 1024, unknown to FFTW/orva", [=] {
+        fftwf_forget_wisdom();
+        return transform();
+    });
+    add("transform, N 1024, unknown to FFTW/bare", [] {
+        fftwf_forget_wisdom();
+        return barePlan();
     });
     add("correlation, L 1024/orva", [] { return Correlation(ORVA_XcorrProcCreate(1024, 1024)); });
     add("lapped transform, M 1024/orva", [] { return Lapped(ORVA_FMCLTProcCreate(1024)); });

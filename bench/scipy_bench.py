@@ -25,8 +25,8 @@ def cases():
     """Name, function without arguments, samples of a call."""
     for sections in (1, 4, 10):
         sos = numpy.tile(numpy.float32([0.3, 0.2, 0.1, 1, -0.94, 0.33]), (sections, 1))
-        yield (f"biquads, sections {sections}, channels 1, frames 1024/sosfilt", lambda x=noise(LONG), sos=sos: signal.sosfilt(sos, x),
-               LONG)
+        yield (f"biquads, sections {sections}, channels 1, frames 1024/sosfilt",
+               lambda x=noise(LONG), sos=sos: signal.sosfilt(sos, x), LONG)
     for channels in (1, 2, 6):
         b, a = numpy.full(9, 0.3, numpy.float32), numpy.float32([1] + [0.3 / 9] * 8)
         yield (f"direct form, order 8, channels {channels}, frames 1024/lfilter",

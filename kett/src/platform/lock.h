@@ -1,5 +1,5 @@
-// Locks, not recursive, and what waits under one. A SystemLock is unlocked from its beginning and needs no set-up, so that one in static
-// memory works from the first instant of a process to the last.
+// Locks, not recursive, and what waits under one. A SystemLock is unlocked from its beginning and needs no set-up, so that
+// one in static memory works from the first instant of a process to the last.
 #pragma once
 
 #include "system_records.h"
