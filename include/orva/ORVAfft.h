@@ -172,6 +172,7 @@ typedef struct ORVA_FFT ORVA_FFT;
  *
  *  It waits for a plan that another thread is making, of a large prime length for seconds.
  *
+ *  Memory: some ten bytes, beside what FFTW keeps for its plan; while it is made, 8 N bytes and the question to the heap.
  *  Threads: any, while the engine runs.   Real time: no (allocates, locks, plans, may read the wisdom store).
  */
 ORVA_API ORVA_FFT *ORVA_FFTProcCreate(int32_t length);

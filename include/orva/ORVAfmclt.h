@@ -48,6 +48,7 @@ typedef struct ORVA_FMCLT ORVA_FMCLT;
  *  @return             the processor, owned by the caller until ORVA_FMCLTProcDestroy(); null for any other length, when
  *                      memory is out and in a child of fork() that has lost FFTW's planner (orva/ORVAcore.h).
  *
+ *  Memory: a buffer of 2 M + 2 floats, beside what FFTW keeps for its three plans.
  *  Threads: any, but not between ORVA_FinalizeFFT() and a new ORVA_InitializeFFT().   Real time: no (allocates, plans under
  *  a lock).
  */

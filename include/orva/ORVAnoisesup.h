@@ -39,9 +39,11 @@ typedef struct ORVA_NOISESUP ORVA_NOISESUP;
  *                     WebRTC instance made for it, some ten kilobytes, is never freed: do not try out degrees this way.
  *  @return            the suppressor, owned by the caller until ORVA_DestroyNoiseSup(); null as told above, and without a
  *                     message when memory is out. On Windows null, too, with the error "ORVA_CreateNoiseSup:
- *                     libwebrtc_audio_processing-1.dll is missing beside liborva.", as long as it is. If the memory is out for the WebRTC library's own instance, that
- *                     library crashes.
+ *                     libwebrtc_audio_processing-1.dll is missing beside liborva.", as long as it is. If the memory is out
+ *                     for the WebRTC library's own instance, that library crashes.
  *
+ *  Memory: two frames of 16 bits, at 32000 Hz also two blocks of the band split, beside the WebRTC library's instance,
+ *  which is nearly all of it.
  *  Threads: any.   Real time: no (allocates).
  */
 ORVA_API ORVA_NOISESUP *ORVA_CreateNoiseSupEx(int32_t sampleRate, int32_t policy);

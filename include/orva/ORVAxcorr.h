@@ -41,6 +41,7 @@ typedef struct ORVA_XCORR ORVA_XCORR;
  *                  "ORVAXcorrProcCreate: Erro na alocacao dos vetores!\n" is logged. In a child of fork()
  *                  that has lost FFTW's planner (orva/ORVAcore.h), such a processor, too, without a message.
  *
+ *  Memory: two arrays of 2 L floats and two of L + 1 complex values, beside what FFTW keeps for its two plans.
  *  Threads: any, between ORVA_InitializeFFT() and ORVA_FinalizeFFT().   Real time: no (allocates, plans under
  *  a lock).
  */
