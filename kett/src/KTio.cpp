@@ -29,7 +29,7 @@ namespace kett
 namespace
 {
 
-constexpr int64_t daySeconds = 24 * 60 * 60;
+constexpr int64_t daySeconds = 86400;
 
 // In bytes; less than the most that one system call takes.
 constexpr uint64_t longestTransfer = uint64_t{1} << 30;

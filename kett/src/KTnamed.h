@@ -44,25 +44,31 @@ public:
     {
         *linkTo(record->name) = record->next;
         --count;
-        std::free(record->name);
-        std::free(record);
+        discard(record);
     }
 
     // Removes all, each after `release` has freed what it points to.
     template <class Release> void removeAll(Release release)
     {
         for (size_t i = 0; i < chainCount; ++i) {
-            while (chains[i] != nullptr) {
-                release(*chains[i]);
-                remove(chains[i]);
+            while (Record *record = chains[i]) {
+                chains[i] = record->next;
+                release(*record);
+                discard(record);
             }
         }
         std::free(chains);
         chains = nullptr;
-        chainCount = 0;
+        chainCount = count = 0;
     }
 
 private:
+    static void discard(Record *record)
+    {
+        std::free(record->name);
+        std::free(record);
+    }
+
     // FNV-1a
     static size_t hashOf(std::string_view name)
     {
