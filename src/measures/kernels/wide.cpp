@@ -13,7 +13,7 @@ int32_t crossings(const float *input, int32_t length)
 {
     Ints counts = {};
     int32_t i = 0;
-    for (; i < length - floatLanes; i += floatLanes)
+    for (; length - i > floatLanes; i += floatLanes) // of any length, the most negative one too
         counts -= load<Floats>(input + i) * load<Floats>(input + i + 1) < 0.0f;
     int32_t count = kernelsAt<MeasuresKernels, Level::plain>().crossings(input + i, length - i);
 #pragma GCC unroll 16

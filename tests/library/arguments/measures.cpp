@@ -48,7 +48,7 @@ const Row measures[] = {
     {"ORVASPLINE_Estimate",
      [](Walk &walk) {
          const int32_t n = points(walk);
-         const Walk::Use use = arrayOf(n - 1);
+         const Walk::Use use = n >= 2 ? Walk::neverNull : Walk::any;
          const float *const x = walk.in<float>(countOf(n), use);
          const float *const y = walk.in<float>(countOf(n), use);
          const float first = walk.real<float>();
