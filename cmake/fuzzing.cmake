@@ -11,8 +11,8 @@ endif()
 # orva_fuzz(<name> FAMILY <family> SOURCES <files> CORPUS <folder> [DICTIONARY <file>] [LIBRARIES <targets>])
 #
 # The SOURCES define LLVMFuzzerTestOneInput. In the preset 'fuzz' they are linked with libFuzzer to the program <name>,
-# which script/fuzz runs; in the others they make a test that runs each file of the corpus and, for two seconds, mutations
-# of them.
+# which script/fuzz runs; in the others they make a test that runs each file of the corpus and, for a second, mutations of
+# them.
 function(orva_fuzz name)
     cmake_parse_arguments(ARG "" "FAMILY;CORPUS;DICTIONARY" "SOURCES;LIBRARIES" ${ARGN})
     cmake_path(ABSOLUTE_PATH ARG_CORPUS)
@@ -31,11 +31,12 @@ function(orva_fuzz name)
             return()
         endif()
         add_executable(${name} ${ARG_SOURCES} ${PROJECT_SOURCE_DIR}/tests/support/fuzz_replay.cpp)
-        add_test(NAME ${name}.CorpusAndItsMutationsRun COMMAND ${name} ${ARG_CORPUS} 2)
+        add_test(NAME ${name}.CorpusAndItsMutationsRun COMMAND ${name} ${ARG_CORPUS} 1)
         set_tests_properties(${name}.CorpusAndItsMutationsRun PROPERTIES LABELS ${ARG_FAMILY} TIMEOUT 300)
         add_dependencies(tests ${name})
     else()
         return()
     endif()
-    target_link_libraries(${name} PRIVATE ${ARG_LIBRARIES} orva_compile_options)
+    target_include_directories(${name} PRIVATE ${PROJECT_SOURCE_DIR}/tests)    # whose plain forms they compare with
+    target_link_libraries(${name} PRIVATE ${ARG_LIBRARIES} $<TARGET_NAME_IF_EXISTS:GTest::gtest> orva_compile_options)
 endfunction()
