@@ -1,7 +1,9 @@
 // The commands of the program. Each adds itself with its options, its help and examples, and what is done when it is given.
 #pragma once
 
-#include <CLI/CLI.hpp>
+#include "options.h"
+
+#include <memory>
 
 namespace orva
 {

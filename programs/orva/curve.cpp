@@ -154,28 +154,26 @@ void run(const Options &options)
 
 void addCurve(CLI::App &program)
 {
-    CLI::App *command = program.add_subcommand(
-        "curve", "Draw a calibration, and the spectrum of a sound without and with it");
     auto options = std::make_shared<Options>();
-    command->add_option("input", options->input, "Sound file; - is standard input")
-        ->required()
-        ->type_name("FILE");
-    command
-        ->add_option("points", options->points,
-                     "The calibration: \"HZ DB; HZ DB; ...\", from 2 to 256 points")
-        ->required()
-        ->type_name("POINTS");
-    command->add_option("picture", options->picture.path, "PNG, SVG or PDF of the curve and both spectra")
-        ->type_name("PICTURE");
-    addPictureOptions(*command, options->picture);
-    addInputOptions(*command, options->raw);
-    command->footer("Through the points runs a cubic spline over the logarithm of the frequency, natural at "
-                    "both ends. Outside\n"
-                    "of them it would run away; the gain at the end stays.\n\n"
-                    "Examples:\n"
-                    "  $ orva curve voice.wav \"50 9; 200 2; 1000 0; 5000 -4; 10000 3; 20000 6\" curve.png\n"
-                    "  $ orva curve voice.wav \"100 0; 10000 -6\"");
-    command->callback([options] { run(*options); });
+    CLI::App &command =
+        addCommand(program, "curve", "Draw a calibration, and the spectrum of a sound without and with it",
+                   [options] { run(*options); });
+    addInput(command, options->input);
+    addText(
+        command,
+        {"points", "POINTS", "The calibration: \"HZ DB; HZ DB; ...\", from 2 to 256 points", Need::required},
+        options->points);
+    addText(command, {"picture", "PICTURE", "PNG, SVG or PDF of the curve and both spectra"},
+            options->picture.path);
+    addPictureOptions(command, options->picture);
+    addInputOptions(command, options->raw);
+    addNotes(command,
+             "Through the points runs a cubic spline over the logarithm of the frequency, natural at "
+             "both ends. Outside\n"
+             "of them it would run away; the gain at the end stays.\n\n"
+             "Examples:\n"
+             "  $ orva curve voice.wav \"50 9; 200 2; 1000 0; 5000 -4; 10000 3; 20000 6\" curve.png\n"
+             "  $ orva curve voice.wav \"100 0; 10000 -6\"");
 }
 
 } // namespace orva

@@ -157,29 +157,26 @@ void run(const Options &options)
 
 void addDelay(CLI::App &program)
 {
-    CLI::App *command = program.add_subcommand("delay", "Find by how much one sound lags another");
     auto options = std::make_shared<Options>();
-    command->add_option("first", options->first, "Sound file; alone, its first two channels are compared")
-        ->required()
-        ->type_name("FILE");
-    command->add_option("second", options->second, "The other; of each the first channel is taken")
-        ->type_name("FILE");
-    command
-        ->add_option("--frame", options->frame,
-                     "Samples compared at a time, four times the longest delay or more (16384)")
-        ->type_name("N")
-        ->check(CLI::Range(64, 1 << 24));
-    addPictureAsked(*command, options->picture, "the correlation");
-    addInputOptions(*command, options->raw);
-    command->footer("A positive lag means that the second sound is the later one. Each frame that is not "
-                    "silent has the lag at which\n"
-                    "its correlation with phase transform peaks; the answer is the commonest, and how many "
-                    "frames agree is how sure it\n"
-                    "is. Peak and picture are the mean of all frames; the coefficient is the largest.\n\n"
-                    "Examples:\n"
-                    "  $ orva twice voice.wav twice.wav && orva delay twice.wav --picture delay.png\n"
-                    "  $ orva delay voice.wav voice.wav --frame 4096");
-    command->callback([options] { run(*options); });
+    CLI::App &command =
+        addCommand(program, "delay", "Find by how much one sound lags another", [options] { run(*options); });
+    addText(command,
+            {"first", "FILE", "Sound file; alone, its first two channels are compared", Need::required},
+            options->first);
+    addText(command, {"second", "FILE", "The other; of each the first channel is taken"}, options->second);
+    addNumber(command,
+              {"--frame", "N", "Samples compared at a time, four times the longest delay or more (16384)"},
+              options->frame, 64, 1 << 24);
+    addPictureAsked(command, options->picture, "the correlation");
+    addInputOptions(command, options->raw);
+    addNotes(command, "A positive lag means that the second sound is the later one. Each frame that is not "
+                      "silent has the lag at which\n"
+                      "its correlation with phase transform peaks; the answer is the commonest, and how many "
+                      "frames agree is how sure it\n"
+                      "is. Peak and picture are the mean of all frames; the coefficient is the largest.\n\n"
+                      "Examples:\n"
+                      "  $ orva twice voice.wav twice.wav && orva delay twice.wav --picture delay.png\n"
+                      "  $ orva delay voice.wav voice.wav --frame 4096");
 }
 
 } // namespace orva

@@ -174,24 +174,22 @@ void run(const Options &options)
 
 void addDenoise(CLI::App &program)
 {
-    CLI::App *command = program.add_subcommand("denoise", "Send a sound through the noise suppressor");
     auto options = std::make_shared<Options>();
-    addInputAndOutput(*command, options->input, options->output);
-    command->add_option("--policy", options->policy, "From 0, mild, to 3, strong (2)")
-        ->type_name("N")
-        ->check(CLI::Range(0, 3));
-    addRateOption(*command, options->rate, "8000, 16000 or 32000; the sound is converted to it first");
-    addPictureAsked(*command, options->picture, "what goes in and what comes out");
-    addOutputOptions(*command, options->how);
-    command->footer("The suppressor adapts without its analysis step and learns no noise: it takes next to "
-                    "nothing out, and\n"
-                    "what remains of a hiss is what went in. 8000 and 16000 Hz stay, other rates become "
-                    "16000 Hz; at 32000 Hz\n"
-                    "silence comes out.\n\n"
-                    "Examples:\n"
-                    "  $ orva denoise voice.wav denoised.wav\n"
-                    "  $ orva denoise voice.wav denoised.flac --rate 8k --policy 3 --picture denoised.png");
-    command->callback([options] { run(*options); });
+    CLI::App &command = addCommand(program, "denoise", "Send a sound through the noise suppressor",
+                                   [options] { run(*options); });
+    addInputAndOutput(command, options->input, options->output);
+    addNumber(command, {"--policy", "N", "From 0, mild, to 3, strong (2)"}, options->policy, 0, 3);
+    addRateOption(command, options->rate, "8000, 16000 or 32000; the sound is converted to it first");
+    addPictureAsked(command, options->picture, "what goes in and what comes out");
+    addOutputOptions(command, options->how);
+    addNotes(command, "The suppressor adapts without its analysis step and learns no noise: it takes next to "
+                      "nothing out, and\n"
+                      "what remains of a hiss is what went in. 8000 and 16000 Hz stay, other rates become "
+                      "16000 Hz; at 32000 Hz\n"
+                      "silence comes out.\n\n"
+                      "Examples:\n"
+                      "  $ orva denoise voice.wav denoised.wav\n"
+                      "  $ orva denoise voice.wav denoised.flac --rate 8k --policy 3 --picture denoised.png");
 }
 
 } // namespace orva

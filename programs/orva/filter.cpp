@@ -59,15 +59,16 @@ void run(const Options &options)
 
 void addFilter(CLI::App &program)
 {
-    CLI::App *command =
-        program.add_subcommand("filter", "Run a sound through a filter that a line of text tells");
     auto options = std::make_shared<Options>();
-    addInputAndOutput(*command, options->input, options->output);
-    command->add_option("text", options->text, "The filter: a design with edges in Hz, or numbers")
-        ->required()
-        ->type_name("TEXT");
-    addOutputOptions(*command, options->how);
-    command->footer(
+    CLI::App &command =
+        addCommand(program, "filter", "Run a sound through a filter that a line of text tells",
+                   [options] { run(*options); });
+    addInputAndOutput(command, options->input, options->output);
+    addText(command, {"text", "TEXT", "The filter: a design with edges in Hz, or numbers", Need::required},
+            options->text);
+    addOutputOptions(command, options->how);
+    addNotes(
+        command,
         "Keys of TEXT, such as \"type=highpass; order=4; fpass=80\":\n"
         "  type            lowpass (default), highpass, bandpass, bandreject\n"
         "  approximation   butterworth (default), chebyshev, invchebyshev, ellip\n"
@@ -80,7 +81,6 @@ void addFilter(CLI::App &program)
         "  $ orva filter voice.wav telephone.wav \"type=bandpass; order=4; fpass1=300; fpass2=3400\"\n"
         "  $ orva filter voice.wav ring.flac \"biquads=[-1.9234 0.9409 0.03 0 -0.03]\"\n"
         "  $ orva filter voice.wav - \"type=hp; order=4; fpass=80\" | orva resample - clean.wav --rate 16k");
-    command->callback([options] { run(*options); });
 }
 
 } // namespace orva

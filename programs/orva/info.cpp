@@ -147,24 +147,23 @@ void run(const Options &options)
 
 void addInfo(CLI::App &program)
 {
-    CLI::App *command =
-        program.add_subcommand("info", "Tell rate, length, level and more of sound files, a line a file");
     auto options = std::make_shared<Options>();
-    command->add_option("files", options->files, "Sound files; - is standard input")
-        ->required()
-        ->type_name("FILE");
-    command->add_flag(
-        "--json", options->json,
-        "Write each line as a JSON object, levels as parts of full scale, with those of each channel");
-    addInputOptions(*command, options->raw);
-    command->footer("Peak, rms and DC are of all channels together, 0 dB is full scale; clipped are samples "
-                    "that have the\n"
-                    "greatest or the least value of their format.\n\n"
-                    "Examples:\n"
-                    "  $ orva info voice.wav\n"
-                    "  $ orva info --json voice.wav\n"
-                    "  $ orva info - <voice.wav");
-    command->callback([options] { run(*options); });
+    CLI::App &command =
+        addCommand(program, "info", "Tell rate, length, level and more of sound files, a line a file",
+                   [options] { run(*options); });
+    addTexts(command, {"files", "FILE", "Sound files; - is standard input", Need::required}, options->files);
+    addFlag(command, "--json",
+            "Write each line as a JSON object, levels as parts of full scale, with those of each channel",
+            options->json);
+    addInputOptions(command, options->raw);
+    addNotes(command,
+             "Peak, rms and DC are of all channels together, 0 dB is full scale; clipped are samples "
+             "that have the\n"
+             "greatest or the least value of their format.\n\n"
+             "Examples:\n"
+             "  $ orva info voice.wav\n"
+             "  $ orva info --json voice.wav\n"
+             "  $ orva info - <voice.wav");
 }
 
 } // namespace orva

@@ -169,28 +169,27 @@ void run(const Options &options)
 
 void addLapped(CLI::App &program)
 {
-    CLI::App *command =
-        program.add_subcommand("lapped", "Silence what is faint in a sound, each frequency by itself");
     auto options = std::make_shared<Options>();
-    addInputAndOutput(*command, options->input, options->output);
-    command->add_option("--block", options->block, "Samples, and frequencies, of a block (512)")
-        ->type_name("N")
-        ->check(CLI::Range(1, 65536));
-    command
-        ->add_option("--gate", options->gate,
-                     "Level from which on a coefficient passes, a sine of full scale having 0 (-60)")
-        ->type_name("DB")
-        ->check(CLI::Range(-300.0, 300.0));
-    addPictureAsked(*command, options->picture, "the levels before and after the gate");
-    addOutputOptions(*command, options->how);
-    command->footer(
+    CLI::App &command =
+        addCommand(program, "lapped", "Silence what is faint in a sound, each frequency by itself",
+                   [options] { run(*options); });
+    addInputAndOutput(command, options->input, options->output);
+    addNumber(command, {"--block", "N", "Samples, and frequencies, of a block (512)"}, options->block, 1,
+              65536);
+    addNumber(
+        command,
+        {"--gate", "DB", "Level from which on a coefficient passes, a sine of full scale having 0 (-60)"},
+        options->gate, -300.0, 300.0);
+    addPictureAsked(command, options->picture, "the levels before and after the gate");
+    addOutputOptions(command, options->how);
+    addNotes(
+        command,
         "A gate for each coefficient of the lapped transform. The error is that of the transform itself: all "
         "of a\n"
         "sound comes back where 4 divides the block, else an error of the highest frequencies stays.\n\n"
         "Examples:\n"
         "  $ orva lapped voice.wav gated.wav --gate -50\n"
         "  $ orva lapped voice.wav gated.flac --block 1024 --gate -60 --picture gated.png");
-    command->callback([options] { run(*options); });
 }
 
 } // namespace orva

@@ -9,10 +9,16 @@ extern "C" {
 #include "common/messages.h"
 }
 
+#include <CLI/CLI.hpp>
+
+#include <algorithm>
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
+#include <iostream>
 #include <new>
+#include <string>
+#include <vector>
 
 namespace orva
 {

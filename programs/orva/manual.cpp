@@ -2,6 +2,8 @@
 // Usage: orva_manual FOLDER VERSION
 #include "program.h"
 
+#include <CLI/CLI.hpp>
+
 #include <fstream>
 #include <iostream>
 #include <sstream>

@@ -202,40 +202,33 @@ void run(Options options)
 
 void addMeasures(CLI::App &program)
 {
-    CLI::App *command = program.add_subcommand(
-        "measures", "Tell energy, zero crossings and a mel spectrum of each frame of a sound");
     auto options = std::make_shared<Options>();
-    command->add_option("input", options->input, "Sound file; - is standard input")
-        ->required()
-        ->type_name("FILE");
-    command
-        ->add_option(
-            "table", options->table,
-            "File whose name ends in .csv, or in .npy for an array of NumPy; - is CSV on standard output")
-        ->type_name("TABLE");
-    command->add_option("--frame", options->size, "Samples of a frame (1024)")
-        ->type_name("N")
-        ->check(CLI::Range(3, 1 << 20));
-    command->add_option("--hop", options->hop, "Samples from one frame to the next (256)")
-        ->type_name("N")
-        ->check(CLI::Range(1, 1 << 30));
-    command->add_option("--mels", options->bands, "Bands of the mel spectrum, 0 for none (40)")
-        ->type_name("N")
-        ->check(CLI::Range(0, 4096));
-    addPictureAsked(*command, options->picture, "the spectrum over a mel axis, energy and zero crossings");
-    addInputOptions(*command, options->raw);
-    command->footer("A row of the table for each frame and channel: the second on which the frame is "
-                    "centred, the channel,\n"
-                    "energy in dB, of which 0 is a variance of 0.32768 and -inf none at all, zero crossings "
-                    "a second, and for\n"
-                    "each band, all equally wide in mels, the loudest level in it in dB below a sine of full "
-                    "scale. Without\n"
-                    "TABLE and PICTURE the table goes to standard output.\n\n"
-                    "Examples:\n"
-                    "  $ orva measures voice.wav --mels 0\n"
-                    "  $ orva measures voice.wav voice.npy --frame 512 --hop 128 --mels 24\n"
-                    "  $ orva measures voice.wav voice.csv --picture voice.png");
-    command->callback([options] { run(*options); });
+    CLI::App &command = addCommand(program, "measures",
+                                   "Tell energy, zero crossings and a mel spectrum of each frame of a sound",
+                                   [options] { run(*options); });
+    addInput(command, options->input);
+    addText(command,
+            {"table", "TABLE",
+             "File whose name ends in .csv, or in .npy for an array of NumPy; - is CSV on standard output"},
+            options->table);
+    addNumber(command, {"--frame", "N", "Samples of a frame (1024)"}, options->size, 3, 1 << 20);
+    addNumber(command, {"--hop", "N", "Samples from one frame to the next (256)"}, options->hop, 1, 1 << 30);
+    addNumber(command, {"--mels", "N", "Bands of the mel spectrum, 0 for none (40)"}, options->bands, 0,
+              4096);
+    addPictureAsked(command, options->picture, "the spectrum over a mel axis, energy and zero crossings");
+    addInputOptions(command, options->raw);
+    addNotes(command,
+             "A row of the table for each frame and channel: the second on which the frame is "
+             "centred, the channel,\n"
+             "energy in dB, of which 0 is a variance of 0.32768 and -inf none at all, zero crossings "
+             "a second, and for\n"
+             "each band, all equally wide in mels, the loudest level in it in dB below a sine of full "
+             "scale. Without\n"
+             "TABLE and PICTURE the table goes to standard output.\n\n"
+             "Examples:\n"
+             "  $ orva measures voice.wav --mels 0\n"
+             "  $ orva measures voice.wav voice.npy --frame 512 --hop 128 --mels 24\n"
+             "  $ orva measures voice.wav voice.csv --picture voice.png");
 }
 
 } // namespace orva

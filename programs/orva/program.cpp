@@ -9,10 +9,7 @@ namespace orva
 
 void addCommands(CLI::App &program)
 {
-    program.description("Runs the routines of liborva on sound files.");
-    program.set_version_flag("--version", ORVAVERSION_String(), "Print the version");
-    program.require_subcommand(1);
-    program.get_formatter()->column_width(28);
+    beginProgram(program, "Runs the routines of liborva on sound files.", ORVAVERSION_String());
     addInfo(program);
     addSpectrogram(program);
     addFilter(program);
@@ -25,7 +22,8 @@ void addCommands(CLI::App &program)
     addLapped(program);
     addCurve(program);
     addTwice(program);
-    program.footer(
+    addNotes(
+        program,
         "Each command has its own help, with examples: orva COMMAND --help\n"
         "A sound file named - is standard input or output. Exit status: 0, 1 if it did not work, 2 if it was "
         "used wrongly.");

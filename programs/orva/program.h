@@ -1,7 +1,10 @@
 // The program as its commands and options make it.
 #pragma once
 
-#include <CLI/CLI.hpp>
+namespace CLI
+{
+class App;
+}
 
 namespace orva
 {

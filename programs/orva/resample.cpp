@@ -137,38 +137,34 @@ void run(const Options &options)
 
 void addResample(CLI::App &program)
 {
-    CLI::App *command =
-        program.add_subcommand("resample", "Write a sound at another sample rate, exactly as long");
     auto options = std::make_shared<Options>();
-    command->add_option("files", options->files, "Input and output; with --into, as many inputs as you like")
-        ->required()
-        ->type_name("FILE");
-    addRateOption(*command, options->converter.rate, "The rate, such as 44100 or 44.1k");
-    command->get_option("--rate")->required();
-    command
-        ->add_option(
-            "--order", options->converter.order,
-            "Half the length of the filter: more keeps more of the highest frequencies and takes longer (30)")
-        ->type_name("N")
-        ->check(CLI::Range(1, 1 << 20));
-    command
-        ->add_flag("--hold", options->converter.hold,
-                   "Repeat or drop samples instead, which has only some pairs of rates")
-        ->excludes("--order");
-    command
-        ->add_option("--into", options->folder,
-                     "Write each file under its name into this folder, several at a time")
-        ->type_name("FOLDER");
-    addOutputOptions(*command, options->output);
-    command->footer("Says what the filter does: the ripple of what it keeps, by how much it takes out what "
-                    "would appear at\n"
-                    "another frequency, and by how much the result comes late.\n\n"
-                    "Examples:\n"
-                    "  $ orva resample voice.wav cd.wav --rate 44.1k\n"
-                    "  $ orva resample voice.wav phone.flac --rate 8k --order 100 --bits 16\n"
-                    "  $ orva resample *.wav --into 16k --rate 16000\n"
-                    "  $ orva resample voice.wav - --rate 16k | orva info -");
-    command->callback([options] { run(*options); });
+    CLI::App &command =
+        addCommand(program, "resample", "Write a sound at another sample rate, exactly as long",
+                   [options] { run(*options); });
+    addTexts(command,
+             {"files", "FILE", "Input and output; with --into, as many inputs as you like", Need::required},
+             options->files);
+    addRateOption(command, options->converter.rate, "The rate, such as 44100 or 44.1k", Need::required);
+    addNumber(
+        command,
+        {"--order", "N",
+         "Half the length of the filter: more keeps more of the highest frequencies and takes longer (30)"},
+        options->converter.order, 1, 1 << 20);
+    addFlag(command, "--hold", "Repeat or drop samples instead, which has only some pairs of rates",
+            options->converter.hold);
+    exclude(command, "--hold", "--order");
+    addText(command,
+            {"--into", "FOLDER", "Write each file under its name into this folder, several at a time"},
+            options->folder);
+    addOutputOptions(command, options->output);
+    addNotes(command, "Says what the filter does: the ripple of what it keeps, by how much it takes out what "
+                      "would appear at\n"
+                      "another frequency, and by how much the result comes late.\n\n"
+                      "Examples:\n"
+                      "  $ orva resample voice.wav cd.wav --rate 44.1k\n"
+                      "  $ orva resample voice.wav phone.flac --rate 8k --order 100 --bits 16\n"
+                      "  $ orva resample *.wav --into 16k --rate 16000\n"
+                      "  $ orva resample voice.wav - --rate 16k | orva info -");
 }
 
 } // namespace orva

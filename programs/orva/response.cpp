@@ -138,19 +138,17 @@ void run(const Options &options)
 
 void addResponse(CLI::App &program)
 {
-    CLI::App *command =
-        program.add_subcommand("response", "Tell and draw what a filter does to each frequency");
     auto options = std::make_shared<Options>();
-    command->add_option("text", options->text, "The filter, as 'orva filter --help' tells")
-        ->required()
-        ->type_name("TEXT");
-    command
-        ->add_option("picture", options->picture.path,
-                     "PNG, SVG or PDF; - is a PNG on standard output, and no table")
-        ->type_name("PICTURE");
-    addPictureOptions(*command, options->picture);
-    addRateOption(*command, options->rate, "The sampling rate (48000)");
-    command->footer(
+    CLI::App &command = addCommand(program, "response", "Tell and draw what a filter does to each frequency",
+                                   [options] { run(*options); });
+    addText(command, {"text", "TEXT", "The filter, as 'orva filter --help' tells", Need::required},
+            options->text);
+    addText(command, {"picture", "PICTURE", "PNG, SVG or PDF; - is a PNG on standard output, and no table"},
+            options->picture.path);
+    addPictureOptions(command, options->picture);
+    addRateOption(command, options->rate, "The sampling rate (48000)");
+    addNotes(
+        command,
         "Computed from the filter's coefficients. The table has 0 Hz, 1, 2 and 5 times each power of ten, "
         "and the edges "
         "that\n"
@@ -161,7 +159,6 @@ void addResponse(CLI::App &program)
         "  $ orva response \"type=bandpass; order=4; fpass1=300; fpass2=3400\" telephone.png --rate 16k\n"
         "  $ orva response \"numerator=[1 -1]; denominator=[1 -0.995]\" blocker.pdf --size 16x20\n"
         "  $ orva response \"approximation=ellip; As=60; fpass=3400; fstop=4000\"");
-    command->callback([options] { run(*options); });
 }
 
 } // namespace orva

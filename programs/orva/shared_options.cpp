@@ -60,18 +60,26 @@ double secondsFrom(const std::string &text)
 
 void addRaw(CLI::App &command, RawFormat &raw, const std::string &description)
 {
-    command
-        .add_option_function<std::string>(
-            "--raw", [&raw](const std::string &text) { raw = rawFormat(text); }, description)
-        ->type_name("FORMAT");
+    addRead(command, {"--raw", "FORMAT", description},
+            [&raw](const std::string &text) { raw = rawFormat(text); });
 }
 
 } // namespace
 
+void addInput(CLI::App &command, std::string &input)
+{
+    addText(command, {"input", "FILE", "Sound file; - is standard input", Need::required}, input);
+}
+
+void addOutput(CLI::App &command, std::string &output)
+{
+    addText(command, {"output", "FILE", "Sound file; - is standard output", Need::required}, output);
+}
+
 void addInputAndOutput(CLI::App &command, std::string &input, std::string &output)
 {
-    command.add_option("input", input, "Sound file; - is standard input")->required()->type_name("FILE");
-    command.add_option("output", output, "Sound file; - is standard output")->required()->type_name("FILE");
+    addInput(command, input);
+    addOutput(command, output);
 }
 
 void addInputOptions(CLI::App &command, RawFormat &raw)
@@ -83,25 +91,21 @@ void addInputOptions(CLI::App &command, RawFormat &raw)
 
 void addOutputOptions(CLI::App &command, OutputOptions &options)
 {
-    command.add_option("--format", options.as.format, "Format of the file; else the name's ending tells it")
-        ->type_name("NAME");
-    command
-        .add_option("--bits", options.as.bits, "8, 16, 24, 32, float or double; else as the input has them")
-        ->type_name("BITS");
-    command.add_option("--gain", options.gain, "Decibels by which the result is made louder")
-        ->type_name("DB")
-        ->check(CLI::Range(-200.0, 200.0));
+    addText(command, {"--format", "NAME", "Format of the file; else the name's ending tells it"},
+            options.as.format);
+    addText(command, {"--bits", "BITS", "8, 16, 24, 32, float or double; else as the input has them"},
+            options.as.bits);
+    addNumber(command, {"--gain", "DB", "Decibels by which the result is made louder"}, options.gain, -200,
+              200);
     addRaw(command, options.raw,
            "Samples of standard input and output, which then have no head: s8 u8 s16 s24 s32 f32 f64 "
            "ulaw alaw, with le or be after it if need be, and for input :RATE:CHANNELS");
 }
 
-void addRateOption(CLI::App &command, int &rate, const std::string &description)
+void addRateOption(CLI::App &command, int &rate, const std::string &description, Need need)
 {
-    command
-        .add_option_function<std::string>(
-            "-r,--rate", [&rate](const std::string &text) { rate = rateFrom(text); }, description)
-        ->type_name("HZ");
+    addRead(command, {"-r,--rate", "HZ", description, need},
+            [&rate](const std::string &text) { rate = rateFrom(text); });
 }
 
 void addChannelOption(CLI::App &command, std::string &channel)
@@ -113,29 +117,21 @@ void addChannelOption(CLI::App &command, std::string &channel)
             failUse("channel '" + text + "' is not 'all' or a number, 1 for the first");
         channel = text;
     };
-    command.add_option_function<std::string>("--channel", read, "One channel, 1 for the first (all)")
-        ->type_name("N");
+    addRead(command, {"--channel", "N", "One channel, 1 for the first (all)"}, read);
 }
 
 void addTimeOption(CLI::App &command, const std::string &name, double &seconds,
                    const std::string &description)
 {
-    command
-        .add_option_function<std::string>(
-            name, [&seconds](const std::string &text) { seconds = secondsFrom(text); }, description)
-        ->type_name("TIME");
+    addRead(command, {name, "TIME", description},
+            [&seconds](const std::string &text) { seconds = secondsFrom(text); });
 }
 
 void addPictureOptions(CLI::App &command, PictureOptions &picture)
 {
-    command
-        .add_option_function<std::string>(
-            "--size", [&picture](const std::string &text) { readSize(text, picture); },
-            "Width and height of the picture in cm; else as it needs, 16.9 wide")
-        ->type_name("WxH");
-    command.add_option("--dpi", picture.dotsPerInch, "Dots per inch of a PNG (150)")
-        ->type_name("N")
-        ->check(CLI::Range(30, 1200));
+    addRead(command, {"--size", "WxH", "Width and height of the picture in cm; else as it needs, 16.9 wide"},
+            [&picture](const std::string &text) { readSize(text, picture); });
+    addNumber(command, {"--dpi", "N", "Dots per inch of a PNG (150)"}, picture.dotsPerInch, 30, 1200);
 }
 
 void addPictureAsked(CLI::App &command, PictureOptions &picture, const std::string &what)
@@ -145,8 +141,7 @@ void addPictureAsked(CLI::App &command, PictureOptions &picture, const std::stri
             failUse("--picture needs a name, since standard output has the text");
         picture.path = path;
     };
-    command.add_option_function<std::string>("--picture", read, "PNG, SVG or PDF of " + what)
-        ->type_name("PICTURE");
+    addRead(command, {"--picture", "PICTURE", "PNG, SVG or PDF of " + what}, read);
     addPictureOptions(command, picture);
 }
 

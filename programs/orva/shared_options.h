@@ -2,14 +2,15 @@
 #pragma once
 
 #include "drawing/picture_file.h"
+#include "options.h"
 #include "sound_output.h"
-
-#include <CLI/CLI.hpp>
 
 namespace orva
 {
 
-// The sound that a command reads and the one that it writes, which come first.
+// The sound that a command reads and the one that it writes.
+void addInput(CLI::App &command, std::string &input);
+void addOutput(CLI::App &command, std::string &output);
 void addInputAndOutput(CLI::App &command, std::string &input, std::string &output);
 
 // --raw for commands that read sound.
@@ -19,7 +20,7 @@ void addInputOptions(CLI::App &command, RawFormat &raw);
 void addOutputOptions(CLI::App &command, OutputOptions &options);
 
 // Reads a rate such as 44100, 44100Hz, 44.1k or 48kHz into `rate`; refuses, as used wrongly, what is none.
-void addRateOption(CLI::App &command, int &rate, const std::string &description);
+void addRateOption(CLI::App &command, int &rate, const std::string &description, Need need = Need::optional);
 
 // --channel: "all" or the number of one, 1 for the first.
 void addChannelOption(CLI::App &command, std::string &channel);

@@ -173,44 +173,38 @@ void run(Options options)
 
 void addSpectrogram(CLI::App &program)
 {
-    CLI::App *command =
-        program.add_subcommand("spectrogram", "Draw the levels of a sound over time and frequency");
     auto options = std::make_shared<Options>();
-    command->add_option("input", options->input, "Sound file; - is standard input")
-        ->required()
-        ->type_name("FILE");
-    command
-        ->add_option(
-            "picture", options->picture.path,
-            "PNG, SVG or PDF; - is a PNG on standard output; else the sound's name with .png, in this folder")
-        ->type_name("PICTURE");
-    addChannelOption(*command, options->channel);
-    addTimeOption(*command, "--from", options->from, "Where to begin, in seconds or as minutes:seconds");
-    addTimeOption(*command, "--to", options->to, "Where to end");
-    command->add_option("--scale", options->scale, "Frequency axis: linear (default), mel or bark")
-        ->type_name("NAME")
-        ->check(CLI::IsMember({"linear", "mel", "bark"}));
-    command->add_option("--range", options->range, "Decibels shown below a sine of full scale (90)")
-        ->type_name("DB")
-        ->check(CLI::Range(1.0, 1000.0));
-    command->add_option("--frame", options->frame, "Samples that are transformed at a time (1024)")
-        ->type_name("N")
-        ->check(CLI::Range(2, 1 << 20));
-    command->add_option("--hop", options->hop, "Samples from one frame to the next (a quarter of a frame)")
-        ->type_name("N")
-        ->check(CLI::Range(1, INT32_MAX));
-    command->add_option("--window", options->window, "Window of a frame, as the library names it (Hanning)")
-        ->type_name("NAME");
-    addPictureOptions(*command, options->picture);
-    addInputOptions(*command, options->raw);
-    command->footer(
-        "Frames are centred on every hop-th sample. Of all that falls on one point of the picture, the "
-        "loudest shows.\n\n"
-        "Examples:\n"
-        "  $ orva spectrogram voice.wav\n"
-        "  $ orva spectrogram voice.wav vowel.pdf --from 0.2 --to 0.5 --scale mel --size 12x8\n"
-        "  $ orva resample voice.wav - --rate 8k | orva spectrogram - narrow.svg --range 70");
-    command->callback([options] { run(*options); });
+    CLI::App &command =
+        addCommand(program, "spectrogram", "Draw the levels of a sound over time and frequency",
+                   [options] { run(*options); });
+    addInput(command, options->input);
+    addText(
+        command,
+        {"picture", "PICTURE",
+         "PNG, SVG or PDF; - is a PNG on standard output; else the sound's name with .png, in this folder"},
+        options->picture.path);
+    addChannelOption(command, options->channel);
+    addTimeOption(command, "--from", options->from, "Where to begin, in seconds or as minutes:seconds");
+    addTimeOption(command, "--to", options->to, "Where to end");
+    addChoice(command, {"--scale", "NAME", "Frequency axis: linear (default), mel or bark"}, options->scale,
+              {"linear", "mel", "bark"});
+    addNumber(command, {"--range", "DB", "Decibels shown below a sine of full scale (90)"}, options->range,
+              1.0, 1000.0);
+    addNumber(command, {"--frame", "N", "Samples that are transformed at a time (1024)"}, options->frame, 2,
+              1 << 20);
+    addNumber(command, {"--hop", "N", "Samples from one frame to the next (a quarter of a frame)"},
+              options->hop, 1, INT32_MAX);
+    addText(command, {"--window", "NAME", "Window of a frame, as the library names it (Hanning)"},
+            options->window);
+    addPictureOptions(command, options->picture);
+    addInputOptions(command, options->raw);
+    addNotes(command,
+             "Frames are centred on every hop-th sample. Of all that falls on one point of the picture, the "
+             "loudest shows.\n\n"
+             "Examples:\n"
+             "  $ orva spectrogram voice.wav\n"
+             "  $ orva spectrogram voice.wav vowel.pdf --from 0.2 --to 0.5 --scale mel --size 12x8\n"
+             "  $ orva resample voice.wav - --rate 8k | orva spectrogram - narrow.svg --range 70");
 }
 
 } // namespace orva

@@ -204,25 +204,24 @@ void run(const Options &options)
 
 void addStretch(CLI::App &program)
 {
-    CLI::App *command = program.add_subcommand("stretch", "Play a sound faster or slower at the same pitch");
     auto options = std::make_shared<Options>();
-    addInputAndOutput(*command, options->input, options->output);
-    command
-        ->add_option(
-            "-s,--speed", options->speed,
-            "0.1 to 3; or several, each after the second of the input from which on it holds, and a colon")
-        ->required()
-        ->type_name("SPEED");
-    command
-        ->add_option("--map", options->map,
-                     "CSV of the place in the input that is heard at each place of the output")
-        ->type_name("FILE");
-    addPictureAsked(*command, options->picture, "both outlines, with places that correspond");
-    addOutputOptions(*command, options->how);
-    command->footer("Examples:\n"
-                    "  $ orva stretch voice.wav slow.wav --speed 0.7 --picture slow.png\n"
-                    "  $ orva stretch voice.wav change.flac --speed \"1.5 0.4:0.6 0.9:2\" --map change.csv");
-    command->callback([options] { run(*options); });
+    CLI::App &command = addCommand(program, "stretch", "Play a sound faster or slower at the same pitch",
+                                   [options] { run(*options); });
+    addInputAndOutput(command, options->input, options->output);
+    addText(command,
+            {"-s,--speed", "SPEED",
+             "0.1 to 3; or several, each after the second of the input from which on it holds, and a colon",
+             Need::required},
+            options->speed);
+    addText(command,
+            {"--map", "FILE", "CSV of the place in the input that is heard at each place of the output"},
+            options->map);
+    addPictureAsked(command, options->picture, "both outlines, with places that correspond");
+    addOutputOptions(command, options->how);
+    addNotes(command,
+             "Examples:\n"
+             "  $ orva stretch voice.wav slow.wav --speed 0.7 --picture slow.png\n"
+             "  $ orva stretch voice.wav change.flac --speed \"1.5 0.4:0.6 0.9:2\" --map change.csv");
 }
 
 } // namespace orva

@@ -108,25 +108,20 @@ void run(const Options &options)
 
 void addTwice(CLI::App &program)
 {
-    CLI::App *command = program.add_subcommand("twice", "Write a sound beside itself, late and in noise");
     auto options = std::make_shared<Options>();
-    command->add_option("input", options->input, "Sound file, of which the first channel is taken")
-        ->required()
-        ->type_name("FILE");
-    command->add_option("output", options->output, "Sound file; - is standard output")
-        ->required()
-        ->type_name("FILE");
-    command->add_option("--delay", options->delay, "Samples by which the second channel is late (480)")
-        ->type_name("N")
-        ->check(CLI::Range(0, 1 << 24));
-    command->add_option("--noise", options->noise, "Decibels by which noise in it lies below the sound (20)")
-        ->type_name("DB")
-        ->check(CLI::Range(-200.0, 200.0));
-    addOutputOptions(*command, options->how);
-    command->footer("Examples:\n"
-                    "  $ orva twice voice.wav twice.wav --delay 480 --noise 20\n"
-                    "  $ orva twice voice.wav - --delay 137 | orva delay -");
-    command->callback([options] { run(*options); });
+    CLI::App &command = addCommand(program, "twice", "Write a sound beside itself, late and in noise",
+                                   [options] { run(*options); });
+    addText(command, {"input", "FILE", "Sound file, of which the first channel is taken", Need::required},
+            options->input);
+    addOutput(command, options->output);
+    addNumber(command, {"--delay", "N", "Samples by which the second channel is late (480)"}, options->delay,
+              0, 1 << 24);
+    addNumber(command, {"--noise", "DB", "Decibels by which noise in it lies below the sound (20)"},
+              options->noise, -200.0, 200.0);
+    addOutputOptions(command, options->how);
+    addNotes(command, "Examples:\n"
+                      "  $ orva twice voice.wav twice.wav --delay 480 --noise 20\n"
+                      "  $ orva twice voice.wav - --delay 137 | orva delay -");
 }
 
 } // namespace orva
