@@ -3,10 +3,6 @@
 #include "failure.h"
 #include "library_message.h"
 
-extern "C" {
-#include "common/progress.h"
-}
-
 #include <algorithm>
 
 namespace orva
@@ -79,8 +75,8 @@ void convert(std::vector<Converter> &converters, SoundInput &input, const Conver
         const int32_t written = convertBlock(converters, buffers, static_cast<int32_t>(count), 0);
         take(buffers.out.data(), written);
         given += written;
-        if (progress && input.length > 0)
-            progressShow(input.position, input.length);
+        if (progress)
+            showProgress(input);
     }
     const int64_t due = framesAt(input.position, from, rate) - given;
     if (due > 0)

@@ -3,14 +3,10 @@
 #include "command.h"
 #include "drawing/picture.h"
 #include "failure.h"
-#include "frame_spectrum.h"
-#include "json_text.h"
+#include "messages.h"
 #include "shared_options.h"
 #include "sound_frames.h"
-
-extern "C" {
-#include "common/progress.h"
-}
+#include "spectrum.h"
 
 #include <algorithm>
 #include <cmath>
@@ -39,30 +35,26 @@ struct CalibratedSpectrum {
 };
 
 // The mean power of all frames of all channels.
-void average(SoundInput &input, FrameSpectrum &spectrum)
+void average(SoundInput &input, Spectrum &spectrum)
 {
     std::vector<double> sum(bins);
     SoundFrames frames(input, {.size = frameSize, .hop = frameSize / 2});
-    std::vector<float> frame(frameSize);
     while (frames.next()) {
         for (int channel = 0; channel < input.info.channels; ++channel) {
-            frames.copy(channel, frame.data());
-            const auto power = spectrum.transform(frame);
+            frames.copy(channel, spectrum.frame().data());
+            const auto power = spectrum.transform();
             for (size_t k = 0; k < bins; ++k)
                 sum[k] += static_cast<double>(power[k]);
         }
-        if (input.length > 0)
-            progressShow(std::min(input.position, input.length), input.length);
+        showProgress(input);
     }
-    progressClear();
-    if (input.position == 0)
-        fail(input.name + ": holds no samples");
+    endReading(input);
     const auto count = static_cast<double>(frames.count() * input.info.channels);
     for (size_t k = 0; k < bins; ++k)
         spectrum.power()[k] = static_cast<float>(sum[k] / count);
 }
 
-void calibrate(CalibratedSpectrum &result, const Calibration &curve, FrameSpectrum &spectrum)
+void calibrate(CalibratedSpectrum &result, const Calibration &curve, Spectrum &spectrum)
 {
     const auto power = spectrum.power();
     const auto levels = [&](const float *gain) {
@@ -130,7 +122,7 @@ void run(const Options &options)
     std::optional<PictureFile> picture;
     if (!options.picture.path.empty())
         picture.emplace(options.picture);
-    FrameSpectrum spectrum(frameSize);
+    Spectrum spectrum(frameSize);
     average(input, spectrum);
     const auto sound = std::make_unique<CalibratedSpectrum>();
     sound->binHertz = static_cast<double>(input.info.samplerate) / frameSize;
@@ -147,7 +139,7 @@ void run(const Options &options)
     std::snprintf(text, sizeof text,
                   ": %d points, gain %.1f to %.1f dB; it changes the level of the sound by %.1f dB",
                   static_cast<int>(curve.hertz.size()), lines.least, lines.most, sound->change);
-    std::puts(onOneLine(input.name + text).c_str());
+    say(input.name + text);
 }
 
 } // namespace

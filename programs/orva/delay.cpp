@@ -2,12 +2,9 @@
 #include "command.h"
 #include "drawing/picture.h"
 #include "failure.h"
-#include "json_text.h"
+#include "messages.h"
+#include "progress.h"
 #include "shared_options.h"
-
-extern "C" {
-#include "common/progress.h"
-}
 
 #include <kett/KTvector.h>
 #include <orva/ORVAxcorr.h>
@@ -90,12 +87,11 @@ void compare(Search &search, SoundInput &first, SoundInput *second)
                                                    readChannels(*second, all, {&search.y, nullptr}) == 0;
         if (ended)
             break;
-        if (first.length > 0)
-            progressShow(first.position, first.length);
+        showProgress(first);
         if (isHeard(search.x) && isHeard(search.y))
             compareFrames(search, correlator.get());
     }
-    progressClear();
+    clearProgress();
     if (search.heard == 0)
         fail((second != nullptr ? second->name : first.name) + ": no frame in which both sounds are heard");
 }
@@ -147,7 +143,7 @@ void run(const Options &options)
         text, sizeof text, ": lag %d samples, %.3f ms, in %lld of %lld frames; peak %.2f, coefficient %.2f",
         lag, lag * 1000.0 / first.info.samplerate, static_cast<long long>(search.found[best]),
         static_cast<long long>(search.heard), static_cast<double>(search.mean[best]), search.coefficient);
-    std::puts(onOneLine(name + text).c_str());
+    say(name + text);
     noteDamage(first);
     if (second)
         noteDamage(*second);

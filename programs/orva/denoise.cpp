@@ -4,19 +4,15 @@
 #include "comparison.h"
 #include "conversion.h"
 #include "failure.h"
-#include "frame_spectrum.h"
-#include "json_text.h"
+#include "messages.h"
 #include "shared_options.h"
-
-extern "C" {
-#include "common/messages.h"
-#include "common/progress.h"
-}
+#include "spectrum.h"
 
 #include <kett/KTvector.h>
 #include <orva/ORVAnoisesup.h>
 
 #include <algorithm>
+#include <cinttypes>
 #include <cmath>
 #include <cstdio>
 
@@ -58,7 +54,7 @@ struct Suppression {
 
     int32_t frame;
     std::vector<std::unique_ptr<ORVA_NOISESUP, DestroySuppressor>> each;
-    FrameSpectrum spectrum;                          // of four frames, in whose middle they speak for one
+    Spectrum spectrum;                               // of four frames, in whose middle they speak for one
     std::vector<std::vector<float>> pastIn, pastOut; // of each channel, as long as the spectrum's frame
     Comparison picture;
     double in = 0, out = 0; // sums of squares
@@ -104,13 +100,10 @@ int64_t suppressAll(Suppression &work, SoundInput &input, SoundOutput &output, i
         std::vector<float> block(static_cast<size_t>(work.frame) * static_cast<size_t>(input.info.channels));
         while (const int64_t count = readSound(input, block.data(), work.frame)) {
             blocks.push(block.data(), count);
-            if (input.length > 0)
-                progressShow(std::min(input.position, input.length), input.length);
+            showProgress(input);
         }
     }
-    progressClear();
-    if (input.position == 0)
-        fail(input.name + ": holds no samples");
+    endReading(input);
     blocks.end();
     work.picture.repeat(); // the last frames speak for what lies after their middle, too
     return output.framesWritten();
@@ -121,9 +114,12 @@ void tellWhatIsCut(const Suppression &work, const SoundInput &input)
     if (work.cut == 0)
         return;
     const double db = std::ceil(200 * std::log10(static_cast<double>(work.peak))) / 10;
-    note("%s: %lld sample%s cut at full scale on the way in; a sound %.1f dB softer would avoid it",
-         input.name.c_str(), static_cast<long long>(work.cut), work.cut > 1 ? "s are" : " is",
-         std::max(db, 0.1));
+    char text[128];
+    std::snprintf(text, sizeof text,
+                  ": %" PRId64
+                  " sample%s cut at full scale on the way in; a sound %.1f dB softer would avoid it",
+                  work.cut, work.cut > 1 ? "s are" : " is", std::max(db, 0.1));
+    note(input.name + text);
 }
 
 // What came of it, in words that hide nothing.
@@ -162,12 +158,12 @@ void run(const Options &options)
     noteDamage(input);
     tellWhatIsCut(work, input);
     if (output.isStandardOutput()) {
-        note("%s", told(work).c_str());
+        note(told(work));
         return;
     }
     char text[64];
     std::snprintf(text, sizeof text, ": %.2f s at %d Hz, ", seconds, rate);
-    std::puts(onOneLine(options.output + text + told(work)).c_str());
+    say(options.output + text + told(work));
 }
 
 } // namespace

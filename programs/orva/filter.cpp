@@ -2,12 +2,8 @@
 #include "command.h"
 #include "failure.h"
 #include "filter_from.h"
-#include "json_text.h"
+#include "messages.h"
 #include "shared_options.h"
-
-extern "C" {
-#include "common/progress.h"
-}
 
 #include <cmath>
 #include <cstdio>
@@ -35,12 +31,9 @@ void run(const Options &options)
     while (const int64_t count = readSound(input, block.data(), blockFrames)) {
         ORVA_Filter(filter.get(), block.data(), block.data(), static_cast<uint32_t>(count * channels));
         output.write(block.data(), count);
-        if (input.length > 0)
-            progressShow(input.position, input.length);
+        showProgress(input);
     }
-    progressClear();
-    if (input.position == 0)
-        fail(input.name + ": holds no samples");
+    endReading(input);
     output.finish();
     noteDamage(input);
     if (output.isStandardOutput())
@@ -52,7 +45,7 @@ void run(const Options &options)
     std::string line = options.output + text;
     std::snprintf(text, sizeof text, "%.1f dB", 20 * std::log10(loudest));
     line += loudest > 0 ? text : "0";
-    std::puts(onOneLine(line).c_str());
+    say(line);
 }
 
 } // namespace

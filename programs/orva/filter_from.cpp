@@ -1,11 +1,8 @@
 #include "filter_from.h"
 
 #include "failure.h"
+#include "filter_text.h"
 #include "library_message.h"
-
-extern "C" {
-#include "common/filter_text.h"
-}
 
 #include <algorithm>
 #include <cmath>
@@ -15,10 +12,11 @@ namespace orva
 
 Filter filterFrom(const std::string &text, int rate, int channels)
 {
-    Filter filter(filterFromText(text.c_str(), rate, channels));
-    keepLibraryMessages();
+    checkFilterText(text, rate);
+    libraryMessage(""); // forgets what was said before
+    Filter filter(ORVA_CreateFilter("%s; fs=%d; num_channels=%d", text.c_str(), rate, channels));
     if (filter == nullptr)
-        throw Failure{usedWrongly, ""}; // it has been told why
+        failUse(libraryMessage("no filter has these edges, attenuations and order"));
     return filter;
 }
 
@@ -31,7 +29,7 @@ std::vector<float> answerOf(const std::string &text, int rate)
     float greatest = 0;
     for (const float sample : answer) {
         if (!std::isfinite(sample))
-            failUse("configuration: this filter is not stable");
+            failUse("this filter is not stable");
         greatest = std::max(greatest, std::fabs(sample));
     }
     while (answer.size() > 1 && std::fabs(answer.back()) <= 1e-12F * greatest)

@@ -2,12 +2,8 @@
 #include "command.h"
 #include "failure.h"
 #include "json_text.h"
+#include "messages.h"
 #include "shared_options.h"
-
-extern "C" {
-#include "common/messages.h"
-#include "common/progress.h"
-}
 
 #include <cinttypes>
 #include <cmath>
@@ -50,8 +46,7 @@ Contents measured(SoundInput &input)
                 levels.clipped += static_cast<int64_t>(value <= least || value >= most);
             }
         }
-        if (input.length > 0)
-            progressShow(input.position, input.length);
+        showProgress(input);
     }
     contents.frames = input.position;
     contents.notFinite = input.notFinite;
@@ -126,16 +121,13 @@ void run(const Options &options)
         try {
             SoundInput input = openSound(path, options.raw);
             const Contents contents = measured(input);
-            if (contents.frames == 0)
-                fail(input.name + ": holds no samples");
-            progressClear();
-            std::puts(options.json ? inJson(input.name, contents).c_str()
-                                   : onOneLine(inWords(input.name, contents)).c_str());
+            endReading(input);
+            say(options.json ? inJson(input.name, contents) : inWords(input.name, contents));
             noteDamage(input);
         } catch (const Failure &failure) {
             if (failure.status != didNotWork)
                 throw;
-            refuse("orva info: %s", failure.text.c_str());
+            note("orva info: " + failure.text);
             all = false;
         }
     }

@@ -1,8 +1,6 @@
 #include "json_text.h"
 
-extern "C" {
-#include "common/text.h"
-}
+#include "drawing/lettering.h"
 
 #include <cstdio>
 
@@ -14,7 +12,7 @@ std::string jsonText(const std::string &bytes)
     std::string text = "\"";
     for (size_t i = 0; i < bytes.size();) {
         const auto byte = static_cast<unsigned char>(bytes[i]);
-        const size_t length = textSequence(bytes.c_str() + i);
+        const size_t length = utf8Sequence(bytes.c_str() + i);
         if (byte < 0x20 || byte == 0x7f) {
             char escape[8];
             std::snprintf(escape, sizeof escape, "\\u%04x", static_cast<unsigned>(byte));
@@ -27,14 +25,6 @@ std::string jsonText(const std::string &bytes)
         i += length > 0 ? length : 1;
     }
     return text + "\"";
-}
-
-std::string onOneLine(std::string text)
-{
-    for (char &letter : text)
-        if (static_cast<unsigned char>(letter) < 0x20 || letter == 0x7f)
-            letter = '?';
-    return text;
 }
 
 } // namespace orva

@@ -1,4 +1,4 @@
-// Texts of any bytes, such as the names of files, in output that is read by lines or as JSON.
+// Texts of any bytes, such as the names of files, in JSON.
 #pragma once
 
 #include <string>
@@ -8,8 +8,4 @@ namespace orva
 
 // In quotes, with what is not UTF-8 as U+FFFD.
 std::string jsonText(const std::string &bytes);
-
-// With control characters as question marks.
-std::string onOneLine(std::string text);
-
 } // namespace orva

@@ -4,12 +4,8 @@
 #include "command.h"
 #include "comparison.h"
 #include "failure.h"
-#include "json_text.h"
+#include "messages.h"
 #include "shared_options.h"
-
-extern "C" {
-#include "common/progress.h"
-}
 
 #include <kett/KTvector.h>
 #include <orva/ORVAfmclt.h>
@@ -131,12 +127,9 @@ void lapAll(Lapping &work, SoundInput &input, SoundOutput &output)
     std::vector<float> block(static_cast<size_t>(blockFrames) * static_cast<size_t>(input.info.channels));
     while (const int64_t count = readSound(input, block.data(), blockFrames)) {
         blocks.push(block.data(), count);
-        if (input.length > 0)
-            progressShow(std::min(input.position, input.length), input.length);
+        showProgress(input);
     }
-    progressClear();
-    if (input.position == 0)
-        fail(input.name + ": holds no samples");
+    endReading(input);
     blocks.end();
 }
 
@@ -162,7 +155,7 @@ void run(const Options &options)
     std::snprintf(text, sizeof text,
                   ": %.2f s, through the gate: %.1f %% of the coefficients; error without it: %.0f dB",
                   seconds, 100 * work.passed / work.all, 10 * std::log10(2 * work.error / work.all));
-    std::puts(onOneLine(options.output + text).c_str());
+    say(options.output + text);
 }
 
 } // namespace

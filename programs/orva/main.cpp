@@ -1,13 +1,10 @@
 // The program orva: finds the command, checks how it is used, runs it, and tells in one line why it gave up.
 #include "failure.h"
 #include "library_message.h"
+#include "messages.h"
 #include "program.h"
 #include "replacement.h"
 #include "suggestion.h"
-
-extern "C" {
-#include "common/messages.h"
-}
 
 #include <CLI/CLI.hpp>
 
@@ -83,7 +80,7 @@ std::string complaint(const CLI::ParseError &error)
 int tell(const std::string &command, const Failure &failure)
 {
     if (!failure.text.empty())
-        note("%s: %s", command.c_str(), failure.text.c_str());
+        note(command + ": " + failure.text);
     return failure.status;
 }
 

@@ -2,16 +2,12 @@
 #include "command.h"
 #include "drawing/outline.h"
 #include "failure.h"
-#include "frame_spectrum.h"
-#include "json_text.h"
 #include "mel_bands.h"
+#include "messages.h"
 #include "number_table.h"
 #include "shared_options.h"
 #include "sound_frames.h"
-
-extern "C" {
-#include "common/progress.h"
-}
+#include "spectrum.h"
 
 #include <orva/ORVAmisc.h>
 
@@ -51,7 +47,7 @@ struct Measuring {
 
     double rate;
     std::vector<float> frame;
-    FrameSpectrum spectrum;
+    Spectrum spectrum;
     std::vector<MelBand> bands;
     std::vector<double> row;
     std::optional<NumberTable> table;
@@ -78,7 +74,8 @@ void measureFrame(Measuring &work, const SoundFrames &frames, size_t channel, do
     const float crossings = ORVA_CalcZeroCrossRate(frame.data(), size) * static_cast<float>(work.rate);
     work.loudest = std::max(work.loudest, energy);
     work.most = std::max(work.most, crossings);
-    work.spectrum.transform(frame);
+    std::copy(frame.begin(), frame.end(), work.spectrum.frame().begin());
+    work.spectrum.transform();
     const auto levels = work.spectrum.levels(faintest);
     if (work.table) {
         work.row = {seconds, static_cast<double>(channel + 1), static_cast<double>(energy),
@@ -155,7 +152,7 @@ void tell(const Measuring &work, const SoundFrames &frames, const SoundInput &in
     line += std::isfinite(work.loudest) ? text : "nothing";
     std::snprintf(text, sizeof text, ", zero crossings up to %.1f per ms",
                   static_cast<double>(work.most) / 1000);
-    std::puts(onOneLine(line + text).c_str());
+    say(line + text);
 }
 
 void run(Options options)
@@ -183,12 +180,9 @@ void run(Options options)
         const double seconds = static_cast<double>(frames.count() - 1) * options.hop / work.rate;
         for (size_t channel = 0; channel < channels; ++channel)
             measureFrame(work, frames, channel, seconds);
-        if (input.length > 0)
-            progressShow(std::min(input.position, input.length), input.length);
+        showProgress(input);
     }
-    progressClear();
-    if (input.position == 0)
-        fail(input.name + ": holds no samples");
+    endReading(input);
     if (work.table)
         work.table->finish();
     if (picture)

@@ -3,13 +3,8 @@
 #include "conversion.h"
 #include "conversion_quality.h"
 #include "failure.h"
-#include "json_text.h"
+#include "messages.h"
 #include "shared_options.h"
-
-extern "C" {
-#include "common/messages.h"
-#include "common/progress.h"
-}
 
 #include <atomic>
 #include <cstring>
@@ -49,15 +44,12 @@ std::string resample(const std::string &from, const std::string &to, const Optio
                        input.length < 0 ? -1 : framesAt(input.length, old, rate));
     const auto write = [&](const float *frames, int64_t count) { output.write(frames, count); };
     convert(converters, input, write, rate, progress);
-    if (progress)
-        progressClear();
-    if (input.position == 0)
-        fail(input.name + ": holds no samples");
+    endReading(input);
     output.finish();
     noteDamage(input);
-    return onOneLine(to + ": " + std::to_string(input.position) + " frames at " + std::to_string(old) +
-                     " Hz became " + std::to_string(output.framesWritten()) + " at " + std::to_string(rate) +
-                     " Hz; " + qualityOf(old, options.converter));
+    return to + ": " + std::to_string(input.position) + " frames at " + std::to_string(old) + " Hz became " +
+           std::to_string(output.framesWritten()) + " at " + std::to_string(rate) + " Hz; " +
+           qualityOf(old, options.converter);
 }
 
 // The name that a file gets in the folder.
@@ -102,9 +94,9 @@ void resampleAll(const Options &options)
             }
             const std::lock_guard<std::mutex> lock(speaking);
             if (failure.status == 0) {
-                std::puts(line.c_str());
+                say(line);
             } else {
-                refuse("orva resample: %s", failure.text.c_str());
+                note("orva resample: " + failure.text);
                 all = false;
             }
         }
@@ -130,7 +122,7 @@ void run(const Options &options)
         failUse("give an input and an output, or files and --into FOLDER; see 'orva resample --help'");
     const std::string line = resample(options.files[0], options.files[1], options, true);
     if (options.files[1] != "-")
-        std::puts(line.c_str());
+        say(line);
 }
 
 } // namespace

@@ -1,11 +1,9 @@
 #include "sound_input.h"
 
 #include "failure.h"
+#include "messages.h"
+#include "progress.h"
 #include "standard_input.h"
-
-extern "C" {
-#include "common/messages.h"
-}
 
 #include <cerrno>
 #include <cmath>
@@ -103,14 +101,26 @@ int64_t readSound(SoundInput &input, float *frames, int64_t count)
     return done;
 }
 
+void showProgress(const SoundInput &input)
+{
+    showProgress(input.position, input.length);
+}
+
+void endReading(const SoundInput &input)
+{
+    clearProgress();
+    if (input.position == 0)
+        fail(input.name + ": holds no samples");
+}
+
 void noteDamage(const SoundInput &input)
 {
     if (input.notFinite > 0)
-        note("%s: %lld sample%s not finite; taken as 0", input.name.c_str(),
-             static_cast<long long>(input.notFinite), input.notFinite > 1 ? "s are" : " is");
+        note(input.name + ": " + std::to_string(input.notFinite) +
+             (input.notFinite > 1 ? " samples are" : " sample is") + " not finite; taken as 0");
     if (input.endedEarly)
-        note("%s: ends after %lld of %lld frames; the rest is missing", input.name.c_str(),
-             static_cast<long long>(input.position), static_cast<long long>(input.length));
+        note(input.name + ": ends after " + std::to_string(input.position) + " of " +
+             std::to_string(input.length) + " frames; the rest is missing");
 }
 
 void copyMetadata(SNDFILE *from, SNDFILE *to, double ratio, double longer)

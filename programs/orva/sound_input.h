@@ -37,6 +37,12 @@ SoundInput openSound(const std::string &path, const RawFormat &raw);
 // Reads on, with the channels interleaved. Fewer frames than asked, 0 included, are the last ones.
 int64_t readSound(SoundInput &input, float *frames, int64_t count);
 
+// Shows how far it has been read.
+void showProgress(const SoundInput &input);
+
+// After the last frame: takes that away, and refuses a sound that turned out to hold no sample.
+void endReading(const SoundInput &input);
+
 // Tells, where there is any, what was wrong with the samples read.
 void noteDamage(const SoundInput &input);
 

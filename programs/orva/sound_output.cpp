@@ -1,11 +1,8 @@
 #include "sound_output.h"
 
 #include "failure.h"
+#include "messages.h"
 #include "wav_head.h"
-
-extern "C" {
-#include "common/messages.h"
-}
 
 #include <algorithm>
 #include <cerrno>
@@ -224,8 +221,10 @@ void SoundOutput::finish()
     if (cut == 0)
         return;
     const double gain = std::floor(10 * (options.gain - 20 * std::log10(static_cast<double>(peak)))) / 10;
-    note("%s: %lld sample%s cut at full scale; --gain %.1f would avoid it", name.c_str(),
-         static_cast<long long>(cut), cut > 1 ? "s are" : " is", gain);
+    char text[96];
+    std::snprintf(text, sizeof text, ": %" PRId64 " sample%s cut at full scale; --gain %.1f would avoid it",
+                  cut, cut > 1 ? "s are" : " is", gain);
+    note(name + text);
 }
 
 } // namespace orva

@@ -2,14 +2,11 @@
 #include "command.h"
 #include "drawing/picture.h"
 #include "failure.h"
-#include "json_text.h"
+#include "messages.h"
+#include "progress.h"
 #include "shared_options.h"
 #include "sound_frames.h"
 #include "spectrum.h"
-
-extern "C" {
-#include "common/progress.h"
-}
 
 #include <orva/ORVAwinfnc.h>
 
@@ -76,22 +73,20 @@ Shown measured(SoundInput &input, const Options &options, const FrameRange &rang
     const double rate = input.info.samplerate;
     Shown shown;
     shown.channels = channelsOf(input, options.channel);
-    Spectrum spectrum(windowNamed(options.window), range.size);
+    Spectrum spectrum(range.size, options.window);
     const GridSize size = gridSizeOf(file, layoutFor(shown.channels.size()));
     shown.levels.assign(shown.channels.size(), LevelGrid(size, frequencyAxis(options.scale, rate / 2),
-                                                         rate / range.size, spectrum.bins()));
+                                                         rate / range.size, std::ssize(spectrum.power())));
     SoundFrames frames(input, range);
     while (frames.next()) {
         for (size_t i = 0; i < shown.channels.size(); ++i) {
-            frames.copy(shown.channels[i], spectrum.frame());
+            frames.copy(shown.channels[i], spectrum.frame().data());
+            spectrum.transform();
             shown.levels[i].add(spectrum.levels(options.range));
         }
-        if (input.length > 0)
-            progressShow(std::min(input.position, range.to), std::min(input.length, range.to));
+        showProgress(std::min(input.position, range.to), std::min(input.length, range.to));
     }
-    progressClear();
-    if (input.position == 0)
-        fail(input.name + ": holds no samples");
+    endReading(input);
     if (frames.count() == 0)
         fail(input.name + ": ends before --from");
     shown.frames = frames.count();
@@ -166,7 +161,7 @@ void run(Options options)
         std::snprintf(text, sizeof text, ", loudest point: %.1f dB", static_cast<double>(shown.loudest));
     else
         std::snprintf(text, sizeof text, ", nothing above %g dB", -options.range);
-    std::puts(onOneLine(line + text).c_str());
+    say(line + text);
 }
 
 } // namespace

@@ -5,6 +5,7 @@
 #include <orva/ORVAcomplex.h>
 #include <orva/ORVAwinfnc.h>
 
+#include <algorithm>
 #include <cmath>
 #include <new>
 
@@ -24,25 +25,38 @@ int32_t windowNamed(const std::string &name)
     failUse("there is no window '" + name + "'; the windows are " + names);
 }
 
-Spectrum::Spectrum(int32_t type, int32_t length)
-    : size(length), window(static_cast<size_t>(length)), samples(window.size()),
-      power(static_cast<size_t>(length / 2 + 1) + 3), decibels(power.size()), // computed by fours
-      work(window.size() + 3), fft(ORVA_FFTProcCreate(length))
+Spectrum::Spectrum(int32_t size, const std::string &name)
+    : window(static_cast<size_t>(size)), samples(window.size()), powers(bins() + 3),
+      decibels(powers.size()), // computed by fours
+      work(window.size() + 3), fft(ORVA_FFTProcCreate(size))
 {
     if (fft == nullptr)
         throw std::bad_alloc();
-    ORVA_CreateWindow(type, window.data(), static_cast<uint32_t>(size));
+    ORVA_CreateWindow(windowNamed(name), window.data(), static_cast<uint32_t>(size));
     norm = std::pow(ORVA_GetWindowNormFactor(window.data(), size), 4); // enters by its square root
     if (!(norm > 1e-24) || !std::isfinite(norm))
         failUse("the window has no gain with frames of " + std::to_string(size) + " samples");
 }
 
-const std::vector<float> &Spectrum::levels(double range)
+std::span<float> Spectrum::transform()
 {
-    ORVA_ApplyWindow(window.data(), samples.data(), size);
-    ORVA_FFTProcExecutePSDEx(fft.get(), samples.data(), power.data(), work.data());
-    ORVA_PSDtoDB(size, power.data(), decibels.data(), nullptr, norm, range);
-    return decibels;
+    ORVA_ApplyWindow(window.data(), samples.data(), static_cast<int32_t>(samples.size()));
+    ORVA_FFTProcExecutePSDEx(fft.get(), samples.data(), powers.data(), work.data());
+    return power();
+}
+
+void Spectrum::follow(std::span<float> past, std::span<const float> newer)
+{
+    std::copy(past.begin() + std::ssize(newer), past.end(), past.begin());
+    std::copy(newer.begin(), newer.end(), past.end() - std::ssize(newer));
+    std::copy(past.begin(), past.end(), samples.begin());
+    transform();
+}
+
+std::span<const float> Spectrum::levels(double range, const float *gain)
+{
+    ORVA_PSDtoDB(static_cast<int32_t>(samples.size()), powers.data(), decibels.data(), gain, norm, range);
+    return {decibels.data(), bins()};
 }
 
 } // namespace orva

@@ -4,6 +4,7 @@
 #include <orva/ORVAfft.h>
 
 #include <memory>
+#include <span>
 #include <string>
 #include <vector>
 
@@ -17,22 +18,34 @@ class Spectrum
 {
 public:
     // Refuses, as used wrongly, a window without gain at this size.
-    Spectrum(int32_t window, int32_t size);
+    explicit Spectrum(int32_t size, const std::string &window = "Hanning");
 
     // To be filled before each transform; it is windowed in place.
-    float *frame()
+    std::span<float> frame()
     {
-        return samples.data();
+        return samples;
     }
 
     // From 0 to half the rate.
-    int32_t bins() const
+    size_t bins() const
     {
-        return size / 2 + 1;
+        return samples.size() / 2 + 1;
     }
 
-    // The level of each bin, no lower than -range.
-    const std::vector<float> &levels(double range);
+    // The power of each bin of the frame, without scaling; it may be changed before levels() measures it.
+    std::span<float> transform();
+
+    // The same for a stream: moves `past`, its last samples, on by newer ones, and takes it as the frame.
+    void follow(std::span<float> past, std::span<const float> newer);
+
+    std::span<float> power()
+    {
+        return {powers.data(), bins()};
+    }
+
+    // The level of each bin, no lower than -range. `gain`, one for each bin, multiplies its magnitude; it stands at an
+    // address that 16 divides, with room for three more.
+    std::span<const float> levels(double range, const float *gain = nullptr);
 
 private:
     struct Destroy {
@@ -42,9 +55,8 @@ private:
         }
     };
 
-    int32_t size;
     double norm = 0;
-    std::vector<float> window, samples, power, decibels;
+    std::vector<float> window, samples, powers, decibels;
     std::vector<ORVA_COMPLEX> work;
     std::unique_ptr<ORVA_FFT, Destroy> fft;
 };

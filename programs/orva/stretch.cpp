@@ -2,13 +2,9 @@
 #include "command.h"
 #include "drawing/outline.h"
 #include "failure.h"
-#include "json_text.h"
+#include "messages.h"
+#include "schedule.h"
 #include "shared_options.h"
-
-extern "C" {
-#include "common/progress.h"
-#include "common/schedule.h"
-}
 
 #include <orva/ORVAsolafs.h>
 
@@ -101,7 +97,7 @@ void stretch(Stretching &work, SoundInput &input, const Schedule &speeds, SoundO
     int64_t tail = 7 * (static_cast<int64_t>(frameMs) * rate / 1000 / 8 * 8) / 2;
     for (bool ended = false; !ended || tail > 0;) {
         int64_t count = ended ? std::min(block, tail) : block;
-        const float speed = scheduleAt(&speeds, work.taken, rate, &count);
+        const float speed = speedAt(speeds, work.taken, rate, count);
         if (ended) {
             std::fill(work.in.begin(), work.in.end(), 0.0F);
             tail -= count;
@@ -113,12 +109,9 @@ void stretch(Stretching &work, SoundInput &input, const Schedule &speeds, SoundO
                 work.before.add(work.in.data(), count, input.info.channels);
         }
         push(work, work.in.data(), count, speed, output);
-        if (input.length > 0)
-            progressShow(std::min(input.position, input.length), input.length);
+        showProgress(input);
     }
-    progressClear();
-    if (input.position == 0)
-        fail(input.name + ": holds no samples");
+    endReading(input);
 }
 
 double heardAt(const Stretching &work, int64_t position, int rate)
@@ -168,12 +161,7 @@ void draw(const Stretching &work, const SoundInput &input, const std::string &sp
 
 void run(const Options &options)
 {
-    Schedule speeds = {};
-    speeds.name = "speed";
-    speeds.least = 0.1;
-    speeds.most = 3;
-    if (!scheduleRead(&speeds, options.speed.c_str(), 1))
-        throw Failure{usedWrongly, ""}; // it has been told why
+    const Schedule speeds = scheduleFrom(options.speed);
     SoundInput input = openSound(options.input, options.how.raw);
     const int rate = input.info.samplerate;
     const auto work = std::make_unique<Stretching>();
@@ -182,7 +170,7 @@ void run(const Options &options)
         picture.emplace(options.picture);
     work->drawn = picture.has_value();
     begin(*work, input);
-    const double length = speeds.count == 1 ? 1 / static_cast<double>(speeds.values[0]) : 0;
+    const double length = speeds.size() == 1 ? 1 / static_cast<double>(speeds[0].speed) : 0;
     SoundOutput output(options.output, options.how, input, rate, -1, length);
     stretch(*work, input, speeds, output);
     if (!options.map.empty())
@@ -197,7 +185,7 @@ void run(const Options &options)
     std::snprintf(text, sizeof text, ": %.2f s became %.2f s; its middle is what stood at %.2f s",
                   static_cast<double>(input.position) / rate, static_cast<double>(work->given) / rate,
                   heardAt(*work, work->given / 2, rate));
-    std::puts(onOneLine(options.output + text).c_str());
+    say(options.output + text);
 }
 
 } // namespace

@@ -1,7 +1,7 @@
 // The command twice: a sound and beside it the same, late and in noise, to try what orva delay finds.
 #include "command.h"
 #include "failure.h"
-#include "json_text.h"
+#include "messages.h"
 #include "shared_options.h"
 
 #include <algorithm>
@@ -101,7 +101,7 @@ void run(const Options &options)
     std::snprintf(text, sizeof text,
                   ": the sound, and beside it the same %d samples later with noise at %g dB", options.delay,
                   -options.noise);
-    std::puts(onOneLine(options.output + text).c_str());
+    say(options.output + text);
 }
 
 } // namespace

@@ -239,35 +239,37 @@ TEST(OrvaFilter, RefusesInOneLineAndWritesNothing)
 {
     const support::Folder folder;
     putVoice(folder);
-    const std::string information = "ORVA_CreateFilter: you must specify As or order";
-    const std::string nothing = "configuration: no filter has these edges, attenuations and order";
+    const std::string information = "orva filter: ORVA_CreateFilter: you must specify As or order";
+    const std::string nothing = "orva filter: no filter has these edges, attenuations and order";
     const std::string edge = " is not a frequency below half the sampling rate";
-    const std::string columns = "configuration: a row of biquads has 5 numbers, a1, a2, b0, b1 and b2, not ";
-    const std::string unstable = "orva filter: configuration: this filter is not stable";
+    const std::string columns = "orva filter: a row of biquads has 5 numbers, a1, a2, b0, b1 and b2, not ";
+    const std::string unstable = "orva filter: this filter is not stable";
     const struct {
         const char *text;
         std::string says;
     } cases[] = {
         {"", information},
         {"numerator=[1 2]", information},
-        {"order=4", "ORVA_CreateFilter: You must specify a cutoff frequency (fpass)"},
-        {"type=tophat; order=4; fpass=300", "ORVA_CreateFilter: Invalid filter type: tophat"},
-        {"approximation=elliptic; order=4; fpass=300", "ORVA_CreateFilter: Invalid approximation (elliptic)"},
+        {"order=4", "orva filter: ORVA_CreateFilter: You must specify a cutoff frequency (fpass)"},
+        {"type=tophat; order=4; fpass=300", "orva filter: ORVA_CreateFilter: Invalid filter type: tophat"},
+        {"approximation=elliptic; order=4; fpass=300",
+         "orva filter: ORVA_CreateFilter: Invalid approximation (elliptic)"},
         {"order=4; fpass=0", nothing},
         {"type=bp; order=4; fpass1=3400; fpass2=300", nothing},
-        {"order=4; fpass=24000", "configuration: fpass=24000" + edge},
-        {"As=40; fpass=300; fstop=5e4", "configuration: fstop=5e4" + edge},
-        {"order=0; fpass=300", "configuration: order=0 is not a whole number from 1 to 1000"},
-        {"order=4; Ap=0; fpass=300", "configuration: Ap=0 is not a number of decibels above 0"},
-        {"order=4; fpass=300; gain=-1", "configuration: gain=-1 is not a number from 0 to 1000000"},
+        {"order=4; fpass=24000", "orva filter: fpass=24000" + edge},
+        {"As=40; fpass=300; fstop=5e4", "orva filter: fstop=5e4" + edge},
+        {"order=0; fpass=300", "orva filter: order=0 is not a whole number from 1 to 1000"},
+        {"order=4; Ap=0; fpass=300", "orva filter: Ap=0 is not a number of decibels above 0"},
+        {"order=4; fpass=300; gain=-1", "orva filter: gain=-1 is not a number from 0 to 1000000"},
         {"biquads=[1 2 3 4]", columns + "4"},
         {"biquads=7", columns + "1"},
         {"biquads=[1 2; 3]",
-         "configuration: biquads=[1 2; 3] is not a matrix such as [a1 a2 b0 b1 b2; a1 a2 b0 b1 b2]"},
-        {"numerator=[1; 2]; denominator=1", "configuration: numerator=[1; 2] is not a vector such as [1 -1]"},
-        {"numerator=1; denominator=one", "configuration: denominator=one is not a vector such as [1 -0.9]"},
+         "orva filter: biquads=[1 2; 3] is not a matrix such as [a1 a2 b0 b1 b2; a1 a2 b0 b1 b2]"},
+        {"numerator=[1; 2]; denominator=1", "orva filter: numerator=[1; 2] is not a vector such as [1 -1]"},
+        {"numerator=1; denominator=one", "orva filter: denominator=one is not a vector such as [1 -0.9]"},
         {"biquad=[0 0 1 0 0]",
-         "configuration: unknown key \"biquad\"; the keys are type, approximation, order, fpass, fpass1, "
+         "orva filter: there is no key 'biquad', did you mean 'biquads'?; the keys are type, approximation, "
+         "order, fpass, fpass1, "
          "fpass2, fstop, fstop1, fstop2, Ap, As, gain, biquads, numerator, denominator"},
         {"biquads=[-2.1 1.2 1 0 0]", unstable},
         {"numerator=1; denominator=0", unstable},

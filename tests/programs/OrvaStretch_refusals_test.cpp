@@ -74,5 +74,6 @@ TEST(OrvaStretchRefusals, NameWhatIsWrongWithTheSpeed)
         {many.str(), "more than 256 values"},
     };
     for (const auto &[speed, message] : cases)
-        expectRefused({"stretch", "voice.wav", "o.wav", "--speed=" + speed}, folder, 2, "speed: " + message);
+        expectRefused({"stretch", "voice.wav", "o.wav", "--speed=" + speed}, folder, 2,
+                      "orva stretch: speed: " + message);
 }
