@@ -100,3 +100,55 @@ TEST(OrvaManual, BashCompletesCommandsOptionsAndFiles)
         orvaShell("source '" PROGRAMS_SOURCE_DIR "/orva/completion.bash' && complete -p orva", folder);
     EXPECT_EQ(outcome.out, "complete -o bashdefault -o default -F _orva orva\n");
 }
+
+TEST(OrvaManual, BashCompletesTheValuesOfOptions)
+{
+    const support::Folder folder;
+    std::filesystem::create_directory(folder.path / "a folder");
+    support::writeFile(folder / "a file", "");
+    putVoice(folder);
+    const auto words = [](const std::string &list) {
+        std::string lines = list;
+        std::replace(lines.begin(), lines.end(), ' ', '\n');
+        return linesOf(lines);
+    };
+    const struct {
+        const char *typed;
+        std::vector<std::string> offered;
+    } cases[] = {
+        {"resample a.wav b.wav --rate 4", words("44.1k 48k")},
+        {"resample a.wav b.wav -r 4", words("44.1k 48k")},
+        {"resample a.wav --bits ''", words("8 16 24 32 float double")},
+        {"resample a.wav --bits = fl", words("float")},
+        {"resample --into a", {"a folder"}},
+        {"resample --into =", {"a folder"}},
+        {"filter a.wav --raw u", words("u8 ulaw")},
+        {"denoise a.wav --policy ''", words("0 1 2 3")},
+        {"spectrogram a.wav --scale ''", words("linear mel bark")},
+        {"spectrogram a.wav --scale =", words("linear mel bark")},
+        {"spectrogram a.wav --channel a", words("all")},
+        {"spectrogram a.wav --size ''", {""}},
+    };
+    for (const auto &[typed, offered] : cases)
+        EXPECT_EQ(completed(typed, folder), offered) << typed;
+}
+
+// What is refused tells what there is.
+TEST(OrvaManual, BashCompletesEachFormatAndWindowThatThereIs)
+{
+    const support::Folder folder;
+    putVoice(folder);
+    const struct {
+        const char *command, *option, *before;
+    } cases[] = {{"resample voice.wav o --rate=8k", "--format", "; there are "},
+                 {"spectrogram voice.wav o.png", "--window", "; the windows are "}};
+    for (const auto &[command, option, before] : cases) {
+        const std::string line = std::string(command) + " " + option;
+        const std::string refusal = orvaShell("orva " + line + " nonsense", folder).err;
+        const size_t list = refusal.find(before);
+        ASSERT_NE(list, std::string::npos) << refusal;
+        const std::string names = refusal.substr(list + std::string(before).size());
+        EXPECT_EQ(completed(line + " ''", folder), linesOf(std::regex_replace(names, std::regex(", "), "\n")))
+            << line;
+    }
+}
