@@ -204,8 +204,8 @@ TEST(Bootstrap, InstallsWhatEachGroupNeeds)
 
     // None named is all of them.
     std::set<std::string> every;
-    for (const char *group :
-         {"build", "examples", "tests", "bench", "documents", "packages", "emulator", "arm64", "windows"})
+    for (const char *group : {"build", "examples", "long", "tests", "bench", "documents", "packages",
+                              "emulator", "arm64", "windows"})
         for (const auto &package : system.packagesOf({group}))
             every.insert(package);
     const auto all = system.packagesOf({});
