@@ -3,8 +3,6 @@
 
 #include "options.h"
 
-#include <memory>
-
 namespace orva
 {
 

@@ -68,8 +68,7 @@ void Comparison::save(const std::string &title, const std::string &subtitle, dou
     if (!file)
         return;
     Picture picture(*file, layout, title, subtitle);
-    const char *const labels[] = {"What goes in (dB re full-scale sine)",
-                                  "What comes out (dB re full-scale sine)"};
+    const char *const labels[] = {"In (dB re full-scale sine)", "Out (dB re full-scale sine)"};
     for (size_t panel = 0; panel < 2; ++panel) {
         picture.panel(panel, axisTime(0, seconds), axisFrequency(0, top, false));
         picture.image(panel, *grids[panel], first - step / 2, step, -range, 0, labels[panel]);

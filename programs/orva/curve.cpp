@@ -146,19 +146,17 @@ void run(const Options &options)
 
 void addCurve(CLI::App &program)
 {
-    auto options = std::make_shared<Options>();
-    CLI::App &command =
-        addCommand(program, "curve", "Draw a calibration, and the spectrum of a sound without and with it",
-                   [options] { run(*options); });
-    addInput(command, options->input);
+    const auto [command, options] = addCommand(
+        program, "curve", "Draw a calibration, and the spectrum of a sound without and with it", run);
+    addInput(command, options.input);
     addText(
         command,
         {"points", "POINTS", "The calibration: \"HZ DB; HZ DB; ...\", from 2 to 256 points", Need::required},
-        options->points);
+        options.points);
     addText(command, {"picture", "PICTURE", "PNG, SVG or PDF of the curve and both spectra"},
-            options->picture.path);
-    addPictureOptions(command, options->picture);
-    addInputOptions(command, options->raw);
+            options.picture.path);
+    addPictureOptions(command, options.picture);
+    addInputOptions(command, options.raw);
     addNotes(command,
              "Through the points runs a cubic spline over the logarithm of the frequency, natural at "
              "both ends. Outside\n"

@@ -153,18 +153,17 @@ void run(const Options &options)
 
 void addDelay(CLI::App &program)
 {
-    auto options = std::make_shared<Options>();
-    CLI::App &command =
-        addCommand(program, "delay", "Find by how much one sound lags another", [options] { run(*options); });
+    const auto [command, options] =
+        addCommand(program, "delay", "Find by how much one sound lags another", run);
     addText(command,
             {"first", "FILE", "Sound file; alone, its first two channels are compared", Need::required},
-            options->first);
-    addText(command, {"second", "FILE", "The other; of each the first channel is taken"}, options->second);
+            options.first);
+    addText(command, {"second", "FILE", "The other; of each the first channel is taken"}, options.second);
     addNumber(command,
               {"--frame", "N", "Samples compared at a time, four times the longest delay or more (16384)"},
-              options->frame, 64, 1 << 24);
-    addPictureAsked(command, options->picture, "the correlation");
-    addInputOptions(command, options->raw);
+              options.frame, 64, 1 << 24);
+    addPictureAsked(command, options.picture, "the correlation");
+    addInputOptions(command, options.raw);
     addNotes(command, "A positive lag means that the second sound is the later one. Each frame that is not "
                       "silent has the lag at which\n"
                       "its correlation with phase transform peaks; the answer is the commonest, and how many "

@@ -23,12 +23,10 @@ namespace
 
 const double range = 100; // dB of the picture
 
-struct Options {
-    std::string input, output;
+struct Options : SoundOptions {
     PictureOptions picture;
     int rate = 0; // 0: one that suits the sound
     int32_t policy = 2;
-    OutputOptions how;
 };
 
 struct DestroySuppressor {
@@ -170,14 +168,13 @@ void run(const Options &options)
 
 void addDenoise(CLI::App &program)
 {
-    auto options = std::make_shared<Options>();
-    CLI::App &command = addCommand(program, "denoise", "Send a sound through the noise suppressor",
-                                   [options] { run(*options); });
-    addInputAndOutput(command, options->input, options->output);
-    addNumber(command, {"--policy", "N", "From 0, mild, to 3, strong (2)"}, options->policy, 0, 3);
-    addRateOption(command, options->rate, "8000, 16000 or 32000; the sound is converted to it first");
-    addPictureAsked(command, options->picture, "what goes in and what comes out");
-    addOutputOptions(command, options->how);
+    const auto [command, options] =
+        addCommand(program, "denoise", "Send a sound through the noise suppressor", run);
+    addInputAndOutput(command, options);
+    addNumber(command, {"--policy", "N", "From 0, mild, to 3, strong (2)"}, options.policy, 0, 3);
+    addRateOption(command, options.rate, "8000, 16000 or 32000; the sound is converted to it first");
+    addPictureAsked(command, options.picture, "what goes in and what comes out");
+    addOutputOptions(command, options.how);
     addNotes(command, "The suppressor adapts without its analysis step and learns no noise: it takes next to "
                       "nothing out, and\n"
                       "what remains of a hiss is what went in. 8000 and 16000 Hz stay, other rates become "

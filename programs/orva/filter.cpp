@@ -13,9 +13,8 @@ namespace orva
 namespace
 {
 
-struct Options {
-    std::string input, output, text;
-    OutputOptions how;
+struct Options : SoundOptions {
+    std::string text;
 };
 
 void run(const Options &options)
@@ -52,14 +51,12 @@ void run(const Options &options)
 
 void addFilter(CLI::App &program)
 {
-    auto options = std::make_shared<Options>();
-    CLI::App &command =
-        addCommand(program, "filter", "Run a sound through a filter that a line of text tells",
-                   [options] { run(*options); });
-    addInputAndOutput(command, options->input, options->output);
+    const auto [command, options] =
+        addCommand(program, "filter", "Run a sound through a filter that a line of text tells", run);
+    addInputAndOutput(command, options);
     addText(command, {"text", "TEXT", "The filter: a design with edges in Hz, or numbers", Need::required},
-            options->text);
-    addOutputOptions(command, options->how);
+            options.text);
+    addOutputOptions(command, options.how);
     addNotes(
         command,
         "Keys of TEXT, such as \"type=highpass; order=4; fpass=80\":\n"

@@ -195,13 +195,25 @@ int formatFor(const std::string &path, const StoreAs &told, const SF_INFO &like)
     for (const int one : tries) {
         SF_INFO info = like;
         info.format = format.major | one;
-        if (sf_format_check(&info) != 0)
-            return info.format;
+        if (sf_format_check(&info) != 0 && (format.major != SF_FORMAT_WVE || like.samplerate == 8000))
+            return info.format; // WVE has no place for another rate, which libsndfile does not mind
     }
     failUse(path + ": the format " + format.name + " does not store " +
             (told.bits.empty()
                  ? std::to_string(like.channels) + " channels at " + std::to_string(like.samplerate) + " Hz"
                  : "samples of --bits " + told.bits));
+}
+
+int rateKept(int format, int rate)
+{
+    switch (format & SF_FORMAT_TYPEMASK) {
+    case SF_FORMAT_HTK: // whole periods of 100 ns
+        return 10000000 / std::max(10000000 / rate, 1);
+    case SF_FORMAT_SDS: // of 1 ns
+        return 1000000000 / std::max(1000000000 / rate, 1);
+    default:
+        return rate;
+    }
 }
 
 int bytesOfSample(int format)

@@ -30,6 +30,9 @@ struct StoreAs {
 // name and a choice that no format is for.
 int formatFor(const std::string &path, const StoreAs &told, const SF_INFO &like);
 
+// The rate that a file of this format will tell; some keep it as the time from one sample to the next.
+int rateKept(int format, int rate);
+
 // Bytes of a stored sample, 0 where they are not all equally long.
 int bytesOfSample(int format);
 

@@ -13,6 +13,7 @@ namespace
 
 struct Polynomial {
     std::complex<double> value, moment; // sums of p[k] e^-jwk and of k p[k] e^-jwk
+    double size = 0;                    // sum of |p[k]|
 };
 
 Polynomial polynomialAt(const std::vector<double> &p, double w)
@@ -22,6 +23,7 @@ Polynomial polynomialAt(const std::vector<double> &p, double w)
         const std::complex<double> term = p[k] * std::polar(1.0, -w * static_cast<double>(k));
         at.value += term;
         at.moment += static_cast<double>(k) * term;
+        at.size += std::fabs(p[k]);
     }
     return at;
 }
@@ -36,6 +38,8 @@ ResponseAt responseAt(const std::vector<Section> &sections, double rate, double 
     for (const Section &section : sections) {
         const Polynomial b = polynomialAt(section.b, w);
         const Polynomial a = polynomialAt(section.a, w);
+        if (std::abs(b.value) < 1e-13 * b.size) // a zero: what is left of it is rounding
+            return {hertz, -HUGE_VAL, NAN, NAN};
         at.gainDb += 20 * (std::log10(std::abs(b.value)) - std::log10(std::abs(a.value)));
         radians += std::arg(b.value) - std::arg(a.value);
         at.delaySamples += (b.moment / b.value).real() - (a.moment / a.value).real();

@@ -16,7 +16,8 @@ struct ResponseAt {
 };
 
 // H(w) is the product of the sections' B / A, with P(w) = sum over k of p[k] e^-jwk; the group delay is the sum of
-// Re((sum of k p[k] e^-jwk) / P(w)), of B less that of A.
+// Re((sum of k p[k] e^-jwk) / P(w)), of B less that of A. Where B is 0 the gain is -infinity, and phase and delay are not a
+// number.
 ResponseAt responseAt(const std::vector<Section> &sections, double rate, double hertz);
 
 // From rate / 4800 to half the rate, evenly on a logarithmic axis.

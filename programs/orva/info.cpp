@@ -78,9 +78,10 @@ std::string inWords(const std::string &name, const Contents &contents)
     std::snprintf(numbers, sizeof numbers, "%d Hz, %d channel%s, %.3f s (%" PRId64 " frames)",
                   contents.info.samplerate, contents.info.channels, contents.info.channels > 1 ? "s" : "",
                   static_cast<double>(contents.frames) / contents.info.samplerate, contents.frames);
+    const double dc = contents.all.sum / static_cast<double>(samples);
     char rest[96];
-    std::snprintf(rest, sizeof rest, "DC %.5f, clipped %" PRId64,
-                  contents.all.sum / static_cast<double>(samples), contents.all.clipped);
+    std::snprintf(rest, sizeof rest, "DC %.5f, clipped %" PRId64, std::fabs(dc) < 5e-6 ? 0 : dc, // no -0
+                  contents.all.clipped);
     return name + ": " + numbers + ", " + formatName(contents.info.format) + ", peak " +
            decibels(contents.all.peak) + ", rms " + decibels(rms(contents.all, samples)) + ", " + rest;
 }
@@ -139,15 +140,13 @@ void run(const Options &options)
 
 void addInfo(CLI::App &program)
 {
-    auto options = std::make_shared<Options>();
-    CLI::App &command =
-        addCommand(program, "info", "Tell rate, length, level and more of sound files, a line a file",
-                   [options] { run(*options); });
-    addTexts(command, {"files", "FILE", "Sound files; - is standard input", Need::required}, options->files);
+    const auto [command, options] =
+        addCommand(program, "info", "Tell rate, length, level and more of sound files, a line a file", run);
+    addTexts(command, {"files", "FILE", "Sound files; - is standard input", Need::required}, options.files);
     addFlag(command, "--json",
             "Write each line as a JSON object, levels as parts of full scale, with those of each channel",
-            options->json);
-    addInputOptions(command, options->raw);
+            options.json);
+    addInputOptions(command, options.raw);
     addNotes(command,
              "Peak, rms and DC are of all channels together, 0 dB is full scale; clipped are samples "
              "that have the\n"

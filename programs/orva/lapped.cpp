@@ -22,12 +22,10 @@ namespace
 
 const double range = 100; // dB of the picture
 
-struct Options {
-    std::string input, output;
+struct Options : SoundOptions {
     PictureOptions picture;
     int32_t block = 512;
     float gate = -60; // dB, a sine of full scale having 0
-    OutputOptions how;
 };
 
 struct DestroyTransform {
@@ -162,19 +160,17 @@ void run(const Options &options)
 
 void addLapped(CLI::App &program)
 {
-    auto options = std::make_shared<Options>();
-    CLI::App &command =
-        addCommand(program, "lapped", "Silence what is faint in a sound, each frequency by itself",
-                   [options] { run(*options); });
-    addInputAndOutput(command, options->input, options->output);
-    addNumber(command, {"--block", "N", "Samples, and frequencies, of a block (512)"}, options->block, 1,
+    const auto [command, options] =
+        addCommand(program, "lapped", "Silence what is faint in a sound, each frequency by itself", run);
+    addInputAndOutput(command, options);
+    addNumber(command, {"--block", "N", "Samples, and frequencies, of a block (512)"}, options.block, 1,
               65536);
     addNumber(
         command,
         {"--gate", "DB", "Level from which on a coefficient passes, a sine of full scale having 0 (-60)"},
-        options->gate, -300.0, 300.0);
-    addPictureAsked(command, options->picture, "the levels before and after the gate");
-    addOutputOptions(command, options->how);
+        options.gate, -300.0, 300.0);
+    addPictureAsked(command, options.picture, "the levels before and after the gate");
+    addOutputOptions(command, options.how);
     addNotes(
         command,
         "A gate for each coefficient of the lapped transform. The error is that of the transform itself: all "

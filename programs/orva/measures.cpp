@@ -155,8 +155,9 @@ void tell(const Measuring &work, const SoundFrames &frames, const SoundInput &in
     say(line + text);
 }
 
-void run(Options options)
+void run(const Options &asked)
 {
+    Options options = asked;
     if (options.table.empty() && options.picture.path.empty())
         options.table = "-";
     SoundInput input = openSound(options.input, options.raw);
@@ -196,21 +197,18 @@ void run(Options options)
 
 void addMeasures(CLI::App &program)
 {
-    auto options = std::make_shared<Options>();
-    CLI::App &command = addCommand(program, "measures",
-                                   "Tell energy, zero crossings and a mel spectrum of each frame of a sound",
-                                   [options] { run(*options); });
-    addInput(command, options->input);
+    const auto [command, options] = addCommand(
+        program, "measures", "Tell energy, zero crossings and a mel spectrum of each frame of a sound", run);
+    addInput(command, options.input);
     addText(command,
             {"table", "TABLE",
              "File whose name ends in .csv, or in .npy for an array of NumPy; - is CSV on standard output"},
-            options->table);
-    addNumber(command, {"--frame", "N", "Samples of a frame (1024)"}, options->size, 3, 1 << 20);
-    addNumber(command, {"--hop", "N", "Samples from one frame to the next (256)"}, options->hop, 1, 1 << 30);
-    addNumber(command, {"--mels", "N", "Bands of the mel spectrum, 0 for none (40)"}, options->bands, 0,
-              4096);
-    addPictureAsked(command, options->picture, "the spectrum over a mel axis, energy and zero crossings");
-    addInputOptions(command, options->raw);
+            options.table);
+    addNumber(command, {"--frame", "N", "Samples of a frame (1024)"}, options.size, 3, 1 << 20);
+    addNumber(command, {"--hop", "N", "Samples from one frame to the next (256)"}, options.hop, 1, 1 << 30);
+    addNumber(command, {"--mels", "N", "Bands of the mel spectrum, 0 for none (40)"}, options.bands, 0, 4096);
+    addPictureAsked(command, options.picture, "the spectrum over a mel axis, energy and zero crossings");
+    addInputOptions(command, options.raw);
     addNotes(command,
              "A row of the table for each frame and channel: the second on which the frame is "
              "centred, the channel,\n"

@@ -17,18 +17,6 @@ namespace
 
 enum { npyHeadBytes = 128, blockBytes = 65536 };
 
-void writeAll(int descriptor, const std::string &bytes, const std::string &name)
-{
-    for (size_t done = 0; done < bytes.size();) {
-        const ssize_t some = write(descriptor, bytes.data() + done, bytes.size() - done);
-        if (some < 0 && errno == EINTR)
-            continue;
-        if (some <= 0)
-            fail(name + ": " + std::strerror(errno));
-        done += static_cast<size_t>(some);
-    }
-}
-
 bool endsLike(const std::string &path, const char *ending)
 {
     std::string end = path.size() < 4 ? "" : path.substr(path.size() - 4);

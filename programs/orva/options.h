@@ -4,6 +4,7 @@
 
 #include <cstdint>
 #include <functional>
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -31,6 +32,20 @@ void beginProgram(CLI::App &program, const std::string &description, const std::
 // A command of the program, and what is done when it is given.
 CLI::App &addCommand(CLI::App &program, const std::string &name, const std::string &description,
                      const std::function<void()> &run);
+
+template <typename Options> struct CommandWith {
+    CLI::App &command;
+    Options &options;
+};
+
+// The same for one whose options write into a record of its own.
+template <typename Options>
+CommandWith<Options> addCommand(CLI::App &program, const std::string &name, const std::string &description,
+                                void (*run)(const Options &))
+{
+    const auto options = std::make_shared<Options>();
+    return {addCommand(program, name, description, [options, run] { run(*options); }), *options};
+}
 
 // What the help tells below the options.
 void addNotes(CLI::App &command, const std::string &notes);

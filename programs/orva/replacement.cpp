@@ -130,6 +130,18 @@ void Replacement::commit()
     parts[slot].state = takenPart; // nothing to remove
 }
 
+void writeAll(int descriptor, const std::string &bytes, const std::string &name)
+{
+    for (size_t done = 0; done < bytes.size();) {
+        const ssize_t some = write(descriptor, bytes.data() + done, bytes.size() - done);
+        if (some < 0 && errno == EINTR)
+            continue;
+        if (some <= 0)
+            fail(name + ": " + std::strerror(errno));
+        done += static_cast<size_t>(some);
+    }
+}
+
 bool isStream(const std::string &path)
 {
     struct stat present;

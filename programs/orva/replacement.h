@@ -35,6 +35,9 @@ private:
     int file = -1;
 };
 
+// Writes all of it; the name is for the message where that fails.
+void writeAll(int descriptor, const std::string &bytes, const std::string &name);
+
 // Whether something at `path` is to be written into and not to be replaced: a device, a pipe.
 bool isStream(const std::string &path);
 

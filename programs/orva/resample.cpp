@@ -129,26 +129,24 @@ void run(const Options &options)
 
 void addResample(CLI::App &program)
 {
-    auto options = std::make_shared<Options>();
-    CLI::App &command =
-        addCommand(program, "resample", "Write a sound at another sample rate, exactly as long",
-                   [options] { run(*options); });
+    const auto [command, options] =
+        addCommand(program, "resample", "Write a sound at another sample rate, exactly as long", run);
     addTexts(command,
              {"files", "FILE", "Input and output; with --into, as many inputs as you like", Need::required},
-             options->files);
-    addRateOption(command, options->converter.rate, "The rate, such as 44100 or 44.1k", Need::required);
+             options.files);
+    addRateOption(command, options.converter.rate, "The rate, such as 44100 or 44.1k", Need::required);
     addNumber(
         command,
         {"--order", "N",
          "Half the length of the filter: more keeps more of the highest frequencies and takes longer (30)"},
-        options->converter.order, 1, 1 << 20);
+        options.converter.order, 1, 1 << 20);
     addFlag(command, "--hold", "Repeat or drop samples instead, which has only some pairs of rates",
-            options->converter.hold);
+            options.converter.hold);
     exclude(command, "--hold", "--order");
     addText(command,
             {"--into", "FOLDER", "Write each file under its name into this folder, several at a time"},
-            options->folder);
-    addOutputOptions(command, options->output);
+            options.folder);
+    addOutputOptions(command, options.output);
     addNotes(command, "Says what the filter does: the ripple of what it keeps, by how much it takes out what "
                       "would appear at\n"
                       "another frequency, and by how much the result comes late.\n\n"

@@ -138,15 +138,14 @@ void run(const Options &options)
 
 void addResponse(CLI::App &program)
 {
-    auto options = std::make_shared<Options>();
-    CLI::App &command = addCommand(program, "response", "Tell and draw what a filter does to each frequency",
-                                   [options] { run(*options); });
+    const auto [command, options] =
+        addCommand(program, "response", "Tell and draw what a filter does to each frequency", run);
     addText(command, {"text", "TEXT", "The filter, as 'orva filter --help' tells", Need::required},
-            options->text);
+            options.text);
     addText(command, {"picture", "PICTURE", "PNG, SVG or PDF; - is a PNG on standard output, and no table"},
-            options->picture.path);
-    addPictureOptions(command, options->picture);
-    addRateOption(command, options->rate, "The sampling rate (48000)");
+            options.picture.path);
+    addPictureOptions(command, options.picture);
+    addRateOption(command, options.rate, "The sampling rate (48000)");
     addNotes(
         command,
         "Computed from the filter's coefficients. The table has 0 Hz, 1, 2 and 5 times each power of ten, "

@@ -76,10 +76,10 @@ void addOutput(CLI::App &command, std::string &output)
     addText(command, {"output", "FILE", "Sound file; - is standard output", Need::required}, output);
 }
 
-void addInputAndOutput(CLI::App &command, std::string &input, std::string &output)
+void addInputAndOutput(CLI::App &command, SoundOptions &options)
 {
-    addInput(command, input);
-    addOutput(command, output);
+    addInput(command, options.input);
+    addOutput(command, options.output);
 }
 
 void addInputOptions(CLI::App &command, RawFormat &raw)

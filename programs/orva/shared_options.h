@@ -8,10 +8,16 @@
 namespace orva
 {
 
+// What commands that make a sound of another are told.
+struct SoundOptions {
+    std::string input, output;
+    OutputOptions how;
+};
+
 // The sound that a command reads and the one that it writes.
 void addInput(CLI::App &command, std::string &input);
 void addOutput(CLI::App &command, std::string &output);
-void addInputAndOutput(CLI::App &command, std::string &input, std::string &output);
+void addInputAndOutput(CLI::App &command, SoundOptions &options);
 
 // --raw for commands that read sound.
 void addInputOptions(CLI::App &command, RawFormat &raw);

@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <cinttypes>
 #include <cmath>
 #include <cstring>
 
@@ -218,6 +219,9 @@ void SoundOutput::finish()
         spill();
     if (replacement != nullptr)
         replacement->commit();
+    const int kept = rateKept(info.format, info.samplerate);
+    if (kept != info.samplerate)
+        note(name + ": its format keeps the rate as " + std::to_string(kept) + " Hz");
     if (cut == 0)
         return;
     const double gain = std::floor(10 * (options.gain - 20 * std::log10(static_cast<double>(peak)))) / 10;

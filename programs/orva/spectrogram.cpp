@@ -128,8 +128,9 @@ std::string pictureNameFor(const std::string &sound)
     return (dot == std::string::npos || dot == 0 ? name : name.substr(0, dot)) + ".png";
 }
 
-void run(Options options)
+void run(const Options &asked)
 {
+    Options options = asked;
     if (!(options.from < options.to))
         failUse("--to must be after --from");
     if (options.picture.path.empty()) {
@@ -168,31 +169,29 @@ void run(Options options)
 
 void addSpectrogram(CLI::App &program)
 {
-    auto options = std::make_shared<Options>();
-    CLI::App &command =
-        addCommand(program, "spectrogram", "Draw the levels of a sound over time and frequency",
-                   [options] { run(*options); });
-    addInput(command, options->input);
+    const auto [command, options] =
+        addCommand(program, "spectrogram", "Draw the levels of a sound over time and frequency", run);
+    addInput(command, options.input);
     addText(
         command,
         {"picture", "PICTURE",
          "PNG, SVG or PDF; - is a PNG on standard output; else the sound's name with .png, in this folder"},
-        options->picture.path);
-    addChannelOption(command, options->channel);
-    addTimeOption(command, "--from", options->from, "Where to begin, in seconds or as minutes:seconds");
-    addTimeOption(command, "--to", options->to, "Where to end");
-    addChoice(command, {"--scale", "NAME", "Frequency axis: linear (default), mel or bark"}, options->scale,
+        options.picture.path);
+    addChannelOption(command, options.channel);
+    addTimeOption(command, "--from", options.from, "Where to begin, in seconds or as minutes:seconds");
+    addTimeOption(command, "--to", options.to, "Where to end");
+    addChoice(command, {"--scale", "NAME", "Frequency axis: linear (default), mel or bark"}, options.scale,
               {"linear", "mel", "bark"});
-    addNumber(command, {"--range", "DB", "Decibels shown below a sine of full scale (90)"}, options->range,
+    addNumber(command, {"--range", "DB", "Decibels shown below a sine of full scale (90)"}, options.range,
               1.0, 1000.0);
-    addNumber(command, {"--frame", "N", "Samples that are transformed at a time (1024)"}, options->frame, 2,
+    addNumber(command, {"--frame", "N", "Samples that are transformed at a time (1024)"}, options.frame, 2,
               1 << 20);
     addNumber(command, {"--hop", "N", "Samples from one frame to the next (a quarter of a frame)"},
-              options->hop, 1, INT32_MAX);
+              options.hop, 1, INT32_MAX);
     addText(command, {"--window", "NAME", "Window of a frame, as the library names it (Hanning)"},
-            options->window);
-    addPictureOptions(command, options->picture);
-    addInputOptions(command, options->raw);
+            options.window);
+    addPictureOptions(command, options.picture);
+    addInputOptions(command, options.raw);
     addNotes(command,
              "Frames are centred on every hop-th sample. Of all that falls on one point of the picture, the "
              "loudest shows.\n\n"

@@ -8,13 +8,9 @@
 
 #include <orva/ORVAsolafs.h>
 
-#include <cerrno>
 #include <cinttypes>
 #include <cstdio>
-#include <cstring>
 #include <optional>
-
-#include <unistd.h>
 
 namespace orva
 {
@@ -27,10 +23,9 @@ enum { frameMs = 20 };
 // A power of two rounds nothing on the way there and back.
 const float sampleScale = 32768;
 
-struct Options {
-    std::string input, output, speed, map;
+struct Options : SoundOptions {
+    std::string speed, map;
     PictureOptions picture;
-    OutputOptions how;
 };
 
 struct DestroyScaler {
@@ -125,8 +120,7 @@ void writeMap(const Stretching &work, int rate, const std::string &path)
     Replacement file(path);
     std::string text = "output_seconds,input_seconds\n";
     const auto flush = [&] {
-        if (write(file.descriptor(), text.data(), text.size()) != static_cast<ssize_t>(text.size()))
-            fail(path + ": " + std::strerror(errno));
+        writeAll(file.descriptor(), text, path);
         text.clear();
     };
     for (int64_t i = 0; i * rate / 100 <= work.given; ++i) {
@@ -192,20 +186,19 @@ void run(const Options &options)
 
 void addStretch(CLI::App &program)
 {
-    auto options = std::make_shared<Options>();
-    CLI::App &command = addCommand(program, "stretch", "Play a sound faster or slower at the same pitch",
-                                   [options] { run(*options); });
-    addInputAndOutput(command, options->input, options->output);
+    const auto [command, options] =
+        addCommand(program, "stretch", "Play a sound faster or slower at the same pitch", run);
+    addInputAndOutput(command, options);
     addText(command,
             {"-s,--speed", "SPEED",
              "0.1 to 3; or several, each after the second of the input from which on it holds, and a colon",
              Need::required},
-            options->speed);
+            options.speed);
     addText(command,
             {"--map", "FILE", "CSV of the place in the input that is heard at each place of the output"},
-            options->map);
-    addPictureAsked(command, options->picture, "both outlines, with places that correspond");
-    addOutputOptions(command, options->how);
+            options.map);
+    addPictureAsked(command, options.picture, "both outlines, with places that correspond");
+    addOutputOptions(command, options.how);
     addNotes(command,
              "Examples:\n"
              "  $ orva stretch voice.wav slow.wav --speed 0.7 --picture slow.png\n"

@@ -15,11 +15,9 @@ namespace
 
 enum { blockFrames = 4096 };
 
-struct Options {
-    std::string input, output;
+struct Options : SoundOptions {
     int delay = 480;
     double noise = 20;
-    OutputOptions how;
 };
 
 // White noise of mean power 1, the same in every run: a linear congruential generator, uniformly distributed.
@@ -108,17 +106,16 @@ void run(const Options &options)
 
 void addTwice(CLI::App &program)
 {
-    auto options = std::make_shared<Options>();
-    CLI::App &command = addCommand(program, "twice", "Write a sound beside itself, late and in noise",
-                                   [options] { run(*options); });
+    const auto [command, options] =
+        addCommand(program, "twice", "Write a sound beside itself, late and in noise", run);
     addText(command, {"input", "FILE", "Sound file, of which the first channel is taken", Need::required},
-            options->input);
-    addOutput(command, options->output);
-    addNumber(command, {"--delay", "N", "Samples by which the second channel is late (480)"}, options->delay,
+            options.input);
+    addOutput(command, options.output);
+    addNumber(command, {"--delay", "N", "Samples by which the second channel is late (480)"}, options.delay,
               0, 1 << 24);
     addNumber(command, {"--noise", "DB", "Decibels by which noise in it lies below the sound (20)"},
-              options->noise, -200.0, 200.0);
-    addOutputOptions(command, options->how);
+              options.noise, -200.0, 200.0);
+    addOutputOptions(command, options.how);
     addNotes(command, "Examples:\n"
                       "  $ orva twice voice.wav twice.wav --delay 480 --noise 20\n"
                       "  $ orva twice voice.wav - --delay 137 | orva delay -");

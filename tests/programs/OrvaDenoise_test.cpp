@@ -206,19 +206,11 @@ TEST(OrvaDenoise, LongFilesRunInConstantMemoryThoughResampled)
 
 TEST(OrvaDenoise, RefusesInOneLineAndWritesNothing)
 {
-    const support::Folder folder;
-    putVoice(folder);
-    const struct {
-        std::vector<std::string> words;
-        int status;
-        const char *says;
-    } cases[] = {
+    expectRefusals({
         {{"denoise", "voice.wav"}, 2, "orva denoise: output is required; see 'orva denoise --help'"},
         {{"denoise", "voice.wav", "o.wav", "--rate=48k"}, 2, "orva denoise: --rate is 8000, 16000 or 32000"},
         {{"denoise", "voice.wav", "o.wav", "--policy=4"},
          2,
          "orva denoise: --policy: Value 4 not in range 0 to 3; see 'orva denoise --help'"},
-    };
-    for (const auto &[words, status, says] : cases)
-        expectRefused(words, folder, status, says);
+    });
 }

@@ -25,17 +25,25 @@ struct Session {
     int status = 0; // as waitpid() gives it
 };
 
-Session onTerminal(const support::Folder &folder, std::chrono::milliseconds later, const std::string &between)
+using Words = std::vector<std::string>;
+
+Session onTerminal(const support::Folder &folder, const Words &command, std::chrono::milliseconds later,
+                   const std::string &between)
 {
     const std::string sound = support::readFile(writeSound(folder / "sine.wav", sine(1000, 0.5, 96000)));
     const std::string pipe = folder / "pipe";
     mkfifo(pipe.c_str(), 0600);
-    const std::string program = programPath("orva");
-    const std::string output = folder / "out.wav";
+    const Words words = programCommand("orva", command);
+    std::vector<char *> arguments;
+    for (const std::string &word : words)
+        arguments.push_back(const_cast<char *>(word.c_str()));
+    arguments.push_back(nullptr);
+    const std::string place = folder.path;
     int terminal = -1;
     const pid_t child = forkpty(&terminal, nullptr, nullptr, nullptr);
     if (child == 0) {
-        execl(program.c_str(), "orva", "resample", pipe.c_str(), output.c_str(), "--rate=8k", nullptr);
+        if (chdir(place.c_str()) == 0)
+            execv(arguments[0], arguments.data());
         _exit(127);
     }
     std::signal(SIGPIPE, SIG_IGN); // the program may be gone
@@ -62,20 +70,39 @@ Session onTerminal(const support::Folder &folder, std::chrono::milliseconds late
 TEST(OrvaFiles, LongRunShowsAPercentageAndTakesItAway)
 {
     const support::Folder folder;
-    const Session session = onTerminal(folder, std::chrono::milliseconds(600), "");
+    const Session session =
+        onTerminal(folder, {"resample", "pipe", "out.wav", "--rate=8k"}, std::chrono::milliseconds(600), "");
     EXPECT_TRUE(WIFEXITED(session.status) && WEXITSTATUS(session.status) == 0) << session.text;
     EXPECT_THAT(session.text,
-                testing::MatchesRegex("\r +[0-9]+ %.*\r.*/out.wav: 96000 frames at 48000 Hz became .*"));
+                testing::MatchesRegex("\r +[0-9]+ %.*\r.*out.wav: 96000 frames at 48000 Hz became .*"));
 }
 
 TEST(OrvaFiles, ControlCLeavesNoHalfFile)
 {
-    const support::Folder folder;
-    support::writeFile(folder / "out.wav", "older");
-    const Session session = onTerminal(folder, std::chrono::milliseconds(300), "\x03");
-    EXPECT_TRUE(WIFSIGNALED(session.status) && WTERMSIG(session.status) == SIGINT) << session.text;
-    EXPECT_THAT(folder.entries(), ElementsAre("out.wav", "pipe", "sine.wav"));
-    EXPECT_EQ(support::readFile(folder / "out.wav"), "older");
+    const Words commands[] = {
+        {"resample", "pipe", "out", "--format=wav", "--rate=8k"},
+        {"filter", "pipe", "out", "--format=flac", "order=2; fpass=100"},
+        {"stretch", "pipe", "out", "--format=ogg", "--speed=1.3", "--picture=p.png"},
+        {"lapped", "pipe", "out", "--format=wav", "--picture=p.svg"},
+        {"denoise", "pipe", "out", "--format=wav", "--picture=p.pdf"},
+        {"measures", "pipe", "t.csv", "--picture=p.png"},
+        {"measures", "pipe", "t.npy"},
+        {"spectrogram", "pipe", "p.png"},
+        {"curve", "pipe", "100 0; 5000 3", "p.svg"},
+    };
+    for (const Words &command : commands) {
+        SCOPED_TRACE(testing::PrintToString(command));
+        const support::Folder folder;
+        const auto names = {"out", "p.png", "p.svg", "p.pdf", "t.csv", "t.npy"};
+        for (const char *name : names)
+            support::writeFile(folder / name, "older");
+        const Session session = onTerminal(folder, command, std::chrono::milliseconds(150), "\x03");
+        EXPECT_TRUE(WIFSIGNALED(session.status) && WTERMSIG(session.status) == SIGINT) << session.text;
+        EXPECT_THAT(folder.entries(),
+                    ElementsAre("out", "p.pdf", "p.png", "p.svg", "pipe", "sine.wav", "t.csv", "t.npy"));
+        for (const char *name : names)
+            EXPECT_EQ(support::readFile(folder / name), "older") << name;
+    }
 }
 
 TEST(OrvaFiles, FullDiskLeavesNoHalfFile)
@@ -96,6 +123,38 @@ TEST(OrvaFiles, FullDiskLeavesNoHalfFile)
     const support::Outcome outcome = orvaShell("orva resample voice.wav - --rate 8k >/dev/full", folder);
     EXPECT_EQ(outcome.status, 1);
     EXPECT_EQ(outcome.err, "orva resample: standard output: No space left on device\n");
+}
+
+TEST(OrvaFiles, FullDiskLeavesNothingOfPicturesAndTables)
+{
+    const support::Folder folder;
+    support::Random random;
+    writeSound(folder / "in.wav", random.noise(48000), {.channels = 2});
+    writeSound(folder / "slow.wav", random.noise(3200),
+               {.rate = 400, .format = SF_FORMAT_WAV | SF_FORMAT_PCM_U8});
+    const auto before = folder.entries();
+    const struct {
+        Words command;
+        const char *name; // of what there is no room for
+    } cases[] = {
+        {{"measures", "in.wav", "t.csv"}, "t.csv"},
+        {{"measures", "in.wav", "t.npy"}, "t.npy"},
+        {{"measures", "in.wav", "--picture=p.png"}, "p.png"},
+        {{"delay", "in.wav", "--picture=p.svg"}, "p.svg"},
+        {{"curve", "in.wav", "100 0; 5000 3", "p.pdf"}, "p.pdf"},
+        {{"response", "order=2; fpass=100", "p.png"}, "p.png"},
+        {{"stretch", "slow.wav", "o.wav", "--speed=1", "--map=m.csv"}, "m.csv"},
+        {{"lapped", "slow.wav", "o.wav", "--picture=p.png"}, "p.png"},
+        {{"denoise", "slow.wav", "/dev/null", "--format=wav", "--picture=p.png"}, "p.png"},
+    };
+    for (const auto &[command, name] : cases) {
+        SCOPED_TRACE(testing::PrintToString(command));
+        const support::Outcome outcome = runProgramOnFullDisk("orva", command, folder);
+        EXPECT_EQ(outcome.status, 1);
+        EXPECT_EQ(outcome.out, "");
+        EXPECT_EQ(outcome.err, "orva " + command[0] + ": " + name + ": File too large\n");
+        EXPECT_EQ(folder.entries(), before);
+    }
 }
 
 TEST(OrvaFiles, InputAndOutputMayBeTheSameFile)

@@ -1,4 +1,5 @@
 // orva filter and orva response: the sound, the table, the picture, and what they refuse.
+#include "frequency_response.h"
 #include "orva.h"
 #include "picture.h"
 #include "support/bits.h"
@@ -233,6 +234,20 @@ TEST(OrvaFilter, TableHoldsGainPhaseDelayAndTheEdges)
     EXPECT_NE(band.out.find("\n     300.0      -3.00 "), std::string::npos) << band.out;
     EXPECT_NE(band.out.find("  fpass1\n"), std::string::npos) << band.out;
     EXPECT_NE(band.out.find("  fpass2\n"), std::string::npos) << band.out;
+}
+
+// Two zeros at half the rate, as each low pass has them: there is a delay up to them, and none at them.
+TEST(OrvaFilter, HasNoDelayWhereNothingPasses)
+{
+    const std::vector<orva::Section> sections(3, {{1, 2, 1}, {1, 0, 0.25}});
+    const auto curve = orva::responseCurve(sections, 48000, 1000);
+    const orva::ResponseAt before = curve[998];
+    const orva::ResponseAt last = curve[999];
+    EXPECT_EQ(last.hertz, 24000);
+    EXPECT_NEAR(before.delaySamples, 3 * (1 - 0.4), 0.01) << "1 of two zeros, less 0.4 of the poles";
+    EXPECT_EQ(last.gainDb, -HUGE_VAL);
+    EXPECT_TRUE(std::isnan(last.delaySamples)) << last.delaySamples;
+    EXPECT_TRUE(std::isnan(last.phaseDegrees)) << last.phaseDegrees;
 }
 
 TEST(OrvaFilter, RefusesInOneLineAndWritesNothing)

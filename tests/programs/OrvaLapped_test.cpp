@@ -113,13 +113,7 @@ TEST(OrvaLapped, WorksOnSilence)
 
 TEST(OrvaLapped, RefusesInOneLineAndWritesNothing)
 {
-    const support::Folder folder;
-    putVoice(folder);
-    const struct {
-        std::vector<std::string> words;
-        int status;
-        const char *says;
-    } cases[] = {
+    expectRefusals({
         {{"lapped", "voice.wav"}, 2, "orva lapped: output is required; see 'orva lapped --help'"},
         {{"lapped", "voice.wav", "o.wav", "--block=0"},
          2,
@@ -127,7 +121,5 @@ TEST(OrvaLapped, RefusesInOneLineAndWritesNothing)
         {{"lapped", "voice.wav", "o.wav", "--gate=-301"},
          2,
          "orva lapped: --gate: Value -301 not in range -300.000000 to 300.000000; see 'orva lapped --help'"},
-    };
-    for (const auto &[words, status, says] : cases)
-        expectRefused(words, folder, status, says);
+    });
 }

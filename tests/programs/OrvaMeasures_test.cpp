@@ -162,13 +162,7 @@ TEST(OrvaMeasures, ThePictureShowsLevelsEnergyAndCrossings)
 
 TEST(OrvaMeasures, RefusesInOneLineAndWritesNothing)
 {
-    const support::Folder folder;
-    putVoice(folder);
-    const struct {
-        std::vector<std::string> words;
-        int status;
-        const char *says;
-    } cases[] = {
+    expectRefusals({
         {{"measures"}, 2, "orva measures: input is required; see 'orva measures --help'"},
         {{"measures", "voice.wav", "t.txt"},
          2,
@@ -182,7 +176,5 @@ TEST(OrvaMeasures, RefusesInOneLineAndWritesNothing)
         {{"measures", "voice.wav", "t.csv", "--picture=p.gif"},
          2,
          "orva measures: p.gif: the name of a picture ends in .png, .svg or .pdf"},
-    };
-    for (const auto &[words, status, says] : cases)
-        expectRefused(words, folder, status, says);
+    });
 }

@@ -61,14 +61,14 @@ int formatOf(const std::string &path)
 TEST(OrvaSound, EveryFormatIsWrittenByItsNameAndReadBack)
 {
     const support::Folder folder;
-    writeSound(folder / "in.wav", sine(440, 0.5, 4000, 8000),
-               {.rate = 8000, .format = SF_FORMAT_WAV | SF_FORMAT_PCM_16});
+    writeSound(folder / "in.wav", sine(440, 0.5, 16000, 16000),
+               {.rate = 16000, .format = SF_FORMAT_WAV | SF_FORMAT_PCM_16});
     std::set<int> seen{SF_FORMAT_RAW};
     const auto names = formatNames();
     ASSERT_GT(names.size(), 20u);
     for (const auto &name : names) {
         const std::string upper = "O." + name;
-        const support::Outcome outcome = orvaRun({"resample", "in.wav", upper, "--rate=16k"}, folder);
+        const support::Outcome outcome = orvaRun({"resample", "in.wav", upper, "--rate=8k"}, folder);
         EXPECT_EQ(outcome.status, 0) << name << ": " << outcome.err;
         SF_INFO info{};
         if (name != "raw") {
@@ -77,7 +77,7 @@ TEST(OrvaSound, EveryFormatIsWrittenByItsNameAndReadBack)
             EXPECT_NEAR(static_cast<double>(samples.size()), 8000, 2400) << name; // some fill up a last block
         }
         support::Outcome told =
-            orvaRun({"resample", "in.wav", "other", "--rate=16k", "--format", name}, folder);
+            orvaRun({"resample", "in.wav", "other", "--rate=8k", "--format", name}, folder);
         EXPECT_EQ(told.status, 0) << name << ": " << told.err;
     }
     for (const int major : majors())
@@ -207,4 +207,22 @@ TEST(OrvaSound, TellsWhatIsCutAndTheGainThatAvoidsIt)
     EXPECT_EQ(outcome.err, "");
     outcome = orvaRun({"resample", "in.wav", "o.wav", "--rate=16k", "--gain=12", "--bits=float"}, folder);
     EXPECT_EQ(outcome.err, "") << "floats are not cut";
+}
+
+TEST(OrvaSound, TellsWhereAFormatCannotKeepTheRate)
+{
+    const support::Folder folder;
+    putVoice(folder);
+    SF_INFO info{};
+    for (const std::string name : {"o.htk", "o.sds", "o.au"}) {
+        const support::Outcome outcome = orvaRun({"resample", "voice.wav", name, "--rate=44.1k"}, folder);
+        EXPECT_EQ(outcome.status, 0);
+        support::readSamples(folder / name, info);
+        EXPECT_EQ(info.samplerate == 44100, name == "o.au") << name;
+        EXPECT_EQ(outcome.err, info.samplerate == 44100 ? ""
+                                                        : name + ": its format keeps the rate as " +
+                                                              std::to_string(info.samplerate) + " Hz\n");
+    }
+    expectRefused({"resample", "voice.wav", "o.wve", "--rate=44.1k"}, folder, 2,
+                  "orva resample: o.wve: the format wve does not store 1 channels at 44100 Hz");
 }

@@ -40,6 +40,21 @@ inline void putVoice(const support::Folder &folder)
     std::filesystem::copy_file(support::recordingPath(), folder.path / "voice.wav");
 }
 
+struct Refusal {
+    std::vector<std::string> words;
+    int status;
+    std::string says;
+};
+
+// Each is refused so, where voice.wav is.
+inline void expectRefusals(const std::vector<Refusal> &refusals)
+{
+    const support::Folder folder;
+    putVoice(folder);
+    for (const Refusal &refusal : refusals)
+        expectRefused(refusal.words, folder, refusal.status, refusal.says);
+}
+
 // Runs the examples of a command's help, lines that begin with "  $ ", one after the other in a folder with the recorded
 // voice; the result is their number.
 inline int runExamples(const std::string &command)

@@ -53,15 +53,8 @@ PictureFile::~PictureFile()
 
 void PictureFile::write(const std::string &bytes)
 {
-    const int descriptor = replacement != nullptr ? replacement->descriptor() : stream;
-    for (size_t done = 0; done < bytes.size();) {
-        const ssize_t some = ::write(descriptor, bytes.data() + done, bytes.size() - done);
-        if (some < 0 && errno == EINTR)
-            continue;
-        if (some <= 0)
-            fail((isStandardOutput() ? "standard output" : wanted.path) + ": " + std::strerror(errno));
-        done += static_cast<size_t>(some);
-    }
+    writeAll(replacement != nullptr ? replacement->descriptor() : stream, bytes,
+             isStandardOutput() ? "standard output" : wanted.path);
     if (replacement != nullptr)
         replacement->commit();
 }
