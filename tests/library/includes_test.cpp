@@ -41,7 +41,7 @@ bool isOther(const std::string &name)
     const size_t slash = name.find('/');
     static const std::set<std::string> folders = {"gtest",          "gmock",      "benchmark", "cairo",
                                                   "speex",          "liquid",     "gsl",       "soundtouch",
-                                                  "zita-resampler", "rubberband", "kissfft"};
+                                                  "zita-resampler", "rubberband", "kissfft",   "CLI"};
     return otherLibraries.contains(name) ||
            (slash != std::string::npos && folders.contains(name.substr(0, slash)));
 }
