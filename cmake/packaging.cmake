@@ -105,11 +105,13 @@ set(CPACK_DEBIAN_PYTHON_PACKAGE_CONTROL_EXTRA
     ${PROJECT_SOURCE_DIR}/cmake/debian/python/postinst ${PROJECT_SOURCE_DIR}/cmake/debian/python/prerm)
 set(CPACK_DEBIAN_PYTHON_DESCRIPTION "audio signal processing routines (Python 3)
 ${about}
-This package has the module orva, which offers them on NumPy arrays.")
+This package has the module orva, which offers them on NumPy arrays, and runs
+recipes over folders of recordings on Dask.")
 string(JOIN ", " CPACK_DEBIAN_PYTHON_PACKAGE_DEPENDS
     "${CPACK_DEBIAN_LIBRARY_PACKAGE_NAME} (>= ${PROJECT_VERSION})" "python3 (>= 3.9)" python3-cffi-backend
     "python3-numpy (>= 1:1.22)")
 set(CPACK_DEBIAN_PYTHON_PACKAGE_RECOMMENDS python3-soundfile)
+set(CPACK_DEBIAN_PYTHON_PACKAGE_SUGGESTS "python3-dask, python3-distributed, python3-zarr")     # orva.corpus
 install(DIRECTORY build/python/ DESTINATION lib/python3/dist-packages COMPONENT python)     # a wheel, by script/package
 
 set(CPACK_DEBIAN_TOOLS_PACKAGE_NAME orva-tools)

@@ -47,6 +47,7 @@ Measures      `energy_db`, `zero_cross_rate`
 Scales        `hz_to_mel`, `mel_to_hz`, `hz_to_bark`, `bark_to_hz`
 Files         `read`, `blocks`, `write`
 Version       `library_version`
+Corpora       `orva.corpus`, a module of its own: recipes over folders of recordings, on Dask
 ============  ======================================================================================================
 """
 from ._library import library_version

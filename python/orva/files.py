@@ -1,5 +1,6 @@
 # SPDX-License-Identifier: GPL-2.0-or-later
 """Sound files, by the package soundfile (Debian's python3-soundfile)."""
+from contextlib import contextmanager
 from os import PathLike
 from typing import Any, Iterator, Tuple, Union
 
@@ -10,9 +11,14 @@ from ._arrays import Samples, samples, whole
 Path = Union[str, "PathLike[str]"]
 
 
-def _soundfile() -> Any:
+@contextmanager
+def _soundfile() -> Iterator[Any]:
+    """The package soundfile, whose errors become those of files."""
     import soundfile
-    return soundfile
+    try:
+        yield soundfile
+    except soundfile.SoundFileError as error:
+        raise OSError(str(error)) from None
 
 
 def read(path: Path) -> Tuple[Samples, int]:
@@ -44,11 +50,8 @@ def read(path: Path) -> Tuple[Samples, int]:
     >>> x.shape, fs
     ((1000,), 8000)
     """
-    soundfile = _soundfile()
-    try:
+    with _soundfile() as soundfile:
         x, fs = soundfile.read(path, dtype="float32")
-    except soundfile.SoundFileError as error:
-        raise OSError(str(error)) from None
     return x, int(fs)
 
 
@@ -81,13 +84,9 @@ def blocks(path: Path, frames: int) -> Iterator[Samples]:
     >>> [len(lowpass(block)) for block in orva.blocks("tone.wav", 480)]
     [480, 480, 40]
     """
-    soundfile = _soundfile()
     size = whole(frames, "frames", 1, 2**31 - 1)
-    try:
-        with soundfile.SoundFile(path) as sound:
-            yield from sound.blocks(size, dtype="float32")
-    except soundfile.SoundFileError as error:
-        raise OSError(str(error)) from None
+    with _soundfile() as soundfile, soundfile.SoundFile(path) as sound:
+        yield from sound.blocks(size, dtype="float32")
 
 
 def write(path: Path, x: npt.ArrayLike, fs: int, subtype: str = "FLOAT") -> None:
@@ -117,8 +116,5 @@ def write(path: Path, x: npt.ArrayLike, fs: int, subtype: str = "FLOAT") -> None
     --------
     >>> orva.write("silence.flac", np.zeros((8000, 2)), 8000, "PCM_16")
     """
-    soundfile = _soundfile()
-    try:
+    with _soundfile() as soundfile:
         soundfile.write(path, samples(x), whole(fs, "fs", 1, 2**31 - 1), subtype=subtype)
-    except soundfile.SoundFileError as error:
-        raise OSError(str(error)) from None

@@ -196,9 +196,9 @@ TEST(PythonPackage, HoldsTheModuleAndWhatPythonKnowsOfIt)
     const std::string package = packages()["python3-orva"];
     const std::string folder = "usr/lib/python3/dist-packages/";
     auto expected = documentsOf("python3-orva");
-    for (const auto &entry : fs::directory_iterator(SOURCE_DIR "/python/orva"))
+    for (const auto &entry : fs::recursive_directory_iterator(SOURCE_DIR "/python/orva"))
         if (entry.path().extension() == ".py" || entry.path().extension() == ".typed")
-            expected.insert(folder + "orva/" + entry.path().filename().string());
+            expected.insert(folder + fs::relative(entry.path(), SOURCE_DIR "/python").string());
     for (const char *name : {"METADATA", "WHEEL", "top_level.txt"})
         expected.insert(folder + "orva-3.7.18.dist-info/" + name);
     EXPECT_EQ(filesOf(package), expected);
@@ -206,6 +206,7 @@ TEST(PythonPackage, HoldsTheModuleAndWhatPythonKnowsOfIt)
     EXPECT_EQ(field(package, "Depends"),
               "liborva3 (>= 3.7.18), python3 (>= 3.9), python3-cffi-backend, python3-numpy (>= 1:1.22)");
     EXPECT_EQ(field(package, "Recommends"), "python3-soundfile");
+    EXPECT_EQ(field(package, "Suggests"), "python3-dask, python3-distributed, python3-zarr");
 }
 
 TEST(PythonPackage, RunsWithTheLibraryBesideIt)
@@ -216,6 +217,18 @@ TEST(PythonPackage, RunsWithTheLibraryBesideIt)
                         "/usr/bin/python3", "-B", "-c", fiveLines},
                        root.folder),
               place + "/orva/__init__.py 4.8 1.8\n");
+}
+
+TEST(PythonPackage, MakesARecipeOfARecording)
+{
+    const Root root;
+    support::writeFile(root.folder / "recipe.toml", "steps = [{do = \"resample\", fs = 16000}]");
+    EXPECT_EQ(outputOf({"env", "PYTHONPATH=" + (root.folder / "usr/lib/python3/dist-packages"),
+                        "LD_LIBRARY_PATH=" + root.folder / library(""), "DASK_NUM_WORKERS=1",
+                        "/usr/bin/python3", "-B", "-m", "orva.corpus", "recipe.toml",
+                        "/usr/share/sounds/alsa/Front_Center.wav", "--out", "out"},
+                       root.folder),
+              "1 complete, 1 of them new, 0 failed\n");
 }
 
 TEST(PythonPackage, InstallsFromTheWheelAndFromTheSourcesWithoutANetwork)
