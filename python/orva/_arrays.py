@@ -68,6 +68,10 @@ def mono(data: npt.ArrayLike, name: str = "x") -> Samples:
 
 def complexes(data: npt.ArrayLike, name: str) -> Spectrum:
     """Complex numbers as complex64 in C order, at least one dimension."""
+    if type(data) is np.ndarray and data.dtype is COMPLEX and data.ndim:
+        flags = data.flags
+        if flags.c_contiguous and flags.aligned:
+            return data
     array = np.asarray(data)
     if array.dtype.kind not in "cfiub":
         raise TypeError(f"{name} must be numbers, not {array.dtype}")
@@ -104,14 +108,21 @@ def is_aligned(address: Any) -> bool:
     return int(_cast(_ADDRESS, address)) % ALIGNMENT == 0
 
 
-def aligned(count: int, dtype: "np.dtype[Any]" = FLOAT) -> npt.NDArray[Any]:
-    """`count` uninitialised values, aligned as transforms want them, which NumPy's own mostly are."""
-    values = np.empty(count, dtype)
-    if is_aligned(_from_buffer(values)):
-        return values
+def rows_aligned(address: Any, rows: npt.NDArray[Any]) -> bool:
+    """Whether all rows of an array that begins there stand where transforms want them."""
+    return int(_cast(_ADDRESS, address)) % ALIGNMENT == 0 and (rows.ndim == 1 or rows.strides[-2] % ALIGNMENT == 0)
+
+
+def aligned(count: int, dtype: "np.dtype[Any]" = FLOAT) -> Tuple[npt.NDArray[Any], Any]:
+    """`count` uninitialised values, aligned as transforms want them, which NumPy's own mostly are, and their place."""
+    values, kind = np.empty(count, dtype), _FLOATS if dtype is FLOAT else _COMPLEXES
+    place = _from_buffer(kind, values)
+    if int(_cast(_ADDRESS, place)) % ALIGNMENT == 0:
+        return values, place
     raw = np.empty(count * dtype.itemsize + ALIGNMENT, np.uint8)
     start = -int(_cast(_ADDRESS, _from_buffer(raw))) % ALIGNMENT
-    return raw[start:start + count * dtype.itemsize].view(dtype)
+    values = raw[start:start + count * dtype.itemsize].view(dtype)
+    return values, _from_buffer(kind, values)
 
 
 def planar(block: Samples) -> Samples:

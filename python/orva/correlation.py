@@ -7,7 +7,7 @@ from typing import NamedTuple, Optional, Tuple
 import numpy as np
 import numpy.typing as npt
 
-from ._arrays import Samples, mono, pointer, result, whole
+from ._arrays import FLOAT, Samples, mono, pointer, result, whole
 from ._library import ffi, lib
 from ._messages import created, heard
 
@@ -30,8 +30,8 @@ def _processor(first: int, second: int) -> _Processor:
 
 def _pair(x: npt.ArrayLike, y: npt.ArrayLike) -> Tuple[Samples, Samples]:
     first, second = mono(x, "x"), mono(y, "y")
-    for vector, name in ((first, "x"), (second, "y")):
-        whole(vector.size, f"the length of {name}", 1, LONGEST)
+    whole(first.size, "the length of x", 1, LONGEST)
+    whole(second.size, "the length of y", 1, LONGEST)
     return first, second
 
 
@@ -70,7 +70,7 @@ def correlate(x: npt.ArrayLike, y: npt.ArrayLike, phat: bool = False, out: Optio
     """
     first, second = _pair(x, y)
     processor = _processor(first.size, second.size)
-    r = result(out, (processor.size,))
+    r = np.empty(processor.size, FLOAT) if out is None else result(out, (processor.size,))
     execute = lib.ORVA_XcorrPhatProcess if phat else lib.ORVA_XcorrProcExecute
     with processor.lock:
         if execute(processor.handle, pointer(first), pointer(second), pointer(r)) < 0:

@@ -1,13 +1,14 @@
 # SPDX-License-Identifier: GPL-2.0-or-later
 """Real Fourier transforms in single precision."""
 from functools import lru_cache
-from typing import Any, Callable, Optional, Tuple
+from math import prod
+from typing import Any, Callable, Iterable, Optional, Tuple
 
 import numpy as np
 import numpy.typing as npt
 
 from ._arrays import (COMPLEX, FLOAT, MOST, Samples, Spectrum, aligned, check_out, complex_pointer, complexes,
-                      is_aligned, pointer, real, whole)
+                      is_aligned, pointer, real, rows_aligned, whole)
 from ._library import ffi, lib
 from ._messages import created
 
@@ -31,13 +32,14 @@ class Fft:
 
     def __init__(self, n: int) -> None:
         self.n = whole(n, "n", 1, MOST - 64)
+        self._bins = self.n // 2 + 1
         self._forward = created(lib.ORVA_FFTProcCreate, lib.ORVA_FFTProcDestroy, self.n)
         self._inverse = created(lib.ORVA_IFFTProcCreate, lib.ORVA_FFTProcDestroy, self.n)
 
     @property
     def bins(self) -> int:
         """Values in a spectrum, n // 2 + 1."""
-        return self.n // 2 + 1
+        return self._bins
 
     def __reduce__(self) -> Tuple[Callable[..., Any], Tuple[int]]:
         return type(self), (self.n,)
@@ -65,16 +67,18 @@ class Fft:
         ValueError
             For frames of another length, or an `out` that does not fit.
         """
-        frames = self._rows(real(x, "x"), self.n, "samples")
-        spectra = _taken(out, (*frames.shape[:-1], self.bins), COMPLEX, frames)
-        for source, target in _pairs(frames, spectra):
-            goal = complex_pointer(target)
-            if is_aligned(goal):
-                lib.ORVA_FFTProcExecute(self._forward, _standing(source), goal)
-            else:
-                bins = aligned(self.bins, COMPLEX)
-                lib.ORVA_FFTProcExecute(self._forward, _standing(source), complex_pointer(bins))
-                target[:] = bins
+        frames = _checked(real(x, "x"), self.n, "samples")
+        spectra = _taken(out, frames, self._bins, COMPLEX)
+        source, target = pointer(frames), complex_pointer(spectra)
+        if rows_aligned(source, frames) and rows_aligned(target, spectra):
+            for row in _rows(frames):
+                lib.ORVA_FFTProcExecute(self._forward, source + row * self.n, target + row * self._bins)
+        else:
+            (frame, source), (bins, target) = aligned(self.n), aligned(self._bins, COMPLEX)
+            for given, taken in _pairs(frames, spectra):
+                frame[:] = given
+                lib.ORVA_FFTProcExecute(self._forward, source, target)
+                taken[:] = bins
         return spectra
 
     def inverse(self, spectrum: npt.ArrayLike, out: Optional[Samples] = None) -> Samples:
@@ -97,19 +101,20 @@ class Fft:
         ValueError
             For spectra of another length, or an `out` that does not fit.
         """
-        spectra = self._rows(complexes(spectrum, "spectrum"), self.bins, "bins")
-        frames = _taken(out, (*spectra.shape[:-1], self.n), FLOAT, spectra)
-        bins = aligned(self.bins, COMPLEX)
-        work = complex_pointer(bins)                      # the transform overwrites what it reads
-        for source, target in _pairs(spectra, frames):
-            bins[:] = source
-            goal = pointer(target)
-            if is_aligned(goal):
-                lib.ORVA_IFFTProcExecuteEx(self._inverse, work, goal, True)
-            else:
-                frame = aligned(self.n)
-                lib.ORVA_IFFTProcExecuteEx(self._inverse, work, pointer(frame), True)
-                target[:] = frame
+        spectra = _checked(complexes(spectrum, "spectrum"), self._bins, "bins")
+        frames = _taken(out, spectra, self.n, FLOAT)
+        target = pointer(frames)
+        bins, source = aligned(self._bins, COMPLEX)       # a copy, since the transform overwrites what it reads
+        if rows_aligned(target, frames):
+            for row, given in enumerate(_each(spectra)):
+                bins[:] = given
+                lib.ORVA_IFFTProcExecuteEx(self._inverse, source, target + row * self.n, True)
+        else:
+            frame, target = aligned(self.n)
+            for given, taken in _pairs(spectra, frames):
+                bins[:] = given
+                lib.ORVA_IFFTProcExecuteEx(self._inverse, source, target, True)
+                taken[:] = frame
         return frames
 
     def power(self, x: npt.ArrayLike, out: Optional[Samples] = None) -> Samples:
@@ -117,10 +122,8 @@ class Fft:
 
         Parameters
         ----------
-        x : array_like
-            Frames of `n` samples.
-        out : ndarray of float32, optional
-            Takes the result; must not share memory with `x`.
+        x, out : array_like, ndarray of float32
+            As for `forward`.
 
         Returns
         -------
@@ -130,45 +133,47 @@ class Fft:
         Raises
         ------
         ValueError
-            For frames of another length, or an `out` that does not fit.
+            As for `forward`.
 
         Examples
         --------
         >>> orva.Fft(4).power([1, 0, -1, 0])
         array([0., 4., 0.], dtype=float32)
         """
-        frames = self._rows(real(x, "x"), self.n, "samples")
+        frames = _checked(real(x, "x"), self.n, "samples")
         room, execute = 4 * (self.n // 8 + 1), lib.ORVA_FFTProcExecutePSDEx
-        if out is None and frames.ndim == 1:
-            power = aligned(room)
-            execute(self._forward, _standing(frames), pointer(power), ffi.NULL)
-            return power[:self.bins]
-        powers = _taken(out, (*frames.shape[:-1], self.bins), FLOAT, frames)
-        power, work = aligned(room), complex_pointer(aligned(max(self.n, 4), COMPLEX))
-        made = pointer(power)
-        for source, target in _pairs(frames, powers):
-            execute(self._forward, _standing(source), made, work)
-            target[:] = power[:self.bins]
+        source = pointer(frames)
+        power, made = aligned(room)
+        if out is None and frames.ndim == 1 and is_aligned(source):
+            execute(self._forward, source, made, ffi.NULL)
+            return power[:self._bins]
+        powers = _taken(out, frames, self._bins, FLOAT)
+        spare, work = aligned(max(self.n, 4), COMPLEX)
+        if rows_aligned(source, frames):
+            for row, taken in enumerate(_each(powers)):
+                execute(self._forward, source + row * self.n, made, work)
+                taken[:] = power[:self._bins]
+        else:
+            frame, source = aligned(self.n)
+            for given, taken in _pairs(frames, powers):
+                frame[:] = given
+                execute(self._forward, source, made, work)
+                taken[:] = power[:self._bins]
         return powers
 
-    def _rows(self, array: npt.NDArray[Any], length: int, what: str) -> npt.NDArray[Any]:
-        if array.ndim == 0 or array.shape[-1] != length:
-            raise ValueError(f"a frame must have {length} {what}, not {array.shape[-1] if array.ndim else 'none'}")
-        return array
+
+def _checked(array: npt.NDArray[Any], length: int, what: str) -> npt.NDArray[Any]:
+    if array.ndim == 0 or array.shape[-1] != length:
+        raise ValueError(f"a frame must have {length} {what}, not {array.shape[-1] if array.ndim else 'none'}")
+    return array
 
 
-def _standing(source: Samples) -> Any:
-    """The floats of a frame, or of a copy that stands where transforms want it."""
-    place = pointer(source)
-    if is_aligned(place):
-        return place
-    frame = aligned(source.size)
-    frame[:] = source
-    return pointer(frame)
-
-
-def _taken(out: Optional[npt.NDArray[Any]], shape: Tuple[int, ...], dtype: "np.dtype[Any]",
-           source: npt.NDArray[Any]) -> npt.NDArray[Any]:
+def _taken(out: Optional[npt.NDArray[Any]], source: npt.NDArray[Any], length: int,
+           dtype: "np.dtype[Any]") -> npt.NDArray[Any]:
+    """What takes a row of this length for each one of the source."""
+    if out is None and source.ndim == 1:
+        return np.empty(length, dtype)
+    shape = (*source.shape[:-1], length)
     if out is None:
         return np.empty(shape, dtype)
     check_out(out, shape, dtype)
@@ -177,11 +182,21 @@ def _taken(out: Optional[npt.NDArray[Any]], shape: Tuple[int, ...], dtype: "np.d
     return out
 
 
-def _pairs(first: npt.NDArray[Any], second: npt.NDArray[Any]) -> Any:
+def _rows(array: npt.NDArray[Any]) -> Iterable[int]:
+    """The numbers of the rows."""
+    return (0,) if array.ndim == 1 else range(prod(array.shape[:-1]))
+
+
+def _each(array: npt.NDArray[Any]) -> Iterable[npt.NDArray[Any]]:
+    """The rows."""
+    if array.ndim == 1:
+        return (array,)
+    return array.reshape(-1, array.shape[-1])
+
+
+def _pairs(first: npt.NDArray[Any], second: npt.NDArray[Any]) -> Iterable[Tuple[npt.NDArray[Any], npt.NDArray[Any]]]:
     """Rows side by side."""
-    if first.ndim == 1:
-        return ((first, second),)
-    return zip(first.reshape(-1, first.shape[-1]), second.reshape(-1, second.shape[-1]))
+    return zip(_each(first), _each(second))
 
 
 @lru_cache(maxsize=16)
@@ -219,7 +234,8 @@ def rfft(x: npt.ArrayLike, n: Optional[int] = None, axis: int = -1) -> Spectrum:
     """
     frames = _last(real(x, "x"), axis)
     length = whole(frames.shape[-1] if n is None else n, "n", 1, MOST - 64)
-    return _back(transforms(length).forward(_fitted(frames, length)), axis)
+    spectra = transforms(length).forward(_fitted(frames, length))
+    return spectra if axis == -1 else np.moveaxis(spectra, -1, axis)
 
 
 def irfft(spectrum: npt.ArrayLike, n: Optional[int] = None, axis: int = -1) -> Samples:
@@ -251,17 +267,14 @@ def irfft(spectrum: npt.ArrayLike, n: Optional[int] = None, axis: int = -1) -> S
     """
     spectra = _last(complexes(spectrum, "spectrum"), axis)
     length = whole(2 * (spectra.shape[-1] - 1) if n is None else n, "n", 1, MOST - 64)
-    return _back(transforms(length).inverse(_fitted(spectra, length // 2 + 1)), axis)
+    frames = transforms(length).inverse(_fitted(spectra, length // 2 + 1))
+    return frames if axis == -1 else np.moveaxis(frames, -1, axis)
 
 
 def _last(array: npt.NDArray[Any], axis: int) -> npt.NDArray[Any]:
     if array.ndim == 0:
         raise ValueError("x must have a dimension")
     return array if axis == -1 else np.moveaxis(array, axis, -1)
-
-
-def _back(array: npt.NDArray[Any], axis: int) -> npt.NDArray[Any]:
-    return array if axis == -1 else np.moveaxis(array, -1, axis)
 
 
 def _fitted(rows: npt.NDArray[Any], length: int) -> npt.NDArray[Any]:

@@ -5,7 +5,7 @@ from typing import Any, List
 import numpy as np
 import numpy.typing as npt
 
-from ._arrays import Samples, Spectrum, complexes, pointer, whole
+from ._arrays import COMPLEX, FLOAT, Samples, Spectrum, complexes, pointer, whole
 from ._library import lib
 from ._messages import created
 from ._stream import Stream
@@ -42,6 +42,11 @@ class Lapped(Stream):
         lib.ORVA_FMCLTFreqWindow(pointer(self._twiddles), self.m)
         handle = created(lib.ORVA_FMCLTProcCreate, lib.ORVA_FMCLTProcDestroy, self.m)
         self._history, self._overlap = np.zeros(self.m, np.float32), np.zeros(self.m, np.float32)
+        self._re, self._im = np.empty(self.m, np.float32), np.empty(self.m, np.float32)     # one block of coefficients
+        # What all calls take, besides a block: both parts, then what the stream remembers.
+        parts, twiddles = (pointer(self._re), pointer(self._im)), pointer(self._twiddles)
+        self._direct_state = parts, (pointer(self._history), twiddles)
+        self._inverse_state = parts, (pointer(self._overlap), twiddles)
         super().__init__(1, [handle], {"m": self.m})
 
     def forward(self, x: npt.ArrayLike) -> Spectrum:
@@ -69,12 +74,11 @@ class Lapped(Stream):
             return self._direct(self._open(), signal)
 
     def _direct(self, handles: List[Any], signal: Samples) -> Spectrum:
-        coefficients = np.empty((signal.size // self.m, self.m), np.complex64)
-        re, im = np.empty(self.m, np.float32), np.empty(self.m, np.float32)
-        for block, target in zip(signal.reshape(-1, self.m), coefficients):
-            lib.ORVA_FMCLTDirect(handles[0], pointer(re), pointer(im), pointer(block), pointer(self._history),
-                                 pointer(self._twiddles))
-            target.real, target.imag = re, im
+        m, source, (parts, state) = self.m, pointer(signal), self._direct_state
+        coefficients = np.empty((signal.size // m, m), COMPLEX)
+        for n, block in enumerate(coefficients):
+            lib.ORVA_FMCLTDirect(handles[0], *parts, source + n * m, *state)
+            block.real, block.imag = self._re, self._im
         return coefficients
 
     def inverse(self, coefficients: npt.ArrayLike) -> Samples:
@@ -102,11 +106,12 @@ class Lapped(Stream):
             return self._back(self._open(), blocks.reshape(-1, self.m))
 
     def _back(self, handles: List[Any], blocks: Spectrum) -> Samples:
-        y = np.empty(blocks.size, np.float32)
-        for block, target in zip(blocks, y.reshape(-1, self.m)):
-            re, im = np.ascontiguousarray(block.real), np.ascontiguousarray(block.imag)
-            lib.ORVA_FMCLTInverse(handles[0], pointer(re), pointer(im), pointer(target), pointer(self._overlap),
-                                  pointer(self._twiddles))
+        y = np.empty(blocks.size, FLOAT)
+        target, (parts, state) = pointer(y), self._inverse_state
+        for n, block in enumerate(blocks):
+            self._re[:] = block.real
+            self._im[:] = block.imag
+            lib.ORVA_FMCLTInverse(handles[0], *parts, target + n * self.m, *state)
         return y
 
     def process(self, block: npt.ArrayLike) -> Samples:

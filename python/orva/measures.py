@@ -63,12 +63,8 @@ def zero_cross_rate(x: npt.ArrayLike, frame: Optional[int] = None, hop: Optional
 
     Parameters
     ----------
-    x : array_like
-        Frames, or frames x channels.
-    frame : int, optional
-        Samples to measure at a time; without it, all.
-    hop : int, optional
-        Samples from one such frame to the next, `frame` by default. What is left over at the end is not measured.
+    x, frame, hop : array_like, int, int
+        As for `energy_db`.
 
     Returns
     -------
@@ -79,7 +75,7 @@ def zero_cross_rate(x: npt.ArrayLike, frame: Optional[int] = None, hop: Optional
     Raises
     ------
     ValueError
-        For a `frame` or `hop` below 1.
+        As for `energy_db`.
 
     Examples
     --------

@@ -6,7 +6,7 @@ from typing import Any, List
 import numpy as np
 import numpy.typing as npt
 
-from ._arrays import MOST, Samples, interleaved, planar, pointer, rate, samples, whole
+from ._arrays import FLOAT, MOST, Samples, interleaved, planar, pointer, rate, samples, whole
 from ._library import lib
 from ._messages import created
 from ._stream import Stream
@@ -91,15 +91,19 @@ class Resampler(Stream):
         if max(room, len(x)) > MOST:
             raise ValueError(f"a block of {len(x)} frames is too long")
         with self._lock:
-            planes = np.empty((self._channels, room), np.float32)
-            written = 0
-            for handle, source, target in zip(self._open(), planar(x), planes):
-                written = lib.ORVA_Resample(handle, pointer(source), pointer(target), len(x))
-                if written < 0:
-                    raise MemoryError("liborva has found no memory")
+            handles = self._handles or self._open()
+            if x.ndim == 1:
+                y = np.empty(room, FLOAT)
+                written = _converted(handles[0], x, y)
+                y = y[:written]
+            else:
+                planes, written = np.empty((self._channels, room), FLOAT), 0
+                for handle, source, target in zip(handles, planar(x), planes):
+                    written = _converted(handle, source, target)
+                y = interleaved(planes[:, :written], x.ndim)
             self._taken += len(x)
             self._given += written
-        return interleaved(planes[:, :written], x.ndim)
+        return y
 
     def flush(self) -> Samples:
         """The end of the stream; the next block begins a new one.
@@ -127,6 +131,13 @@ class Resampler(Stream):
         with self._lock:
             self._handles = [self._handle() for _ in self._open()]
             self._taken = self._given = 0
+
+
+def _converted(handle: Any, source: Samples, target: Samples) -> int:
+    written: int = lib.ORVA_Resample(handle, pointer(source), pointer(target), len(source))
+    if written < 0:
+        raise MemoryError("liborva has found no memory")
+    return written
 
 
 def resample(x: npt.ArrayLike, fs_in: int, fs_out: int, order: int = 30, kind: str = "polyphase") -> Samples:

@@ -52,17 +52,16 @@ def power_db(power: npt.ArrayLike, gain: float = 1.0, emphasis: Optional[npt.Arr
     bins = powers.shape[-1]
     length = 2 * (whole(bins, "the number of bins", 2, MOST // 2) - 1)
     room = -(-bins // 4) * 4
-    work, adjustment = aligned(room), ffi.NULL
+    (work, place), adjustment = aligned(room), ffi.NULL
     work[bins:] = 0
     if emphasis is not None:
         factors = mono(emphasis, "emphasis")
         if factors.size != bins:
             raise ValueError(f"emphasis must have {bins} bins, not {factors.size}")
-        gains = aligned(room)
+        gains, adjustment = aligned(room)
         gains[:] = 0
         gains[:bins] = factors
-        adjustment = pointer(gains)
-    place, norm = pointer(work), float(gain)**4
+    norm = float(gain)**4
     if powers.ndim == 1:
         work[:bins] = powers
         lib.ORVA_PSDtoDB(length, place, place, adjustment, norm, -floor)

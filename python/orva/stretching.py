@@ -59,6 +59,7 @@ class Stretcher(Stream):
         self._fs, self._frame, self._frame_ms = fs, frame, frame_ms
         self._ended: Optional[List[Any]] = None           # handles of the stream before, for their positions
         count = whole(channels, "channels", 1, MOST)
+        self._room = -(-fs // self.hop) * self.hop        # whole hops, a second or a little more, to play at a time
         super().__init__(count, [self._handle(count) for _ in range(count)],
                          {"fs": fs, "speed": speed, "channels": count, "frame_ms": frame_ms})
 
@@ -139,35 +140,36 @@ class Stretcher(Stream):
     def _push(self, handles: List[Any], x: Samples) -> Samples:
         """Offers samples until all are taken, and pulls after each offer."""
         self._ended = None
-        parts = [np.empty((0, *x.shape[1:]), np.float32)]
-        first = 0
+        played = np.empty((self._room, *x.shape[1:]), np.float32)
+        parts: List[Samples] = []
+        first, count = 0, len(x)
         while True:
             offered = x[first:first + self._fs]           # as many as a record can hold
-            taken = 0
+            place, size, taken = pointer(offered), len(offered), 0
             for channel, handle in enumerate(handles):
-                taken = lib.ORVA_SolafsInputData(handle, channel, pointer(offered), len(offered), self._speed)
+                taken = lib.ORVA_SolafsInputData(handle, channel, place, size, self._speed)
             first += taken
-            pulled = self._pull(handles, x.shape[1:])
-            parts += pulled
-            if first == len(x):
+            pulled = self._pull(handles, played, parts)
+            if first == count:
                 break
             if not taken and not pulled:
                 raise ValueError(f"the stream is too long, {MOST} frames are the most")
-        y = np.concatenate(parts)
+        if not parts:
+            return np.empty((0, *x.shape[1:]), np.float32)
+        y = parts[0] if len(parts) == 1 else np.concatenate(parts)
         y /= SCALE
         return y
 
-    def _pull(self, handles: List[Any], others: Any) -> List[Samples]:
-        parts: List[Samples] = []
-        room = -(-self._fs // self.hop) * self.hop
+    def _pull(self, handles: List[Any], played: Samples, parts: List[Samples]) -> bool:
+        """Adds what can be played, by way of `played`, and tells whether there was something."""
+        before, room, place = len(parts), self._room, pointer(played)
         while True:
-            part = np.empty((room, *others), np.float32)
             written = 0
             for channel, handle in enumerate(handles):
-                written = lib.ORVA_SolafsOutputData(handle, channel, pointer(part), room)
+                written = lib.ORVA_SolafsOutputData(handle, channel, place, room)
             if not written:
-                return parts
-            parts.append(part[:written])
+                return len(parts) > before
+            parts.append(played[:written].copy())
 
 
 def _speed(speed: float) -> float:
