@@ -57,9 +57,9 @@ def by(client: Any, work: Work, batches: Sequence[Batch], folder: Folder) -> Ite
     futures = client.map(work, batches, pure=False)
     asked = dict(zip(futures, batches))
     for future, result in as_completed(futures, with_results=True, raise_errors=False):
-        if future.status == "finished":
+        if isinstance(result, list):
             yield result
-        elif future.status == "cancelled":
+        elif not isinstance(result, tuple):               # of an exception, it would be type, value and trace
             raise CutOff("the scheduler has gone or was restarted")
         elif isinstance(result[1], KilledWorker):
             yield [_after_death(folder, name, path) for name, path in asked[future]]
