@@ -27,7 +27,7 @@ else()
     add_library(orva_test_headers OBJECT ${CMAKE_BINARY_DIR}/test_headers.cpp)
     target_link_libraries(orva_test_headers PRIVATE GTest::gmock GTest::gtest orva_test_options)
     target_precompile_headers(orva_test_headers PRIVATE
-        <gmock/gmock.h> <gtest/gtest.h> <algorithm> <complex> <filesystem> <fstream> <functional> <random> <regex> <thread>)
+        <gmock/gmock.h> <gtest/gtest.h> <algorithm> <complex> <filesystem> <fstream> <functional> <random> <thread>)
 endif()
 
 add_custom_target(tests)                                  # all of them, with what they need

@@ -3,12 +3,12 @@
 #pragma once
 
 #include "KTstring_lookup.h"
+#include "support/pattern.h"
 
 #include <cctype>
 #include <cmath>
 #include <cstdlib>
 #include <map>
-#include <regex>
 #include <string>
 #include <vector>
 
@@ -23,14 +23,13 @@ struct Value {
 using Config = std::map<std::string, Value>;
 
 // What matches at the beginning of `rest` is taken from it; its first group is given.
-inline std::optional<std::string> take(std::string &rest, const std::regex &pattern)
+inline std::optional<std::string> take(std::string &rest, const support::Pattern &pattern)
 {
-    std::smatch match;
-    if (!std::regex_search(rest, match, pattern, std::regex_constants::match_continuous))
+    const auto groups = pattern.startOf(rest);
+    if (!groups)
         return std::nullopt;
-    const std::string group = match[1];
-    rest = match.suffix();
-    return group;
+    rest.erase(0, (*groups)[0].size());
+    return (*groups)[1];
 }
 
 // The length of the bracketed text that `text` begins with, 0 if it is not closed.
@@ -47,11 +46,11 @@ inline size_t bracketedLength(const std::string &text)
 
 inline Config read(std::string rest)
 {
-    static const std::regex separators(R"(()[\s;,]+)");
-    static const std::regex keyAndEquals(R"(([^\s;,="\[\]]+)\s*=\s*)");
-    static const std::regex word(R"(([^\s;,"\[][^\s;,]*))");
-    static const std::regex quoted("\"([^\"]*)\"");
-    static const std::regex other(R"(()[^\s;,]+)");
+    static const support::Pattern separators(R"(()[\s;,]+)");
+    static const support::Pattern keyAndEquals(R"(([^\s;,="\[\]]+)\s*=\s*)");
+    static const support::Pattern word(R"(([^\s;,"\[][^\s;,]*))");
+    static const support::Pattern quoted("\"([^\"]*)\"");
+    static const support::Pattern other(R"(()[^\s;,]+)");
     Config config;
     while (!rest.empty()) {
         if (take(rest, separators))
@@ -91,8 +90,8 @@ inline Config read(std::string rest)
 
 inline bool isNumber(const std::string &text)
 {
-    static const std::regex number(REFERENCE_NUMBER);
-    return std::regex_match(text, number);
+    static const support::Pattern number(REFERENCE_NUMBER);
+    return number.match(text).has_value();
 }
 
 inline std::optional<std::string> text(const Config &config, const std::string &key)
@@ -146,25 +145,26 @@ inline std::optional<bool> boolean(const Config &config, const std::string &key)
 
 inline std::optional<lookup::Matrix> matrix(const Config &config, const std::string &key)
 {
-    static const std::regex flat(R"(\[\s*)" REFERENCE_ROW R"((?:\s*;\s*)" REFERENCE_ROW R"()*\s*;?\s*\])");
-    static const std::regex nested(R"(\[\s*\[\s*)" REFERENCE_ROW R"(\s*\](?:\s*,?\s*\[\s*)" REFERENCE_ROW
-                                   R"(\s*\])*\s*\])");
-    static const std::regex row(REFERENCE_ROW);
-    static const std::regex number(REFERENCE_NUMBER);
+    static const support::Pattern flat(R"(\[\s*)" REFERENCE_ROW R"((?:\s*;\s*)" REFERENCE_ROW
+                                       R"()*\s*;?\s*\])");
+    static const support::Pattern nested(R"(\[\s*\[\s*)" REFERENCE_ROW
+                                         R"(\s*\](?:\s*,?\s*\[\s*)" REFERENCE_ROW R"(\s*\])*\s*\])");
+    static const support::Pattern row(REFERENCE_ROW);
+    static const support::Pattern number(REFERENCE_NUMBER);
     const auto found = config.find(key);
     if (found == config.end() || found->second.isQuoted)
         return std::nullopt;
     const std::string &value = found->second.text;
-    if (!isNumber(value) && !std::regex_match(value, flat) && !std::regex_match(value, nested))
+    if (!isNumber(value) && !flat.match(value) && !nested.match(value))
         return std::nullopt;
     // Only ';' and brackets part two rows.
     lookup::Matrix result = {0, 0, {}};
-    for (auto r = std::sregex_iterator(value.begin(), value.end(), row); r != std::sregex_iterator(); ++r) {
-        const std::string numbers = r->str();
+    for (const auto &line : row.allIn(value)) {
         int32_t columns = 0;
-        for (auto n = std::sregex_iterator(numbers.begin(), numbers.end(), number);
-             n != std::sregex_iterator(); ++n, ++columns)
-            result.values.push_back(std::strtod(n->str().c_str(), nullptr));
+        for (const auto &word : number.allIn(line[0])) {
+            result.values.push_back(std::strtod(word[0].c_str(), nullptr));
+            ++columns;
+        }
         if (result.rows++ > 0 && columns != result.columns)
             return std::nullopt;
         result.columns = columns;

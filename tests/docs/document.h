@@ -17,8 +17,8 @@
 #pragma once
 
 #include "support/folder.h"
+#include "support/pattern.h"
 
-#include <regex>
 #include <sstream>
 
 struct Block {
@@ -43,7 +43,7 @@ struct Block {
 
     bool isFragment() const
     {
-        return language == "c" && !std::regex_search(text, std::regex(R"((^|\n)int main\()"));
+        return language == "c" && !support::Pattern(R"((^|\n)int main\()").firstIn(text);
     }
 
     std::string place() const
@@ -73,10 +73,10 @@ inline std::string faultOf(const Block &block)
 // The comments after the printf lines of a fragment.
 inline std::string commentsOf(const std::string &fragment)
 {
-    static const std::regex line(R"( *printf\(.*\); +/\* (.*) \*/\n)");
+    static const support::Pattern line(R"( *printf\(.*\); +/\* (.*) \*/\n)");
     std::string comments;
-    for (std::sregex_iterator found(fragment.begin(), fragment.end(), line), end; found != end; ++found)
-        comments += (*found)[1].str() + "\n";
+    for (const auto &groups : line.allIn(fragment))
+        comments += groups[1] + "\n";
     return comments;
 }
 
@@ -104,12 +104,11 @@ inline Document readDocument(const std::string &path, const std::string &content
             if (output != none)
                 blocks[output].output += line + "\n";
         } else if (line.starts_with("```")) {
-            std::smatch match;
             Block block{path, number, line.substr(3), "", "", "", ""};
-            if (std::regex_search(above, match, std::regex("`([A-Za-z0-9_.]+)`:$")))
-                block.name = match[1];
-            if (std::regex_search(above, match, std::regex(R"(\]\(\.\./(examples/[a-z]+\.c)\):$)")))
-                block.file = match[1];
+            if (const auto name = support::Pattern("`([A-Za-z0-9_.]+)`:$").firstIn(above))
+                block.name = (*name)[1];
+            if (const auto file = support::Pattern(R"(\]\(\.\./(examples/[a-z]+\.c)\):$)").firstIn(above))
+                block.file = (*file)[1];
             output = block.language == "text" ? giver : none;
             giver = block.isRun() || block.language == "sh" ? blocks.size() : none;
             if (const std::string what = faultOf(block); !what.empty())

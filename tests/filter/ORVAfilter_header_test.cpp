@@ -1,13 +1,13 @@
 // What the header says of the language of filters, read out of the header and tried.
 #include "filter/ORVAfilter_designed.h"
 #include "support/folder.h"
+#include "support/pattern.h"
 
 #include <orva/ORVAfilter.h>
 
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <regex>
 #include <sstream>
 #include <string>
 #include <vector>
@@ -37,27 +37,25 @@ std::vector<std::string> headerLines()
 // A line that is nothing but a text in quotes, and the claims on the line below it.
 std::vector<Example> examples()
 {
-    const std::regex quoted(R"re( \*      "(.*)")re");
-    const std::regex claim(R"re((-?[0-9.]+) dB at ([0-9.]+))re");
+    const support::Pattern quoted(R"re( \*      "(.*)")re");
+    const support::Pattern claim(R"re((-?[0-9.]+) dB at ([0-9.]+))re");
     const auto lines = headerLines();
     std::vector<Example> found;
-    std::smatch match;
     for (size_t i = 0; i + 1 < lines.size(); ++i) {
-        if (!std::regex_match(lines[i], match, quoted))
+        const auto text = quoted.match(lines[i]);
+        if (!text)
             continue;
-        found.push_back({match[1], {}});
-        const std::string &line = lines[i + 1];
-        for (std::sregex_iterator it(line.begin(), line.end(), claim), end; it != end; ++it)
-            found.back().claims.push_back({(*it)[1], std::stod((*it)[2])});
+        found.push_back({(*text)[1], {}});
+        for (const auto &groups : claim.allIn(lines[i + 1]))
+            found.back().claims.push_back({groups[1], std::stod(groups[2])});
     }
     return found;
 }
 
 double numberAfter(const std::string &text, const std::string &key, double otherwise)
 {
-    std::smatch match;
-    return std::regex_search(text, match, std::regex("(?:^|[; ])" + key + "=([0-9.]+)")) ? std::stod(match[1])
-                                                                                         : otherwise;
+    const auto groups = support::Pattern("(?:^|[; ])" + key + "=([0-9.]+)").firstIn(text);
+    return groups ? std::stod((*groups)[1]) : otherwise;
 }
 
 // What a filter answers to a single 1 on its first channel.
@@ -154,9 +152,9 @@ TEST(FilterHeader, ShowsEveryTypeApproximationAndFormOfNumbers)
 TEST(FilterHeader, TellsByHowMuchAnEllipticRippleMisses)
 {
     int values = 0;
-    const std::regex row(R"re( \*      (1\.2|1\.5|2\.0) +[0-9].*)re");
+    const support::Pattern row(R"re( \*      (1\.2|1\.5|2\.0) +[0-9].*)re");
     for (const auto &line : headerLines()) {
-        if (!std::regex_match(line, row))
+        if (!row.match(line))
             continue;
         std::istringstream words(line.substr(2));
         std::string ratio, value;

@@ -1,13 +1,13 @@
 // What the two libraries show to the outside: the names of their lists and nothing else.
 #include "names.h"
 #include "support/command.h"
+#include "support/pattern.h"
 
 #include <gtest/gtest.h>
 
 #include <filesystem>
 #include <fstream>
 #include <iterator>
-#include <regex>
 #include <sstream>
 #include <string>
 
@@ -67,13 +67,13 @@ std::string withoutComments(std::string text)
 
 Names declared(const Library &library)
 {
-    const std::regex declaration("\\n" + library.mark + R"(\s[^;(]*?(\w+)\s*\()");
+    const support::Pattern declaration("\\n" + library.mark + R"(\s[^;(]*?(\w+)\s*\()");
     Names names;
     for (const auto &entry : std::filesystem::directory_iterator(library.headers)) {
         std::ifstream file(entry.path());
         const std::string text = withoutComments({std::istreambuf_iterator<char>(file), {}});
-        for (std::sregex_iterator i(text.begin(), text.end(), declaration), end; i != end; ++i)
-            names.insert((*i)[1]);
+        for (const auto &groups : declaration.allIn(text))
+            names.insert(groups[1]);
     }
     return names;
 }
@@ -114,10 +114,10 @@ TEST(Exports, TheLibraryAnnouncesItsMajorVersion)
     for (const Library &library : libraries) {
         SCOPED_TRACE(library.path);
         Names sonames;
-        static const std::regex pattern(R"(.*\(SONAME\).*\[(.*)\])");
+        static const support::Pattern pattern(R"(.*\(SONAME\).*\[(.*)\])");
         for (const auto &line : support::linesOf("readelf -d -W " + library.path))
-            if (std::smatch match; std::regex_match(line, match, pattern))
-                sonames.insert(match[1]);
+            if (const auto groups = pattern.match(line))
+                sonames.insert((*groups)[1]);
         EXPECT_EQ(sonames, Names{library.soname});
     }
 }

@@ -2,18 +2,17 @@
 // multiply-adds, for numbers and for vectors, which round once where the results are defined to round twice, and estimates
 // of reciprocals. There must be none of either.
 #include "disassembly.h"
+#include "support/pattern.h"
 
 #include <gtest/gtest.h>
-
-#include <regex>
 
 namespace
 {
 
 bool changesBits(const Instruction &instruction)
 {
-    static const std::regex names("f(n?m(add|sub|la|ls|ad|sb)|cmla|ml[as]l|recp|rsqrt).*");
-    return std::regex_match(instruction.name, names);
+    static const support::Pattern names("f(n?m(add|sub|la|ls|ad|sb)|cmla|ml[as]l|recp|rsqrt).*");
+    return names.match(instruction.name).has_value();
 }
 
 Predicate isNamed(const std::string &name)

@@ -2,11 +2,11 @@
 #include "interface.h"
 #include "names.h"
 #include "support/command.h"
+#include "support/pattern.h"
 #include "support/program.h"
 
 #include <gtest/gtest.h>
 
-#include <regex>
 #include <sstream>
 
 namespace
@@ -48,10 +48,10 @@ std::vector<Family> listed()
 // The code of the host, without what only looks like a call: comments and texts.
 std::string hostCode()
 {
-    static const std::regex passive(R"(/\*[^]*?\*/|"[^"\n]*")");
+    static const support::Pattern passive(R"(/\*[^]*?\*/|"[^"\n]*")");
     std::string code;
     for (const auto &entry : std::filesystem::directory_iterator(SOURCE_DIR "/tests/library/every_function"))
-        code += std::regex_replace(support::readFile(entry.path()), passive, "");
+        code += passive.replacedIn(support::readFile(entry.path()), "");
     return code;
 }
 
@@ -85,10 +85,9 @@ TEST(WholeInterface, IsCalledAsAWholeByTheHost)
 {
     const std::string code = hostCode();
     for (const std::string &name : wholeInterface())
-        EXPECT_TRUE(std::regex_search(code, std::regex("\\b" + name + R"(\()"))) << name << " is not called";
-    static const std::regex include(R"(#include <orva/(\w+\.h)>)");
-    for (std::sregex_iterator i(code.begin(), code.end(), include), end; i != end; ++i)
-        EXPECT_EQ((*i)[1], "orva.h") << "the host knows no other header";
+        EXPECT_TRUE(support::Pattern("\\b" + name + R"(\()").firstIn(code)) << name << " is not called";
+    for (const auto &include : support::Pattern(R"(#include <orva/(\w+\.h)>)").allIn(code))
+        EXPECT_EQ(include[1], "orva.h") << "the host knows no other header";
 }
 
 TEST(WholeInterface, AHostWrittenInCCallsEveryFunctionAndIsRight)
@@ -98,6 +97,5 @@ TEST(WholeInterface, AHostWrittenInCCallsEveryFunctionAndIsRight)
         support::run({"env", "KT_DATA_PATH=" + folder.path.string(), EVERY_FUNCTION}, folder);
     EXPECT_EQ(outcome.status, 0);
     EXPECT_EQ(outcome.err, "");
-    EXPECT_TRUE(std::regex_match(outcome.out, std::regex(R"(\d{3,} checks, 0 do not hold\n)")))
-        << outcome.out;
+    EXPECT_TRUE(support::Pattern(R"(\d{3,} checks, 0 do not hold\n)").match(outcome.out)) << outcome.out;
 }

@@ -1,6 +1,8 @@
 // What the headers say about real-time threads.
 #pragma once
 
+#include "support/pattern.h"
+
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -8,7 +10,6 @@
 #include <filesystem>
 #include <fstream>
 #include <iterator>
-#include <regex>
 #include <set>
 #include <string>
 #include <vector>
@@ -19,8 +20,8 @@ namespace realtime
 // The text of a comment without the asterisks in front of its lines, all white space a single blank.
 inline std::string flat(const std::string &comment)
 {
-    static const std::regex lineStart(R"(\n\s*\*)"), whiteSpace(R"(\s+)");
-    return std::regex_replace(std::regex_replace(comment, lineStart, "\n"), whiteSpace, " ");
+    static const support::Pattern lineStart(R"(\n\s*\*)"), whiteSpace(R"(\s+)");
+    return whiteSpace.replacedIn(lineStart.replacedIn(comment, "\n"), " ");
 }
 
 enum class Claim { none, no, yes };
@@ -29,12 +30,11 @@ enum class Claim { none, no, yes };
 // not (promised) is yes, with or without a condition.
 inline Claim claimIn(const std::string &comment)
 {
-    static const std::regex claim(R"([Rr]eal time: (not?\b)?)");
-    std::smatch match;
-    const std::string text = flat(comment);
-    if (!std::regex_search(text, match, claim))
+    static const support::Pattern claim(R"([Rr]eal time: (not?\b)?)");
+    const auto groups = claim.firstIn(flat(comment));
+    if (!groups)
         return Claim::none;
-    return match[1].matched ? Claim::no : Claim::yes;
+    return (*groups)[1].empty() ? Claim::yes : Claim::no;
 }
 
 struct Declaration {
@@ -48,7 +48,7 @@ inline std::vector<Declaration> declarationsIn(const std::string &header, std::s
     std::vector<Declaration> found;
     std::ifstream file(header);
     const std::string text(std::istreambuf_iterator<char>(file), {});
-    static const std::regex name(R"((\w+)\s*\()");
+    static const support::Pattern name(R"((\w+)\s*\()");
     std::string comment;
     for (size_t at = 0; at < text.size();) {
         if (text.compare(at, 2, "/*") == 0) {
@@ -61,10 +61,9 @@ inline std::vector<Declaration> declarationsIn(const std::string &header, std::s
         }
         const size_t end = std::min(text.find('\n', at), text.size() - 1) + 1;
         const std::string line = text.substr(at, end - at);
-        std::smatch match;
-        if ((line.starts_with("ORVA_API ") || line.starts_with("KT_API ")) &&
-            std::regex_search(line, match, name))
-            found.push_back({match[1], comment});
+        if (line.starts_with("ORVA_API ") || line.starts_with("KT_API "))
+            if (const auto groups = name.firstIn(line))
+                found.push_back({(*groups)[1], comment});
         at = end;
     }
     return found;
@@ -74,17 +73,15 @@ inline std::vector<Declaration> declarationsIn(const std::string &header, std::s
 // the top of its file, one that refers to another, "real time: as NAME()", that of the other.
 inline std::set<std::string> functionsForRealTime(const std::string &folder)
 {
-    static const std::regex reference(R"([Rr]eal time: as (\w+)\(\))");
+    static const support::Pattern reference(R"([Rr]eal time: as (\w+)\(\))");
     std::set<std::string> yes;
     std::vector<std::pair<std::string, std::string>> references;
     for (const auto &entry : std::filesystem::directory_iterator(folder)) {
         std::string fileComment;
         for (const auto &[name, comment] : declarationsIn(entry.path(), fileComment)) {
-            std::smatch match;
-            const std::string text = flat(comment);
             Claim claim = claimIn(comment);
-            if (std::regex_search(text, match, reference)) {
-                references.emplace_back(name, match[1]);
+            if (const auto groups = reference.firstIn(flat(comment))) {
+                references.emplace_back(name, (*groups)[1]);
                 continue;
             }
             if (claim == Claim::none)

@@ -1,9 +1,8 @@
 // The manual pages and the completion of orva: they hold what its help does.
 #include "orva.h"
+#include "support/pattern.h"
 
 #include <gmock/gmock.h>
-
-#include <regex>
 
 namespace
 {
@@ -27,14 +26,15 @@ std::vector<std::string> listed(const std::string &command)
                                                      : std::vector{command, std::string("--help")},
                                      folder)
                                  .out;
-    const std::regex pattern(command.empty() ? "^  ([a-z]+) .*" : "^  (?:-[a-z],)?(--[a-z-]+).*");
+    const support::Pattern pattern(command.empty() ? "^  ([a-z]+) .*" : "^  (?:-[a-z],)?(--[a-z-]+).*");
     std::vector<std::string> names;
     bool within = false;
     for (const auto &line : linesOf(help)) {
         within = (within && !line.empty()) || line == (command.empty() ? "Subcommands:" : "Options:");
-        std::smatch match;
-        if (within && std::regex_match(line, match, pattern))
-            names.push_back(match[1]);
+        if (!within)
+            continue;
+        if (const auto groups = pattern.match(line))
+            names.push_back((*groups)[1]);
     }
     return names;
 }
@@ -45,7 +45,7 @@ std::string page(const std::string &name)
     const support::Folder folder;
     std::string text =
         orvaShell("gzip -dc '" + std::string(PROGRAMS_BUILD_DIR) + "/man1/" + name + ".1.gz'", folder).out;
-    return std::regex_replace(text, std::regex("\\\\f[BIR]|\\\\(?=-)"), "");
+    return support::Pattern("\\\\f[BIR]|\\\\(?=-)").replacedIn(text, "");
 }
 
 // What bash offers for the last of these words.

@@ -2,6 +2,7 @@
 #include "support/bits.h"
 #include "support/folder.h"
 #include "support/log.h"
+#include "support/pattern.h"
 #include "support/random.h"
 #include "window/definitions.h"
 
@@ -9,7 +10,6 @@
 
 #include <gtest/gtest.h>
 
-#include <regex>
 #include <sstream>
 #include <string>
 
@@ -92,14 +92,13 @@ TEST(WindowName, BelongsToItsType)
 // The rows of the header's table: " *      3     Hanning             N - 1  ...".
 TEST(WindowName, StandsInTheTableOfTheHeader)
 {
-    const std::regex row(R"( \*      ([0-9]+) +([A-Z][A-Za-z-]+) +.*)");
+    const support::Pattern row(R"( \*      ([0-9]+) +([A-Z][A-Za-z-]+) +.*)");
     std::istringstream header(support::readFile(ORVA_WINDOW_HEADER));
-    std::smatch match;
     int32_t type = 0;
     for (std::string line; std::getline(header, line);)
-        if (std::regex_match(line, match, row)) {
-            EXPECT_EQ(match[1], std::to_string(type)) << line;
-            EXPECT_EQ(match[2], ORVA_GetWindowName(type)) << line;
+        if (const auto groups = row.match(line)) {
+            EXPECT_EQ((*groups)[1], std::to_string(type)) << line;
+            EXPECT_EQ((*groups)[2], ORVA_GetWindowName(type)) << line;
             ++type;
         }
     EXPECT_EQ(type, unknownType) << "rows in the table";
