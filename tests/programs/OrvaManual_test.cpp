@@ -148,7 +148,7 @@ TEST(OrvaManual, BashCompletesEachFormatAndWindowThatThereIs)
         const size_t list = refusal.find(before);
         ASSERT_NE(list, std::string::npos) << refusal;
         const std::string names = refusal.substr(list + std::string(before).size());
-        EXPECT_EQ(completed(line + " ''", folder), linesOf(std::regex_replace(names, std::regex(", "), "\n")))
+        EXPECT_EQ(completed(line + " ''", folder), linesOf(support::Pattern(", ").replacedIn(names, "\n")))
             << line;
     }
 }
