@@ -123,10 +123,9 @@ void draw(const Measuring &work, const SoundInput &input, const Options &options
                   options.size, options.hop, work.rate);
     Picture picture(file, layoutFor(channels), input.name.substr(input.name.rfind('/') + 1), subtitle);
     for (size_t channel = 0; channel < channels; ++channel) {
-        picture.panel(channel, time, axisMel(work.rate / 2));
-        picture.image(channel, work.drawn[channel].levels, -hop / 2, hop, -range, 0,
-                      (channels > 1 ? "Channel " + std::to_string(channel + 1) + " (" : "Level (") +
-                          "dB re full-scale sine)");
+        const Axis hertz = axisMel(work.rate / 2);
+        picture.panel(channel, time, channels > 1 ? axisOfChannel(hertz, channel) : hertz);
+        picture.image(channel, work.drawn[channel].levels, -hop / 2, hop, -range, 0, "dB re full-scale sine");
     }
     const double most = std::max(std::ceil(static_cast<double>(work.most) / 1000), 1.0);
     picture.panel(channels, time,

@@ -110,10 +110,8 @@ void draw(const SoundInput &input, const Options &options, const FrameRange &ran
     Picture picture(file, layoutFor(shown.channels.size()), input.name.substr(input.name.rfind('/') + 1),
                     subtitle);
     for (size_t i = 0; i < shown.channels.size(); ++i) {
-        Axis hertz = frequencyAxis(options.scale, rate / 2);
-        if (shown.channels.size() > 1)
-            hertz.label.replace(0, hertz.label.find(' '), "Channel " + std::to_string(i + 1));
-        picture.panel(i, time, hertz);
+        const Axis hertz = frequencyAxis(options.scale, rate / 2);
+        picture.panel(i, time, shown.channels.size() > 1 ? axisOfChannel(hertz, i) : hertz);
         picture.image(i, shown.levels[i], time.first - 0.5 * range.hop / rate, range.hop / rate,
                       -options.range, 0, "dB re full-scale sine");
     }

@@ -58,6 +58,12 @@ Axis axisBark(double last)
     return axisOfHearing(AxisKind::bark, last, "Bark");
 }
 
+Axis axisOfChannel(Axis frequency, size_t channel)
+{
+    frequency.label.replace(0, frequency.label.find(' '), "Channel " + std::to_string(channel + 1));
+    return frequency;
+}
+
 Axis axisTime(double first, double last)
 {
     const bool clock = last - first >= 10; // below that, the parts of a second count

@@ -27,6 +27,9 @@ Axis axisFrequency(double first, double last, bool logarithmic);
 Axis axisMel(double last);
 Axis axisBark(double last);
 
+// An axis of frequency that names the channel, 0 being the first, whose panel it belongs to.
+Axis axisOfChannel(Axis frequency, size_t channel);
+
 // Seconds, written so or in a part of them, and from two minutes on as a clock does.
 Axis axisTime(double first, double last);
 
