@@ -6,12 +6,16 @@ include(GoogleTest)
 # watch for undefined behaviour is the library, not the test.
 add_library(orva_test_options INTERFACE)
 target_link_libraries(orva_test_options INTERFACE orva_compile_options)
+set(test_optimization -O1)
+if(ORVA_SANITIZE)
+    set(test_optimization -O0)                            # -O1 takes twice as long where the address sanitizer is
+endif()
 set(ORVA_EMULATED OFF)                                    # whether tests run in an emulator of another processor
 if(CMAKE_CROSSCOMPILING AND ORVA_PLATFORM STREQUAL posix)
     set(ORVA_EMULATED ON)
 endif()
 target_compile_options(orva_test_options INTERFACE
-    $<$<NOT:$<CONFIG:Debug>>:-O1 -g0>
+    "$<$<NOT:$<CONFIG:Debug>>:${test_optimization};-g0>"
     # GCC 12 sees ghosts in standard templates that come out of shared headers.
     "$<$<COMPILE_LANG_AND_ID:CXX,GNU>:-Wno-array-bounds;-Wno-restrict;-Wno-stringop-overflow;-Wno-stringop-overread>")
 if(ORVA_SANITIZE MATCHES undefined)
