@@ -1,7 +1,7 @@
 """The programs of the documents run, and write what the documents say.
 
-Python blocks of a document are one program, with the recorded voice beside it as voice.wav. A text block after one is what it
-writes, in which "..." stands for any text within a line.
+Python blocks of a document are one program, with the recorded voice beside it as voice.wav, and a block of TOML as speech.toml.
+A text block after one is what it writes, in which "..." stands for any text within a line.
 """
 import contextlib
 import io
@@ -20,8 +20,10 @@ DOCUMENTS = [path for path in (*ROOT.glob("*.md"), *ROOT.glob("docs/*.md"), ROOT
 
 def run(document):
     """Code, what it wrote, and what the document says that it writes, of each Python block."""
-    names, blocks = {}, BLOCK.findall(document.read_text())
+    names, blocks = {"__name__": "__main__"}, BLOCK.findall(document.read_text())
     for (language, code), (following, text) in zip(blocks, [*blocks[1:], ("", "")]):
+        if language == "toml":
+            Path("speech.toml").write_text(code)
         if language == "python":
             said = io.StringIO()
             with contextlib.redirect_stdout(said):
@@ -30,7 +32,7 @@ def run(document):
 
 
 def test_there_are_documents():
-    assert {path.name for path in DOCUMENTS} >= {"python.md", "scipy.md", "README.md"}
+    assert {path.name for path in DOCUMENTS} >= {"corpus.md", "python.md", "scipy.md", "README.md"}
 
 
 @pytest.mark.parametrize("document", [path for path in DOCUMENTS if path.name != "scipy.md"],

@@ -61,8 +61,8 @@ struct Document {
 // What is wrong with a block, whatever it says.
 inline std::string faultOf(const Block &block)
 {
-    static const std::vector<std::string> languages{"c",     "cpp",  "sh",     "console",
-                                                    "cmake", "make", "python", "text"};
+    static const std::vector<std::string> languages{"c",    "cpp",    "sh",   "console", "cmake",
+                                                    "make", "python", "text", "toml"};
     if (std::find(languages.begin(), languages.end(), block.language) == languages.end())
         return "a block of the language '" + block.language + "'";
     if ((block.language == "cmake" || block.language == "make") && block.name.empty())
