@@ -125,7 +125,8 @@ void combinePhat(const ORVA_COMPLEX *X, const ORVA_COMPLEX *Y, ORVA_COMPLEX *out
     while (k <= bins - floatLanes) {
         const int32_t left = (bins - k) / floatLanes * floatLanes;
         const int32_t count = left < Block::most ? left : Block::most;
-        if (!multiply(block, count, X + k, Y + k) || !weigh(block, count, g, output + k)) {
+        if (!multiply(block, count, X + k, Y + k) ||
+            !weigh(block, count, static_cast<double>(g), output + k)) {
             storeProducts(block, count, output + k);
             weighPlainly(output + k, count, g);
         }
