@@ -97,8 +97,8 @@ def rest(place):
     """Runs once more: only what is missing is made, and then all is as it should be."""
     kept, (folder, expected, count) = complete(place), place
     assert 0 < kept < count
-    process = command()
-    ended(process, 1, rf"^{count} complete, {count - kept} of them new, 1 failed\n")
+    with dask.config.set(scheduler="synchronous"):
+        assert corpus.run("r.toml", ["in"], "out") == (count, count - kept, 1)
     assert hashes(folder / "out") == expected
 
 
@@ -234,6 +234,17 @@ for limit in range(500, {whole}, {whole // 25}):
     run = subprocess.run([sys.executable, "-c", program], cwd=tmp_path, capture_output=True, text=True)
     assert run.stdout.splitlines() == ["File too large"] * 25, run.stderr
     assert not list(tmp_path.rglob("recordings/*"))
+
+
+def test_a_terminal_sees_how_far_it_is(place, out):
+    seen, terminal = os.openpty()
+    process = subprocess.Popen([sys.executable, "-m", "orva.corpus", "r.toml", "in/recorded", "--out", "out"],
+                               stdout=subprocess.PIPE, stderr=terminal, text=True)
+    written, _ = process.communicate()
+    os.close(terminal)
+    assert written == "9 complete, 9 of them new, 1 failed\n"
+    assert "100% Completed" in os.read(seen, 1 << 16).decode()
+    os.close(seen)
 
 
 def test_the_command_tells_what_is_wrong(place, out):

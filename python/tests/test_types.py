@@ -9,6 +9,7 @@ from pathlib import Path
 import pytest
 
 import orva
+from orva import corpus
 
 FOLDER = Path(orva.__file__).parent
 SOURCE = Path(__file__).resolve().parents[1]
@@ -16,8 +17,8 @@ SOURCE = Path(__file__).resolve().parents[1]
 
 def public():
     """Every public function, class and method, with its name."""
-    for name in sorted(orva.__all__):
-        value = getattr(orva, name)
+    for module, name in [(module, name) for module in (orva, corpus) for name in sorted(module.__all__)]:
+        value = getattr(module, name)
         if inspect.isfunction(value) or inspect.isclass(value):
             yield name, value
         if inspect.isclass(value) and not issubclass(value, tuple):

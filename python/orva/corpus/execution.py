@@ -10,7 +10,7 @@ from multiprocessing import parent_process
 from typing import Any, Callable, Iterator, List, Sequence, Tuple
 
 from .folder import Folder
-from .recording import Outcome, outcome
+from .recording import Outcome
 
 Batch = Sequence[Tuple[str, str]]
 Work = Callable[[Batch], List[Outcome]]

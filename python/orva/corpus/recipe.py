@@ -166,7 +166,13 @@ class Recipe:
             raise ValueError("there are arrays to be kept, but no step that measures")
 
     def text(self) -> str:
-        """The recipe and the version of the library as one text, the same for the same results."""
+        """The recipe and the version of the library.
+
+        Returns
+        -------
+        str
+            JSON, the same for whatever gives the same results.
+        """
         steps = [{"do": word, **dataclasses.asdict(step)} for step in self.steps
                  for word, kind in STEPS.items() if type(step) is kind]
         return json.dumps({"liborva": version(lib), "steps": steps, "sound": self.sound, "subtype": self.subtype,

@@ -2,7 +2,7 @@
 """The tables of a run, sorted by name: one of what is complete, one of what has failed."""
 import csv
 from pathlib import Path
-from typing import Any, Iterable, List, Sequence
+from typing import Any, Iterable, List
 
 from .folder import Folder
 from .recording import Outcome
