@@ -11,8 +11,9 @@ from .._arrays import Samples
 
 BLOCK = 1 << 15           # frames at a time; no result depends on it
 
-# What libsndfile tells of a file that promises more than it has. Whoever writes into a pipe promises 2 GiB or more.
-_SHORT = re.compile(r"^\s*(?:data|data size|ssnd|riff size|riff)\s*: (\d+) \(should be (\d+)\)$", re.IGNORECASE | re.MULTILINE)
+# What libsndfile tells of a file that promises more samples than it has, in WAV, AU, AIFF, RF64 and W64; the whole size of a WAV
+# file, which it calls RIFF, many count in another way. Whoever writes into a pipe promises 2 GiB or more.
+_SHORT = re.compile(r"^\s*(?:data|Data Size|SSND|Riff size|riff)\s*: (\d+) \(should be (\d+)\)$", re.MULTILINE)
 _PIPED = 2**31 - 2**16
 _UNKNOWN = 2**63 - 1
 
