@@ -1,6 +1,7 @@
 #include "sound_input.h"
 
 #include "failure.h"
+#include "largest.h"
 #include "messages.h"
 #include "progress.h"
 #include "standard_input.h"
@@ -79,6 +80,24 @@ SoundInput openSound(const std::string &path, const RawFormat &raw)
     return input;
 }
 
+namespace
+{
+
+// Puts zeros in their place, and counts them.
+int64_t clearNotFinite(float *values, int64_t count)
+{
+    int64_t cleared = 0;
+    for (int64_t i = 0; i < count; ++i) {
+        if (!std::isfinite(values[i])) {
+            values[i] = 0;
+            ++cleared;
+        }
+    }
+    return cleared;
+}
+
+} // namespace
+
 int64_t readSound(SoundInput &input, float *frames, int64_t count)
 {
     int64_t done = 0;
@@ -89,12 +108,9 @@ int64_t readSound(SoundInput &input, float *frames, int64_t count)
             break;
         done += got;
     }
-    for (int64_t i = 0; i < done * input.info.channels; ++i) {
-        if (!std::isfinite(frames[i])) {
-            frames[i] = 0;
-            ++input.notFinite;
-        }
-    }
+    const int64_t samples = done * input.info.channels;
+    if (!areFinite(frames, samples))
+        input.notFinite += clearNotFinite(frames, samples);
     input.position += done;
     if (done < count && input.position < input.length)
         input.endedEarly = true;

@@ -1,10 +1,12 @@
 #include "sound_output.h"
 
 #include "failure.h"
+#include "largest.h"
 #include "messages.h"
 #include "wav_head.h"
 
 #include <algorithm>
+#include <bit>
 #include <cerrno>
 #include <cinttypes>
 #include <cmath>
@@ -153,10 +155,13 @@ void SoundOutput::failWriting() const
                             : "not written"));
 }
 
-// Integers of so many bits, in the upper bits of those that libsndfile takes.
-void SoundOutput::store(const float *values, int64_t count)
+void SoundOutput::countCut(const float *values, int64_t count)
 {
-    const int bits = integerBits(info.format);
+    const int32_t largest = largestBits(values, count);
+    if (largest <= bitsOfSize(1.0f)) {
+        peak = std::max(peak, std::bit_cast<float>(largest));
+        return;
+    }
     const bool isFloat = (info.format & SF_FORMAT_SUBMASK) == SF_FORMAT_FLOAT ||
                          (info.format & SF_FORMAT_SUBMASK) == SF_FORMAT_DOUBLE;
     for (int64_t i = 0; i < count; ++i) {
@@ -164,6 +169,13 @@ void SoundOutput::store(const float *values, int64_t count)
         peak = std::max(peak, size);
         cut += static_cast<int64_t>(!isFloat && size > 1);
     }
+}
+
+// Integers of so many bits, in the upper bits of those that libsndfile takes.
+void SoundOutput::store(const float *values, int64_t count)
+{
+    const int bits = integerBits(info.format);
+    countCut(values, count);
     errno = 0;
     if (bits == 0) {
         if (sf_write_float(file.get(), values, count) != count)

@@ -58,6 +58,7 @@ public:
 private:
     void openStream(int64_t length, const std::string &told);
     void openFile(const SoundInput &like, int descriptor);
+    void countCut(const float *samples, int64_t count);
     void store(const float *samples, int64_t count);
     [[noreturn]] void failWriting() const;
     void spill();
