@@ -8,7 +8,7 @@ if(CPACK_ORVA_SYSROOT)                                    # made by script/sysro
 endif()
 function(needs_of result)
     execute_process(
-        COMMAND ${tool} -O --ignore-missing-info ${ARGN}
+        COMMAND ${tool} -O --ignore-missing-info -l${build}/src -l${build}/kett ${ARGN}
         WORKING_DIRECTORY ${build}/debian
         OUTPUT_VARIABLE needs ERROR_VARIABLE complaint RESULT_VARIABLE status)
     if(NOT status EQUAL 0 OR NOT needs MATCHES "shlibs:Depends=([^\n]+)")
@@ -18,7 +18,7 @@ function(needs_of result)
 endfunction()
 needs_of(CPACK_DEBIAN_LIBRARY_PACKAGE_DEPENDS -e${build}/src/liborva.so -e${build}/kett/libkett.so)
 if(EXISTS ${build}/programs/orva)                         # which reads a private record of this very library
-    needs_of(others -l${build}/src -l${build}/kett -e${build}/programs/orva)
+    needs_of(others -e${build}/programs/orva)
     set(CPACK_DEBIAN_TOOLS_PACKAGE_DEPENDS
         "${CPACK_DEBIAN_LIBRARY_PACKAGE_NAME} (= ${CPACK_DEBIAN_PACKAGE_VERSION}), ${others}")
 endif()
