@@ -1,5 +1,6 @@
 // Unloading and the end of the process wait for a preparation, and leave the host as it was.
 #include "host.h"
+#include "support/threads.h"
 
 #include <algorithm>
 #include <cfenv>
@@ -16,6 +17,7 @@
 #endif
 
 using namespace host;
+using namespace support;
 
 namespace
 {
@@ -26,11 +28,6 @@ std::set<std::string> entriesOf(const char *folder)
     for (const auto &entry : std::filesystem::directory_iterator(folder))
         names.insert(entry.path().filename());
     return names;
-}
-
-void letAThreadComeAndGo()
-{
-    std::thread([] {}).join();
 }
 
 // Everything that a host would notice if a library changed it.
@@ -97,7 +94,7 @@ TEST(Unload, AfterOneInitializeTooManyLeavesTheLibraryUpButNoThread)
 
 TEST(Unload, LeavesTheHostAsItWas)
 {
-    letAThreadComeAndGo(); // some tools start a thread of their own with the first
+    threadsAfterTheFirst();
     const Host before;
     {
         const Loaded library;
@@ -118,7 +115,7 @@ TEST(Unload, LeavesAHostOfUnusualHabitsAsItWas)
     pthread_sigmask(SIG_BLOCK, &some, nullptr);
     std::fesetround(FE_UPWARD);
     std::setlocale(LC_ALL, "C.UTF-8");
-    letAThreadComeAndGo();
+    threadsAfterTheFirst();
 
     const DataFolder folder;
     const Host before;
@@ -134,18 +131,17 @@ TEST(Unload, LeavesAHostOfUnusualHabitsAsItWas)
 TEST(Unload, WaitsForThePreparationAndUnmapsAllTheSame)
 {
     const DataFolder folder;
-    letAThreadComeAndGo();
-    const auto threads = entriesOf("/proc/self/task").size();
+    const auto threads = threadsAfterTheFirst();
     for (int round = 0; round < 3; ++round) {
         std::filesystem::remove(folder.store());
         Loaded library;
         startPreparation(library);
-        EXPECT_EQ(entriesOf("/proc/self/task").size(), threads + 1);
+        EXPECT_EQ(threadsOfTheProcess(), threads + 1);
         std::this_thread::sleep_for(untilThePreparationIsAtWork);
         library.unload();
         EXPECT_FALSE(isMapped("liborva.so"));
         EXPECT_FALSE(isMapped("libkett.so"));
-        EXPECT_EQ(entriesOf("/proc/self/task").size(), threads);
+        EXPECT_TRUE(threadsComeDownTo(threads));
         const std::string wisdom = support::readFile(folder.store());
         EXPECT_EQ(wisdom.substr(0, 6), "(fftw-");
         EXPECT_GT(std::count(wisdom.begin(), wisdom.end(), '\n'), 2) << "nothing was prepared";
