@@ -1,5 +1,5 @@
 #!/usr/bin/python3
-"""Counts the words that a speech recogniser gets wrong after time scaling; from 0.7 on, the table of docs/solafs.md.
+"""Counts the words that a speech recogniser gets wrong after time scaling; the table of docs/solafs.md.
 
 Usage: tools/solafs_words.py [SPEED...], by default 0.5 0.7 1.3 1.5.
 
