@@ -4,6 +4,7 @@ from typing import Any, Optional, Tuple
 
 import numpy as np
 import numpy.typing as npt
+from numpy import ndarray
 
 from ._library import ffi
 
@@ -15,6 +16,7 @@ FLOAT = np.dtype(np.float32)
 COMPLEX = np.dtype(np.complex64)
 MOST = 2**31 - 1          # what a count of the library holds
 ALIGNMENT = 16            # bytes, as transforms need it
+IN_ORDER = 0x101          # of an array's flags: in C order, and aligned to its values
 
 _FLOATS = ffi.typeof("float[]")
 _COMPLEXES = ffi.typeof("ORVA_COMPLEX[]")
@@ -40,10 +42,8 @@ def double_pointer(array: Doubles) -> Any:
 
 def real(data: npt.ArrayLike, name: str) -> Samples:
     """Real numbers as float32 in C order: the array itself where it is that, otherwise one converted copy."""
-    if type(data) is np.ndarray and data.dtype is FLOAT:
-        flags = data.flags
-        if flags.c_contiguous and flags.aligned:
-            return data
+    if type(data) is ndarray and data.dtype is FLOAT and data.flags.num & IN_ORDER == IN_ORDER:
+        return data
     array = np.asarray(data)
     if array.dtype.kind not in "fiub":
         raise TypeError(f"{name} must be real numbers, not {array.dtype}")
@@ -68,10 +68,8 @@ def mono(data: npt.ArrayLike, name: str = "x") -> Samples:
 
 def complexes(data: npt.ArrayLike, name: str) -> Spectrum:
     """Complex numbers as complex64 in C order, at least one dimension."""
-    if type(data) is np.ndarray and data.dtype is COMPLEX and data.ndim:
-        flags = data.flags
-        if flags.c_contiguous and flags.aligned:
-            return data
+    if type(data) is ndarray and data.dtype is COMPLEX and data.flags.num & IN_ORDER == IN_ORDER and data.ndim:
+        return data
     array = np.asarray(data)
     if array.dtype.kind not in "cfiub":
         raise TypeError(f"{name} must be numbers, not {array.dtype}")

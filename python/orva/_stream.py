@@ -6,8 +6,9 @@ from types import TracebackType
 from typing import Any, Callable, Dict, List, Optional, Tuple, Type, TypeVar
 
 import numpy.typing as npt
+from numpy import ndarray
 
-from ._arrays import Samples, samples
+from ._arrays import FLOAT, IN_ORDER, Samples, samples
 from ._library import ffi
 
 Self = TypeVar("Self", bound="Stream")
@@ -67,6 +68,9 @@ class Stream:
 
     def _block(self, block: npt.ArrayLike) -> Samples:
         """The frames of a block, as many channels in each as the stream has."""
+        if type(block) is ndarray and block.dtype is FLOAT and block.flags.num & IN_ORDER == IN_ORDER \
+                and block.ndim == self._channels == 1:
+            return block
         x = samples(block, "block")
         channels = 1 if x.ndim == 1 else x.shape[1]
         if channels != self._channels:

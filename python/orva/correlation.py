@@ -2,7 +2,7 @@
 """Cross-correlation, delays and likeness."""
 import threading
 from functools import lru_cache
-from typing import NamedTuple, Optional, Tuple
+from typing import NamedTuple, Optional
 
 import numpy as np
 import numpy.typing as npt
@@ -13,11 +13,14 @@ from ._messages import created, heard
 
 LONGEST = 2**30 - 1
 
+_plain, _phat = lib.ORVA_XcorrProcExecute, lib.ORVA_XcorrPhatProcess
+
 
 class _Processor:
     """The processor of one pair of lengths, for one thread at a time."""
 
     def __init__(self, first: int, second: int) -> None:
+        _check_lengths(first, second)
         self.lock = threading.Lock()
         self.handle = created(lib.ORVA_XcorrProcCreate, lib.ORVA_XcorrProcDestroy, first, second)
         self.size = int(lib.ORVA_XcorrVectorLength(self.handle))
@@ -28,11 +31,9 @@ def _processor(first: int, second: int) -> _Processor:
     return _Processor(first, second)
 
 
-def _pair(x: npt.ArrayLike, y: npt.ArrayLike) -> Tuple[Samples, Samples]:
-    first, second = mono(x, "x"), mono(y, "y")
-    whole(first.size, "the length of x", 1, LONGEST)
-    whole(second.size, "the length of y", 1, LONGEST)
-    return first, second
+def _check_lengths(first: int, second: int) -> None:
+    whole(first, "the length of x", 1, LONGEST)
+    whole(second, "the length of y", 1, LONGEST)
 
 
 def correlate(x: npt.ArrayLike, y: npt.ArrayLike, phat: bool = False, out: Optional[Samples] = None) -> Samples:
@@ -68,10 +69,10 @@ def correlate(x: npt.ArrayLike, y: npt.ArrayLike, phat: bool = False, out: Optio
     >>> r.size, r.argmax() - 3, round(float(r.max()), 6)
     (7, 2, 0.25)
     """
-    first, second = _pair(x, y)
+    first, second = mono(x, "x"), mono(y, "y")
     processor = _processor(first.size, second.size)
     r = np.empty(processor.size, FLOAT) if out is None else result(out, (processor.size,))
-    execute = lib.ORVA_XcorrPhatProcess if phat else lib.ORVA_XcorrProcExecute
+    execute = _phat if phat else _plain
     with processor.lock:
         if execute(processor.handle, pointer(first), pointer(second), pointer(r)) < 0:
             _processor.cache_clear()
@@ -153,7 +154,8 @@ def coefficient(x: npt.ArrayLike, y: npt.ArrayLike) -> Likeness:
     >>> round(value, 6), lag
     (1.0, 2)
     """
-    first, second = _pair(x, y)
+    first, second = mono(x, "x"), mono(y, "y")
+    _check_lengths(first.size, second.size)
     lag = ffi.new("int32_t *")
     with heard() as said:
         value = lib.ORVA_XcorrCoef(pointer(first), first.size, pointer(second), second.size, lag)

@@ -2,7 +2,7 @@
 """Real Fourier transforms in single precision."""
 from functools import lru_cache
 from math import prod
-from typing import Any, Callable, Iterable, Optional, Tuple
+from typing import Any, Callable, Iterable, List, Optional, Tuple
 
 import numpy as np
 import numpy.typing as npt
@@ -11,6 +11,10 @@ from ._arrays import (COMPLEX, FLOAT, MOST, Samples, Spectrum, aligned, check_ou
                       is_aligned, pointer, real, rows_aligned, whole)
 from ._library import ffi, lib
 from ._messages import created
+
+_direct, _back, _power = lib.ORVA_FFTProcExecute, lib.ORVA_IFFTProcExecuteEx, lib.ORVA_FFTProcExecutePSDEx
+
+KEPT = 2**16              # samples of the longest frame whose room is kept for the next call
 
 
 class Fft:
@@ -35,6 +39,7 @@ class Fft:
         self._bins = self.n // 2 + 1
         self._forward = created(lib.ORVA_FFTProcCreate, lib.ORVA_FFTProcDestroy, self.n)
         self._inverse = created(lib.ORVA_IFFTProcCreate, lib.ORVA_FFTProcDestroy, self.n)
+        self._spare: List[Tuple[Spectrum, Any]] = []      # rooms for a spectrum, for as many calls as ran at the same time
 
     @property
     def bins(self) -> int:
@@ -70,15 +75,17 @@ class Fft:
         frames = _checked(real(x, "x"), self.n, "samples")
         spectra = _taken(out, frames, self._bins, COMPLEX)
         source, target = pointer(frames), complex_pointer(spectra)
-        if rows_aligned(source, frames) and rows_aligned(target, spectra):
-            for row in _rows(frames):
-                lib.ORVA_FFTProcExecute(self._forward, source + row * self.n, target + row * self._bins)
-        else:
+        if not (rows_aligned(source, frames) and rows_aligned(target, spectra)):
             (frame, source), (bins, target) = aligned(self.n), aligned(self._bins, COMPLEX)
             for given, taken in _pairs(frames, spectra):
                 frame[:] = given
-                lib.ORVA_FFTProcExecute(self._forward, source, target)
+                _direct(self._forward, source, target)
                 taken[:] = bins
+        elif frames.ndim == 1:
+            _direct(self._forward, source, target)
+        else:
+            for row in range(prod(frames.shape[:-1])):
+                _direct(self._forward, source + row * self.n, target + row * self._bins)
         return spectra
 
     def inverse(self, spectrum: npt.ArrayLike, out: Optional[Samples] = None) -> Samples:
@@ -104,17 +111,26 @@ class Fft:
         spectra = _checked(complexes(spectrum, "spectrum"), self._bins, "bins")
         frames = _taken(out, spectra, self.n, FLOAT)
         target = pointer(frames)
-        bins, source = aligned(self._bins, COMPLEX)       # a copy, since the transform overwrites what it reads
-        if rows_aligned(target, frames):
-            for row, given in enumerate(_each(spectra)):
-                bins[:] = given
-                lib.ORVA_IFFTProcExecuteEx(self._inverse, source, target + row * self.n, True)
-        else:
+        try:
+            room = self._spare.pop()
+        except IndexError:
+            room = aligned(self._bins, COMPLEX)
+        bins, source = room                               # for a copy, since the transform overwrites what it reads
+        if not rows_aligned(target, frames):
             frame, target = aligned(self.n)
             for given, taken in _pairs(spectra, frames):
                 bins[:] = given
-                lib.ORVA_IFFTProcExecuteEx(self._inverse, source, target, True)
+                _back(self._inverse, source, target, True)
                 taken[:] = frame
+        elif frames.ndim == 1:
+            bins[:] = spectra
+            _back(self._inverse, source, target, True)
+        else:
+            for row, given in enumerate(_each(spectra)):
+                bins[:] = given
+                _back(self._inverse, source, target + row * self.n, True)
+        if self.n <= KEPT:
+            self._spare.append(room)
         return frames
 
     def power(self, x: npt.ArrayLike, out: Optional[Samples] = None) -> Samples:
@@ -141,23 +157,22 @@ class Fft:
         array([0., 4., 0.], dtype=float32)
         """
         frames = _checked(real(x, "x"), self.n, "samples")
-        room, execute = 4 * (self.n // 8 + 1), lib.ORVA_FFTProcExecutePSDEx
-        source = pointer(frames)
+        source, room = pointer(frames), 4 * (self.n // 8 + 1)
         power, made = aligned(room)
         if out is None and frames.ndim == 1 and is_aligned(source):
-            execute(self._forward, source, made, ffi.NULL)
+            _power(self._forward, source, made, ffi.NULL)
             return power[:self._bins]
         powers = _taken(out, frames, self._bins, FLOAT)
         spare, work = aligned(max(self.n, 4), COMPLEX)
         if rows_aligned(source, frames):
             for row, taken in enumerate(_each(powers)):
-                execute(self._forward, source + row * self.n, made, work)
+                _power(self._forward, source + row * self.n, made, work)
                 taken[:] = power[:self._bins]
         else:
             frame, source = aligned(self.n)
             for given, taken in _pairs(frames, powers):
                 frame[:] = given
-                execute(self._forward, source, made, work)
+                _power(self._forward, source, made, work)
                 taken[:] = power[:self._bins]
         return powers
 
@@ -180,11 +195,6 @@ def _taken(out: Optional[npt.NDArray[Any]], source: npt.NDArray[Any], length: in
     if np.may_share_memory(out, source):
         raise ValueError("out must not share memory with what is transformed")
     return out
-
-
-def _rows(array: npt.NDArray[Any]) -> Iterable[int]:
-    """The numbers of the rows."""
-    return (0,) if array.ndim == 1 else range(prod(array.shape[:-1]))
 
 
 def _each(array: npt.NDArray[Any]) -> Iterable[npt.NDArray[Any]]:
@@ -233,8 +243,8 @@ def rfft(x: npt.ArrayLike, n: Optional[int] = None, axis: int = -1) -> Spectrum:
     array([10.+0.j, -2.+2.j, -2.+0.j], dtype=complex64)
     """
     frames = _last(real(x, "x"), axis)
-    length = whole(frames.shape[-1] if n is None else n, "n", 1, MOST - 64)
-    spectra = transforms(length).forward(_fitted(frames, length))
+    transform = transforms(frames.shape[-1] if n is None else n)
+    spectra = transform.forward(frames if n is None else _fitted(frames, transform.n))
     return spectra if axis == -1 else np.moveaxis(spectra, -1, axis)
 
 
@@ -266,15 +276,17 @@ def irfft(spectrum: npt.ArrayLike, n: Optional[int] = None, axis: int = -1) -> S
     array([1., 2., 3., 4.], dtype=float32)
     """
     spectra = _last(complexes(spectrum, "spectrum"), axis)
-    length = whole(2 * (spectra.shape[-1] - 1) if n is None else n, "n", 1, MOST - 64)
-    frames = transforms(length).inverse(_fitted(spectra, length // 2 + 1))
+    transform = transforms(2 * (spectra.shape[-1] - 1) if n is None else n)
+    frames = transform.inverse(_fitted(spectra, transform.bins))
     return frames if axis == -1 else np.moveaxis(frames, -1, axis)
 
 
 def _last(array: npt.NDArray[Any], axis: int) -> npt.NDArray[Any]:
+    if axis == -1 and array.ndim:
+        return array
     if array.ndim == 0:
         raise ValueError("x must have a dimension")
-    return array if axis == -1 else np.moveaxis(array, axis, -1)
+    return np.moveaxis(array, axis, -1)
 
 
 def _fitted(rows: npt.NDArray[Any], length: int) -> npt.NDArray[Any]:

@@ -46,6 +46,9 @@ class Filter(Stream):
     -----
     Infinities and NaN in the input stay in the filter until `reset`. `flush` has nothing to give.
 
+    No edge is compared with half of `fs`, as in the library: one above it is mirrored there, so that a low-pass of 5000 Hz
+    at 8000 Hz is one of 3000 Hz, and one at exactly half the rate, or a multiple of that, gives a filter of no use.
+
     Examples
     --------
     >>> lowpass = orva.Filter("order=4; fpass=1000", fs=48000)

@@ -1,6 +1,6 @@
 # SPDX-License-Identifier: GPL-2.0-or-later
 """The modulated complex lapped transform of a stream, and its inverse."""
-from typing import Any, List
+from typing import Any, List, Tuple
 
 import numpy as np
 import numpy.typing as npt
@@ -9,6 +9,8 @@ from ._arrays import COMPLEX, FLOAT, Samples, Spectrum, complexes, pointer, whol
 from ._library import lib
 from ._messages import created
 from ._stream import Stream
+
+_direct, _inverse = lib.ORVA_FMCLTDirect, lib.ORVA_FMCLTInverse
 
 
 class Lapped(Stream):
@@ -42,12 +44,17 @@ class Lapped(Stream):
         lib.ORVA_FMCLTFreqWindow(pointer(self._twiddles), self.m)
         handle = created(lib.ORVA_FMCLTProcCreate, lib.ORVA_FMCLTProcDestroy, self.m)
         self._history, self._overlap = np.zeros(self.m, np.float32), np.zeros(self.m, np.float32)
-        self._re, self._im = np.empty(self.m, np.float32), np.empty(self.m, np.float32)     # one block of coefficients
-        # What all calls take, besides a block: both parts, then what the stream remembers.
-        parts, twiddles = (pointer(self._re), pointer(self._im)), pointer(self._twiddles)
-        self._direct_state = parts, (pointer(self._history), twiddles)
-        self._inverse_state = parts, (pointer(self._overlap), twiddles)
+        # What all calls take, besides blocks and coefficients.
+        twiddles = pointer(self._twiddles)
+        self._direct_state = pointer(self._history), twiddles
+        self._inverse_state = pointer(self._overlap), twiddles
+        self._one = self._room(1)
         super().__init__(1, [handle], {"m": self.m})
+
+    def _room(self, count: int) -> Tuple[Samples, Samples, Any, Any]:
+        """The real and the imaginary parts of some blocks of coefficients, which the library keeps apart, and their places."""
+        re, im = np.empty((2, count, self.m), FLOAT)
+        return re, im, pointer(re), pointer(im)
 
     def forward(self, x: npt.ArrayLike) -> Spectrum:
         """The coefficients of the next blocks.
@@ -67,18 +74,20 @@ class Lapped(Stream):
         ValueError
             For another length, or after `close`.
         """
-        signal = self._block(x).reshape(-1)
-        if signal.size % self.m:
-            raise ValueError(f"x must be blocks of {self.m} samples, not {signal.size} samples")
+        signal = self._block(x)
         with self._lock:
-            return self._direct(self._open(), signal)
+            return self._direct(self._handles or self._open(), signal)
 
     def _direct(self, handles: List[Any], signal: Samples) -> Spectrum:
-        m, source, (parts, state) = self.m, pointer(signal), self._direct_state
-        coefficients = np.empty((signal.size // m, m), COMPLEX)
-        for n, block in enumerate(coefficients):
-            lib.ORVA_FMCLTDirect(handles[0], *parts, source + n * m, *state)
-            block.real, block.imag = self._re, self._im
+        m, source, (history, twiddles) = self.m, pointer(signal), self._direct_state
+        count, rest = divmod(signal.size, m)
+        if rest:
+            raise ValueError(f"x must be blocks of {m} samples, not {signal.size} samples")
+        re, im, real, imaginary = self._one if count == 1 else self._room(count)
+        for n in range(0, signal.size, m):
+            _direct(handles[0], real + n, imaginary + n, source + n, history, twiddles)
+        coefficients = np.empty((count, m), COMPLEX)
+        coefficients.real, coefficients.imag = re, im
         return coefficients
 
     def inverse(self, coefficients: npt.ArrayLike) -> Samples:
@@ -103,15 +112,15 @@ class Lapped(Stream):
         if blocks.shape[-1] != self.m:
             raise ValueError(f"a block must have {self.m} coefficients, not {blocks.shape[-1]}")
         with self._lock:
-            return self._back(self._open(), blocks.reshape(-1, self.m))
+            return self._back(self._handles or self._open(), blocks.reshape(-1, self.m))
 
     def _back(self, handles: List[Any], blocks: Spectrum) -> Samples:
         y = np.empty(blocks.size, FLOAT)
-        target, (parts, state) = pointer(y), self._inverse_state
-        for n, block in enumerate(blocks):
-            self._re[:] = block.real
-            self._im[:] = block.imag
-            lib.ORVA_FMCLTInverse(handles[0], *parts, target + n * self.m, *state)
+        target, (overlap, twiddles) = pointer(y), self._inverse_state
+        re, im, real, imaginary = self._one if len(blocks) == 1 else self._room(len(blocks))
+        re[:], im[:] = blocks.real, blocks.imag
+        for n in range(0, y.size, self.m):
+            _inverse(handles[0], real + n, imaginary + n, target + n, overlap, twiddles)
         return y
 
     def process(self, block: npt.ArrayLike) -> Samples:

@@ -13,6 +13,8 @@ from ._stream import Stream
 
 KINDS = ("polyphase", "hold")
 
+_resample = lib.ORVA_Resample
+
 
 class Resampler(Stream):
     """A converter of a stream from one sampling rate to another.
@@ -86,10 +88,10 @@ class Resampler(Stream):
             For another number of channels, a block whose result is too long for one call, or after `close`.
         """
         x = self._block(block)
-        room = len(x) * (self._up // self._down + 1) + 1 if not self._ends_with_input else \
-            -(-len(x) * self._up // self._down) + 1
-        if max(room, len(x)) > MOST:
-            raise ValueError(f"a block of {len(x)} frames is too long")
+        count = len(x)
+        room = -(-count * self._up // self._down) + 1 if self._ends_with_input else count * (self._up // self._down + 1) + 1
+        if room > MOST or count > MOST:
+            raise ValueError(f"a block of {count} frames is too long")
         with self._lock:
             handles = self._handles or self._open()
             if x.ndim == 1:
@@ -101,7 +103,7 @@ class Resampler(Stream):
                 for handle, source, target in zip(handles, planar(x), planes):
                     written = _converted(handle, source, target)
                 y = interleaved(planes[:, :written], x.ndim)
-            self._taken += len(x)
+            self._taken += count
             self._given += written
         return y
 
@@ -134,7 +136,7 @@ class Resampler(Stream):
 
 
 def _converted(handle: Any, source: Samples, target: Samples) -> int:
-    written: int = lib.ORVA_Resample(handle, pointer(source), pointer(target), len(source))
+    written: int = _resample(handle, pointer(source), pointer(target), len(source))
     if written < 0:
         raise MemoryError("liborva has found no memory")
     return written

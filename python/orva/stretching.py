@@ -5,13 +5,16 @@ from typing import Any, List, Optional
 import numpy as np
 import numpy.typing as npt
 
-from ._arrays import MOST, Samples, pointer, rate, samples, whole
+from ._arrays import FLOAT, MOST, Samples, pointer, rate, samples, whole
 from ._library import lib
 from ._messages import created
 from ._stream import Stream
 
-SCALE = np.float32(32768)     # 16 bits, at which the search is far better; a power of two, so that nothing is rounded
+SCALE = np.array(32768, np.float32)    # 16 bits, at which the search is far better; a power of two, so that nothing is rounded
 MOST_FRAME_MS = 220
+HOPS = 4                      # to play at a time
+
+_feed, _play = lib.ORVA_SolafsInputData, lib.ORVA_SolafsOutputData
 
 
 def _destroy(handle: Any) -> None:
@@ -59,7 +62,10 @@ class Stretcher(Stream):
         self._fs, self._frame, self._frame_ms = fs, frame, frame_ms
         self._ended: Optional[List[Any]] = None           # handles of the stream before, for their positions
         count = whole(channels, "channels", 1, MOST)
-        self._room = -(-fs // self.hop) * self.hop        # whole hops, a second or a little more, to play at a time
+        self._every = range(count)                        # channel
+        self._room = HOPS * self.hop                      # frames to play at a time
+        self._played = np.empty(self._room * count, FLOAT)
+        self._place = pointer(self._played)
         super().__init__(count, [self._handle(count) for _ in range(count)],
                          {"fs": fs, "speed": speed, "channels": count, "frame_ms": frame_ms})
 
@@ -93,7 +99,7 @@ class Stretcher(Stream):
         """
         x = self._block(block)
         with self._lock:
-            handles = self._open()
+            handles = self._handles or self._open()
             if speed is not None:
                 self._speed = _speed(speed)
             return self._push(handles, x * SCALE)
@@ -140,36 +146,32 @@ class Stretcher(Stream):
     def _push(self, handles: List[Any], x: Samples) -> Samples:
         """Offers samples until all are taken, and pulls after each offer."""
         self._ended = None
-        played = np.empty((self._room, *x.shape[1:]), np.float32)
         parts: List[Samples] = []
-        first, count = 0, len(x)
+        place, left, taken, written = pointer(x), len(x), 0, 0
         while True:
-            offered = x[first:first + self._fs]           # as many as a record can hold
-            place, size, taken = pointer(offered), len(offered), 0
-            for channel, handle in enumerate(handles):
-                taken = lib.ORVA_SolafsInputData(handle, channel, place, size, self._speed)
-            first += taken
-            pulled = self._pull(handles, played, parts)
-            if first == count:
-                break
-            if not taken and not pulled:
+            count = left if left < MOST else MOST
+            for channel in self._every:
+                taken = _feed(handles[channel], channel, place, count, self._speed)
+                written = _play(handles[channel], channel, self._place, self._room)
+            left -= taken
+            if written:
+                self._keep(handles, written, parts)
+            elif left and not taken:
                 raise ValueError(f"the stream is too long, {MOST} frames are the most")
-        if not parts:
-            return np.empty((0, *x.shape[1:]), np.float32)
-        y = parts[0] if len(parts) == 1 else np.concatenate(parts)
-        y /= SCALE
-        return y
+            if not left:
+                break
+            place += taken * self._channels
+        y = np.concatenate(parts) / SCALE if parts else np.empty(0, FLOAT)
+        return y if x.ndim == 1 else y.reshape(-1, self._channels)
 
-    def _pull(self, handles: List[Any], played: Samples, parts: List[Samples]) -> bool:
-        """Adds what can be played, by way of `played`, and tells whether there was something."""
-        before, room, place = len(parts), self._room, pointer(played)
-        while True:
-            written = 0
-            for channel, handle in enumerate(handles):
-                written = lib.ORVA_SolafsOutputData(handle, channel, place, room)
-            if not written:
-                return len(parts) > before
-            parts.append(played[:written].copy())
+    def _keep(self, handles: List[Any], written: int, parts: List[Samples]) -> None:
+        """Adds what was played, and all that can be played after it."""
+        while written:
+            parts.append(self._played[:written * self._channels].copy())
+            if written < self._room:                      # there was no more
+                break
+            for channel in self._every:
+                written = _play(handles[channel], channel, self._place, self._room)
 
 
 def _speed(speed: float) -> float:

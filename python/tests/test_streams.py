@@ -180,6 +180,15 @@ def test_filters_that_cannot_be_made(arguments):
         orva.Filter(**arguments)
 
 
+@pytest.mark.parametrize("edge, mirrored", [(5000, 3000), (7000, 1000), (9000, 1000), (12500, 3500)])
+@pytest.mark.parametrize("kind", ["lowpass", "highpass"])
+def test_an_edge_above_half_the_rate_is_mirrored(kind, edge, mirrored):
+    """In coefficients, which are computed in double precision from other numbers then."""
+    impulse = np.eye(1, 64, dtype=np.float32)[0]
+    found, expected = (orva.Filter(f"type={kind}; order=4; fpass={hertz}", fs=8000)(impulse) for hertz in (edge, mirrored))
+    assert np.abs(found - expected).max() < 1e-6
+
+
 @pytest.mark.parametrize("make, message", [
     (lambda: orva.Resampler(8000, 8001, kind="hold"),
      "ORVA_ZOHResampleInit: Unsuported sample rate convertion: 8000 to 8001"),
@@ -224,6 +233,14 @@ def test_stretcher_changes_its_speed():
     assert stretcher.position(0) == 0
 
 
+@pytest.mark.parametrize("channels", [1, 2])
+@pytest.mark.parametrize("speed", [0.3, 1.0, 2.5])
+def test_stretcher_takes_a_block_that_is_longer_than_its_record(speed, channels):
+    x = noise(100000, channels)
+    assert same_bits(run(orva.Stretcher(8000, speed, channels), x),
+                     run(orva.Stretcher(8000, speed, channels), x, range(1000, 100000, 1000)))
+
+
 def test_stretcher_before_its_first_block():
     assert orva.Stretcher(8000).position(100) == 0
 
@@ -253,6 +270,26 @@ def test_threads_may_share_a_stream():
     for thread in threads:
         thread.join()
     assert sum(given) + len(converter.flush()) == 40000 * 11025 // 8000
+
+
+def test_threads_may_share_transforms():
+    transform, frames = orva.Fft(256), noise(50, 256)
+    spectra = transform.forward(frames)
+    back = transform.inverse(spectra)
+    wrong = []
+
+    def work():
+        for _ in range(20):
+            for frame, spectrum, samples in zip(frames, spectra, back):
+                if not same_bits(transform.forward(frame), spectrum) or not same_bits(transform.inverse(spectrum), samples):
+                    wrong.append(frame)
+
+    threads = [threading.Thread(target=work) for _ in range(4)]
+    for thread in threads:
+        thread.start()
+    for thread in threads:
+        thread.join()
+    assert not wrong
 
 
 def test_a_long_call_lets_other_threads_run():
