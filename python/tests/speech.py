@@ -12,7 +12,8 @@ RATES = (8000, 11025, 16000, 22050, 32000, 44100, 48000)
 KINDS = (("wav", "PCM_16"), ("flac", "PCM_16"), ("ogg", "VORBIS"), ("wav", "FLOAT"))
 SUBJECTS = ("The old engine", "A small boat", "Nobody", "The second violin", "Her neighbour", "This machine")
 VERBS = ("crosses", "remembers", "repairs", "hears", "counts")
-OBJECTS = ("the river at night.", "seven bells.", "what was said.", "an answer.")
+OBJECTS = ("the river at night.", "seven bells.", "what was said.", "an answer.", "every word of it.", "the hours until morning.",
+           "a letter from the north.", "two clocks, one of them wrong.")
 SENTENCES = [f"{subject} {verb} {what}" for subject in SUBJECTS for verb in VERBS for what in OBJECTS]
 
 

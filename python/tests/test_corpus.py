@@ -245,6 +245,18 @@ def test_bad_files_are_told_and_the_others_made():
     assert sorted(os.listdir("out/recordings/in")) == ["good.wav"] and ".parts" not in os.listdir("out")
 
 
+def test_a_file_that_may_not_be_read_is_told():
+    """Root may read all, so it gives that right away before."""
+    orva.write("x.wav", noise(800), 8000)
+    os.chmod("x.wav", 0)
+    Path("r.toml").write_text('steps = [{do = "remove_dc"}]\noutputs = {sound = "flac"}')
+    less = ["setpriv", "--bounding-set=-dac_override,-dac_read_search"] if os.geteuid() == 0 else []
+    run = subprocess.run([*less, sys.executable, "-m", "orva.corpus", "r.toml", "x.wav", "--out", "out"], text=True,
+                         capture_output=True, env={**os.environ, "DASK_SCHEDULER": "synchronous"})
+    assert (run.returncode, run.stdout) == (1, "0 complete, 0 of them new, 1 failed\n"), run.stderr
+    assert table("failures") == [{"file": "x.wav", "reason": "Permission denied"}]
+
+
 def test_a_file_that_was_written_into_a_pipe_is_whole():
     """Its head promises 4 GiB, since nobody could go back to it."""
     orva.write("x.wav", noise(8000), 16000, "PCM_16")

@@ -17,6 +17,7 @@ import speech
 from speech import hashes
 
 from orva import corpus
+from orva.corpus import source
 from orva.corpus.execution import by
 
 SENTENCES = 60
@@ -120,6 +121,19 @@ def cluster(deaths=3):
     with dask.config.set({"distributed.scheduler.allowed-failures": deaths}), \
             LocalCluster(n_workers=2, threads_per_worker=1, dashboard_address=None, silence_logs=50) as made:
         yield made
+
+
+def test_hundreds_of_sentences_are_the_same_bytes_by_one_process_and_by_two(tmp_path, monkeypatch):
+    """One recording after the other and whole here, cut into blocks and by two workers there."""
+    monkeypatch.chdir(tmp_path)
+    speech.make(tmp_path / "in", len(speech.SENTENCES))
+    (tmp_path / "r.toml").write_text(RECIPE)
+    with dask.config.set(scheduler="synchronous"):
+        with pytest.MonkeyPatch.context() as patched:
+            patched.setattr(source, "BLOCK", 1 << 30)
+            assert corpus.run("r.toml", ["in"], "whole") == (240, 240, 0)
+    ended(command(), 0, "^240 complete, 240 of them new, 0 failed\n$")
+    assert len(hashes(tmp_path / "out")) == 3 * 240 + 3 and hashes(tmp_path / "out") == hashes(tmp_path / "whole")
 
 
 @pytest.mark.parametrize("workers, batch, order", [(1, 1, -1), (2, 7, 1)])

@@ -13,11 +13,12 @@ MAKERS = {
     "resampler": lambda: orva.Resampler(2, 1, order=2),
     "stretcher": lambda: orva.Stretcher(400, frame_ms=40),
     "lapped": lambda: orva.Lapped(4),
+    "suppressor": lambda: orva.NoiseSuppressor(8000),
+    "transforms": lambda: orva.Fft(4),
     "spline": lambda: orva.Spline([0, 1, 2], [0, 1, 0]),
     "refused": lambda: refused(),
 }
 COUNT = 100000
-FEWER = {"lapped": 20000, "resampler": 50000}      # of those that take longer to make
 
 
 def refused():
@@ -34,17 +35,15 @@ def resident():
 @pytest.mark.parametrize("name", MAKERS)
 def test_memory_is_flat(name):
     """The first thousands fill what is kept for use again; after them, not a byte for each object."""
-    make, count = MAKERS[name], FEWER.get(name, COUNT)
-    if name == "refused":
-        count //= 5
-    for _ in range(count // 10):
+    make = MAKERS[name]
+    for _ in range(COUNT // 10):
         make()
     gc.collect()
     before = resident()
-    for _ in range(count):
+    for _ in range(COUNT):
         make()
     gc.collect()
-    assert resident() - before < max(count, 2**19), "bytes"
+    assert resident() - before < 2**19, "bytes"
 
 
 def test_a_closed_stream_has_freed_its_memory():
