@@ -6,6 +6,11 @@ real types, strides and byte orders are converted once, integers by their value.
 Sampling rates are ``fs`` in Hz. What cannot be done raises `ValueError`, in the library's own words where it has some,
 `TypeError` for what is no number, or `MemoryError`. While the library works, other threads of Python run.
 
+Arrays are only read, unless they are given as ``out``, so that read-only ones do. Empty signals give empty results, and NaN
+and infinities pass through, where a docstring does not tell otherwise. A number without a dimension is no signal, except
+where one value is asked for. More than 2**31 - 1 samples at a time, the most that the library counts, are refused, except by
+`Filter`, `resample`, `stretch` and `spectrogram`, which take them in parts.
+
 A tour, with a second of a tone of 1 kHz and a hum of 50 Hz:
 
 >>> import numpy as np, orva

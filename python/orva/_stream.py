@@ -21,6 +21,16 @@ class Stream:
     when the object is collected; a closed stream takes no more blocks. Several threads may use one object: their
     calls come one after the other. Pickling keeps the recipe, that is the arguments of the constructor, and not the
     history: what comes back stands at the beginning of a new stream.
+
+    Examples
+    --------
+    >>> with orva.Resampler(44100, 48000) as converter:
+    ...     y = converter.process(np.ones(441))
+    >>> converter.closed, len(y)
+    (True, 447)
+    >>> import pickle
+    >>> pickle.loads(pickle.dumps(orva.Lapped(256)))
+    Lapped(m=256)
     """
 
     def __init__(self, channels: int, handles: List[Any], recipe: Dict[str, Any]) -> None:

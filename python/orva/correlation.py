@@ -45,7 +45,7 @@ def correlate(x: npt.ArrayLike, y: npt.ArrayLike, phat: bool = False, out: Optio
     Parameters
     ----------
     x, y : array_like
-        One channel each, one sample at least.
+        One channel each, of 1 to 2**30 - 1 samples.
     phat : bool, optional
         Give every bin of the cross-spectrum the same magnitude: a delay of a broad-band signal then stands out as a
         sharp peak of up to 1, whatever the levels.
@@ -86,7 +86,7 @@ def find_delay(x: npt.ArrayLike, y: npt.ArrayLike, fs: float = 1.0, phat: bool =
     Parameters
     ----------
     x, y : array_like
-        One channel each, one sample at least.
+        One channel each, of 1 to 2**30 - 1 samples.
     fs : float, optional
         Sampling rate in Hz; without it the delay is in samples.
     phat : bool, optional
@@ -135,7 +135,7 @@ def coefficient(x: npt.ArrayLike, y: npt.ArrayLike) -> Likeness:
     Parameters
     ----------
     x, y : array_like
-        One channel each, one sample at least.
+        One channel each, of 1 to 2**30 - 1 samples.
 
     Returns
     -------

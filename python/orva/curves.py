@@ -86,6 +86,12 @@ class Spline:
         -------
         ndarray of float32, or float32
             Heights in the shape of `x`; NaN for NaN.
+
+        Examples
+        --------
+        >>> orva.Spline([0, 1, 2], [0, 1, 0])([[0, 0.5], [1, 2]])
+        array([[0.    , 0.6875],
+               [1.    , 0.    ]], dtype=float32)
         """
         curve = pointer(self._x), pointer(self._y), pointer(self._bends), self._x.size
         return _at(x, partial(lib.ORVASPLINE_Interpolate, *curve))

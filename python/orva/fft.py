@@ -71,6 +71,12 @@ class Fft:
         ------
         ValueError
             For frames of another length, or an `out` that does not fit.
+
+        Examples
+        --------
+        >>> orva.Fft(4).forward([[1, 2, 3, 4], [1, 1, 1, 1]])
+        array([[10.+0.j, -2.+2.j, -2.+0.j],
+               [ 4.+0.j,  0.+0.j,  0.+0.j]], dtype=complex64)
         """
         frames = _checked(real(x, "x"), self.n, "samples")
         spectra = _taken(out, frames, self._bins, COMPLEX)
@@ -107,6 +113,11 @@ class Fft:
         ------
         ValueError
             For spectra of another length, or an `out` that does not fit.
+
+        Examples
+        --------
+        >>> orva.Fft(4).inverse([10, -2 + 2j, -2])
+        array([1., 2., 3., 4.], dtype=float32)
         """
         spectra = _checked(complexes(spectrum, "spectrum"), self._bins, "bins")
         frames = _taken(out, spectra, self.n, FLOAT)

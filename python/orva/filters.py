@@ -130,6 +130,12 @@ class Filter(Stream):
         ------
         ValueError
             For another number of channels, an `out` that does not fit, or after `close`.
+
+        Examples
+        --------
+        >>> echo = orva.Filter(b=[1, 0, 0, 0.5], a=[1])
+        >>> echo([1, 0]), echo([0, 0])
+        (array([1., 0.], dtype=float32), array([0. , 0.5], dtype=float32))
         """
         x = self._block(block)
         y = result(out, x.shape)
@@ -157,7 +163,16 @@ class Filter(Stream):
         return self._block(np.empty((0, self._channels) if self._channels > 1 else 0, np.float32))
 
     def reset(self) -> None:
-        """Goes on as if the input so far had been silence."""
+        """Goes on as if the input so far had been silence.
+
+        Examples
+        --------
+        >>> echo = orva.Filter(b=[1, 0, 0, 0.5], a=[1])
+        >>> _ = echo([1, 0])
+        >>> echo.reset()
+        >>> echo([0, 0])
+        array([0., 0.], dtype=float32)
+        """
         with self._lock:
             handle, = self._open()
             lib.ORVA_ResetFilter(handle)

@@ -73,6 +73,11 @@ class Lapped(Stream):
         ------
         ValueError
             For another length, or after `close`.
+
+        Examples
+        --------
+        >>> orva.Lapped(4).forward(np.ones(12)).shape
+        (3, 4)
         """
         signal = self._block(x)
         with self._lock:
@@ -107,6 +112,13 @@ class Lapped(Stream):
         ------
         ValueError
             For another shape, or after `close`.
+
+        Examples
+        --------
+        >>> lapped = orva.Lapped(4)
+        >>> half = lapped.forward(np.ones(12)) / 2                # half as loud
+        >>> lapped.inverse(half)[-4:].round(3)
+        array([0.5, 0.5, 0.5, 0.5], dtype=float32)
         """
         blocks = complexes(coefficients, "coefficients")
         if blocks.shape[-1] != self.m:

@@ -92,6 +92,12 @@ class NoiseSuppressor(Stream):
         ------
         ValueError
             For another number of channels, or after `close`.
+
+        Examples
+        --------
+        >>> suppressor = orva.NoiseSuppressor(16000, channels=2)
+        >>> [suppressor.process(np.zeros((n, 2))).shape for n in (160, 100, 60)]
+        [(160, 2), (0, 2), (160, 2)]
         """
         x = self._block(block)
         with self._lock:

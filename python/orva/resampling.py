@@ -86,6 +86,12 @@ class Resampler(Stream):
         ------
         ValueError
             For another number of channels, a block whose result is too long for one call, or after `close`.
+
+        Examples
+        --------
+        >>> converter = orva.Resampler(8000, 16000, channels=2)
+        >>> converter.process(np.ones((100, 2))).shape
+        (140, 2)
         """
         x = self._block(block)
         count = len(x)
@@ -115,6 +121,12 @@ class Resampler(Stream):
         ndarray of float32
             What the filter still holds: frames, or frames x channels if there are several. With `compensate` the whole
             output has ceil(n * fs_out / fs_in) frames for n of input.
+
+        Examples
+        --------
+        >>> converter = orva.Resampler(8000, 16000)
+        >>> len(converter.process(np.ones(100))), len(converter.flush())
+        (140, 60)
         """
         with self._lock:
             handles = self._open()

@@ -96,6 +96,12 @@ class Stretcher(Stream):
         ------
         ValueError
             For another number of channels, a speed out of range, a stream that has become too long, or after `close`.
+
+        Examples
+        --------
+        >>> stretcher = orva.Stretcher(8000, speed=2.0)
+        >>> len(stretcher.process(np.ones(8000))), len(stretcher.process(np.ones(8000), speed=0.5))
+        (3760, 14880)
         """
         x = self._block(block)
         with self._lock:
@@ -111,6 +117,12 @@ class Stretcher(Stream):
         -------
         ndarray of float32
             Whole hops: frames, or frames x channels if there are several.
+
+        Examples
+        --------
+        >>> stretcher = orva.Stretcher(8000, speed=2.0)
+        >>> len(stretcher.process(np.ones(8000))), len(stretcher.flush())
+        (3760, 240)
         """
         tail = 7 * self._frame // 2
         with self._lock:
@@ -138,6 +150,13 @@ class Stretcher(Stream):
         int
             A frame of the input. It follows from the speeds given, and is off by up to two frames of `frame_ms`. Before
             the first block, 0.
+
+        Examples
+        --------
+        >>> stretcher = orva.Stretcher(8000, speed=2.0)
+        >>> _ = stretcher.process(np.ones(8000))
+        >>> stretcher.position(1000)
+        2000
         """
         with self._lock:
             handles = self._ended or self._open()

@@ -1,4 +1,6 @@
 """What each function does with arrays that are not plain: types, strides, byte orders, shapes, what is not finite."""
+import mmap
+import tempfile
 import warnings
 
 import numpy as np
@@ -178,6 +180,20 @@ def test_lengths_beyond_a_count_are_refused():
                     lambda: orva.preemphasis_gain(2**31), lambda: orva.energy_db(huge[:10], frame=2**31)):
         with pytest.raises(ValueError, match="must be a whole number from"):
             refused()
+
+
+def test_more_samples_than_the_library_counts_are_refused():
+    """Before anything is read or made: these eight gigabytes are a file with nothing in it."""
+    with tempfile.TemporaryFile() as file:
+        file.truncate(4 * (2**31 + 8))
+        x = np.frombuffer(mmap.mmap(file.fileno(), 0, prot=mmap.PROT_READ), np.float32)
+        for refused in (lambda: orva.energy_db(x), lambda: orva.zero_cross_rate(x), lambda: orva.window_gain(x),
+                        lambda: orva.apply_window(x, x), lambda: orva.remove_dc(x), lambda: orva.correlate(x, x[:4]),
+                        lambda: orva.correlate(x[:4], x[:2**30]), lambda: orva.coefficient(x, x[:4]), lambda: orva.rfft(x),
+                        lambda: orva.power_db(x), lambda: orva.spline(0, x, x), lambda: orva.interp(0, x, x),
+                        lambda: orva.Resampler(2, 1).process(x), lambda: orva.Resampler(1, 3).process(x[:2**30])):
+            with pytest.raises(ValueError, match="must be a whole number from|frames is too long"):
+                refused()
 
 
 def test_a_filter_takes_long_blocks_in_parts(monkeypatch):
