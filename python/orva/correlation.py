@@ -22,7 +22,10 @@ class _Processor:
     def __init__(self, first: int, second: int) -> None:
         _check_lengths(first, second)
         self.lock = threading.Lock()
-        self.handle = created(lib.ORVA_XcorrProcCreate, lib.ORVA_XcorrProcDestroy, first, second)
+        try:
+            self.handle = created(lib.ORVA_XcorrProcCreate, lib.ORVA_XcorrProcDestroy, first, second)
+        except ValueError as error:                       # all that the library has to say here is that of memory
+            raise MemoryError(str(error)) from None
         self.size = int(lib.ORVA_XcorrVectorLength(self.handle))
 
 
@@ -159,8 +162,6 @@ def coefficient(x: npt.ArrayLike, y: npt.ArrayLike) -> Likeness:
     lag = ffi.new("int32_t *")
     with heard() as said:
         value = lib.ORVA_XcorrCoef(pointer(first), first.size, pointer(second), second.size, lag)
-    if said:
-        raise ValueError(said[0])
-    if value == -1.0:
-        raise MemoryError("liborva has found no memory for its transforms")
+    if value == -1.0 or said:
+        raise MemoryError(said[0] if said else "liborva has found no memory for its transforms")
     return Likeness(value, lag[0])

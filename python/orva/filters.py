@@ -105,7 +105,7 @@ class Filter(Stream):
             return self._from_coefs(*direct, found), found
         return created(lib.ORVA_CreateFilter, _destroy, ffi.new("char[]", b"%s"), encoded,
                        refused=f"no filter comes of {line!r}: edges, orders or attenuations are missing, "
-                               "out of order or out of range"), found
+                               "out of order or out of range, or memory is out"), found
 
     def _from_coefs(self, b: Doubles, a: Doubles, channels: int) -> Any:
         self._order = max(b.size, a.size) - 1

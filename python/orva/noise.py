@@ -17,7 +17,8 @@ class NoiseSuppressor(Stream):
     """A noise suppressor for a stream, which works in frames of 10 ms.
 
     At 8000 and 16000 Hz the suppressor is never shown what is noise, so that it takes next to nothing away: the level
-    of noise and of a voice changes by 0.01 dB at most. At 32000 Hz the output is silence; convert to 16000 Hz instead.
+    of noise and of a voice changes by 0.01 dB at most. At 32000 Hz the output is silence; convert to 16000 Hz instead. When
+    memory is out, the WebRTC library ends the process.
 
     Parameters
     ----------

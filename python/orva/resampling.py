@@ -39,7 +39,8 @@ class Resampler(Stream):
     Raises
     ------
     ValueError
-        For what is out of range, a pair that the hold does not have, and rates whose filter would take more than 1 GiB.
+        For what is out of range, a pair that the hold does not have, and rates whose filter would take more than 1 GiB, or
+        more memory than there is.
 
     Examples
     --------

@@ -126,6 +126,17 @@ def test_handles_outlive_the_interpreter_in_good_order():
     assert (run.returncode, run.stderr) == (0, "")
 
 
+@pytest.mark.parametrize("call", [
+    "orva.window('Hanning', 2**30)", "orva.Fft(2**28)", "orva.Lapped(2**28)", "orva.Stretcher(2**30, frame_ms=1)",
+    "orva.correlate(x, x)", "orva.coefficient(x, x)", "orva.find_delay(x, x)", "orva.irfft(x[:2], 2**28)"])
+def test_where_there_is_no_memory_the_error_says_so(call):
+    run = python("import orva, numpy, resource\nx = numpy.zeros(2**24, numpy.float32)\n"
+                 "room = int(open('/proc/self/statm').read().split()[0]) * resource.getpagesize() + 2**28\n"
+                 "resource.setrlimit(resource.RLIMIT_AS, (room, resource.RLIM_INFINITY))\n"
+                 f"try:\n    {call}\nexcept MemoryError as error:\n    print(bool(str(error)), len(orva.window('Hanning', 3)))")
+    assert (run.returncode, run.stdout) == (0, "True 3\n"), run.stderr
+
+
 def test_a_child_of_fork_works_on():
     run = python("""
 import os, numpy, orva
