@@ -2,8 +2,10 @@
 // through FFTW. Usage:
 //     bits          compares with the table; what differs from it ends the program with 1
 //     bits table    prints the table anew, as it is checked in; from the plain level
+//     bits times    prints what a value costs in the main kernels, at each level, instead
 #include "common/cpu.h"
 #include "comparison.h"
+#include "times.h"
 
 #include <cstdio>
 #include <cstring>
@@ -44,8 +46,14 @@ int main(int argumentCount, char **arguments)
         printTable();
         return 0;
     }
+    if (argumentCount == 2 && std::strcmp(arguments[1], "times") == 0) {
+        for (const orva::Level level : orva::allLevels)
+            if (orva::forceLevel(level))
+                printTimes();
+        return 0;
+    }
     if (argumentCount != 1) {
-        std::fputs("usage: bits [table]\n", stderr);
+        std::fputs("usage: bits [table | times]\n", stderr);
         return 2;
     }
     bool areEqual = true;
