@@ -1,6 +1,5 @@
 // Files of two users in one folder.
 #include "KTio_users.h"
-#include "support/command.h"
 #include "support/folder.h"
 
 #include <vector>
@@ -36,17 +35,4 @@ TEST(IoRights, AStickyFolderFailsAtTheOpen)
     struct stat status;
     ASSERT_EQ(stat((folder / "ours").c_str(), &status), 0);
     EXPECT_EQ(status.st_uid, nobody) << "a superuser's replacement stays its owner's";
-}
-
-// Its environment comes from a user who may not do what the program may.
-TEST(EnvRights, AProgramWithRaisedRightsTakesNothingFromItsEnvironment)
-{
-    ASSERT_EQ(geteuid(), 0u) << "the second group takes a superuser";
-    const Folder folder;
-    const std::string program = folder / "program";
-    std::filesystem::copy_file(ENVIRONMENT_PROGRAM, program);
-    EXPECT_EQ(support::linesOf("KETT_TEST=given '" + program + "'"), Names{"given published"});
-    ASSERT_EQ(chown(program.c_str(), 0, nobody), 0);
-    ASSERT_EQ(chmod(program.c_str(), 02755), 0); // runs with that group's rights
-    EXPECT_EQ(support::linesOf("KETT_TEST=given '" + program + "'"), Names{"nothing published"});
 }
