@@ -43,8 +43,7 @@ std::vector<std::string> listed(const std::string &command)
 std::string page(const std::string &name)
 {
     const support::Folder folder;
-    std::string text =
-        orvaShell("gzip -dc '" + std::string(PROGRAMS_BUILD_DIR) + "/man1/" + name + ".1.gz'", folder).out;
+    std::string text = orvaShell("gzip -dc '" MANUAL "/" + name + ".1.gz'", folder).out;
     return support::Pattern("\\\\f[BIR]|\\\\(?=-)").replacedIn(text, "");
 }
 
