@@ -45,20 +45,3 @@ TEST(SpectrumResources, PowerWithoutAWorkArrayAllocatesAndFreesOne)
     EXPECT_EQ(support::end(), Counts{.heap = 2});
     ORVA_FFTProcDestroy(fft);
 }
-
-TEST(SpectrumResources, MemoryOutGivesNoPowerAndNoVector)
-{
-    ORVA_FFT *fft = ORVA_FFTProcCreate(1024);
-    std::vector<float> frame(1024), power(516, 77.0f);
-
-    support::failAllocation(1);
-    EXPECT_EQ(ORVA_FFTProcExecutePSDEx(fft, frame.data(), power.data(), nullptr), 0);
-    EXPECT_TRUE(support::endFailure());
-    EXPECT_EQ(power, std::vector<float>(516, 77.0f));
-
-    support::failAllocation(1);
-    EXPECT_EQ(ORVA_CreateComplexVector(fft), nullptr);
-    EXPECT_TRUE(support::endFailure());
-
-    ORVA_FFTProcDestroy(fft);
-}

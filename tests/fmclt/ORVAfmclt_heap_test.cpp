@@ -70,13 +70,3 @@ TEST(FmcltHeap, TransformsAskForNoMoreThanTheBarePlans)
                     static_cast<unsigned long long>(trig.heap));
     }
 }
-
-TEST(FmcltHeap, ANullForTheRecordOrTheBufferIsARefusal)
-{
-    // No further: FFTW's planner ends the process when it gets no memory.
-    for (const uint64_t allocation : {1u, 2u}) {
-        support::failAllocation(allocation);
-        EXPECT_EQ(ORVA_FMCLTProcCreate(64), nullptr) << allocation;
-        EXPECT_TRUE(support::endFailure()) << allocation;
-    }
-}

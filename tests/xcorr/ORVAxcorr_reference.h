@@ -10,7 +10,9 @@
 
 #include <algorithm>
 #include <cmath>
+#include <map>
 #include <memory>
+#include <utility>
 #include <vector>
 
 namespace xcorr
@@ -100,12 +102,22 @@ inline ORVA_COMPLEX phatBin(ORVA_COMPLEX X, ORVA_COMPLEX Y, float g)
     return {static_cast<float>(double{re} * w), static_cast<float>(double{im} * w)};
 }
 
+// Both ways, made once for each length.
+inline const std::pair<Transform, Transform> &transformsOf(int32_t length)
+{
+    static std::map<int32_t, std::pair<Transform, Transform>> made;
+    auto &transforms = made[length];
+    if (transforms.first == nullptr)
+        transforms = {Transform(ORVA_FFTProcCreate(length)), Transform(ORVA_IFFTProcCreate(length))};
+    return transforms;
+}
+
 // The steps, over transforms of their own.
 inline Samples bySteps(const Samples &x, const Samples &y, bool phat)
 {
     const size_t longer = std::max(x.size(), y.size());
     const auto length = static_cast<int32_t>(2 * longer);
-    const Transform forward(ORVA_FFTProcCreate(length)), inverse(ORVA_IFFTProcCreate(length));
+    const Transform &forward = transformsOf(length).first, &inverse = transformsOf(length).second;
     const Spectrum X(ORVA_CreateComplexVector(forward.get())), Y(ORVA_CreateComplexVector(forward.get())),
         room(ORVA_CreateComplexVector(forward.get()));
     float *time = &room.get()->re;

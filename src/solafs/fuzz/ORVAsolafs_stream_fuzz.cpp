@@ -10,14 +10,16 @@
 
 using support::Bytes;
 
-extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
+namespace
+{
+
+void drive(Bytes &bytes)
 {
     // Hops of 4 samples and more: those of 0 must not be run.
     constexpr int32_t rates[] = {8000, 400, 16000, 1000};
     constexpr int32_t frames[] = {1, 20, 2, 100};
     constexpr float speeds[] = {1.0f, 1.5f,  0.5f,  2.9f,  3.0f,  0.1f,   1.0f,
                                 8.9f, 20.0f, 1e-3f, 1e30f, -1.0f, -1e30f, 3e9f};
-    Bytes bytes(data, size);
     const size_t which = bytes.below(4);
     const int32_t rate = rates[which], frame = frames[which];
     const std::unique_ptr<ORVA_SOLAFS, void (*)(ORVA_SOLAFS *)> solafs(ORVA_SolafsCreate(frame, rate, 1),
@@ -25,10 +27,10 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
     support::require(solafs != nullptr, "there is a record");
     PlainScaler plain(frame, rate);
 
-    for (int call = 0; call < 200 && !bytes.isAtEnd(); ++call) {
+    for (int call = 0; call < 60 && !bytes.isAtEnd(); ++call) {
         const size_t kind = bytes.below(4);
         if (kind == 0) {
-            const auto capacity = static_cast<int32_t>(bytes.byte()) * 4 - 16;
+            const auto capacity = static_cast<int32_t>(bytes.below(64)) * 4 - 16;
             // At 0 and below output never runs short of input.
             const auto expected = plain.output(capacity);
             std::vector<float> output(static_cast<size_t>(std::max(capacity, plain.hop())) + 1);
@@ -52,5 +54,14 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
             support::require(taken == plain.input(block, speed), "as many samples are taken");
         }
     }
+}
+
+} // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
+{
+    Bytes bytes(data, size);
+    drive(bytes);
+    KTMEM_DisposeDisplayed();
     return 0;
 }
