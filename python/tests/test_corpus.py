@@ -318,6 +318,18 @@ def test_what_is_no_recipe_is_refused(message):
     assert str(told.value) == message and not os.path.exists("out")
 
 
+@pytest.mark.parametrize("package, kind", [("soundfile", "npz"), ("dask", "npz"), ("zarr", "zarr")])
+def test_a_missing_package_is_told_before_anything_is_written(package, kind):
+    Path("r.toml").write_text('steps = [{do = "measures"}]\noutputs = {arrays = "%s"}' % kind)
+    Path("none").mkdir()
+    Path(f"none/{package}.py").write_text(f"raise ModuleNotFoundError('there is no {package}')")
+    path = os.pathsep.join(["none", str(Path(orva.__file__).parents[1])])
+    run = subprocess.run([sys.executable, "-m", "orva.corpus", "r.toml", VOICE, "--out", "out"], text=True,
+                         capture_output=True, env={**os.environ, "PYTHONPATH": path})
+    assert run.returncode == 2 and run.stderr.startswith(f"orva.corpus: there is no {package}; needed are "), run.stderr
+    assert not os.path.exists("out")
+
+
 def test_a_file_that_is_no_toml_is_refused():
     open("r.toml", "w").write("steps = [")
     with pytest.raises(ValueError, match="^r.toml is no TOML: "):

@@ -25,7 +25,7 @@ What measures, measures the sound as it is where the step stands; ``name`` tells
 
     python3 -m orva.corpus RECIPE.toml IN... --out FOLDER [--scheduler tcp://...]
 
-is the same at the command line.
+is the same at the command line. Needed are the packages soundfile and dask, for a cluster distributed, for Zarr zarr.
 """
 from .execution import CutOff
 from .recipe import Recipe, read_recipe

@@ -9,8 +9,9 @@ from .execution import CutOff
 from .running import run
 
 STATUS = """\
-Exit status: 0 if all recordings are complete, 1 if some are in failures.csv, 2 for a wrong call or recipe, 3 if the run
-was cut off, for example by a full disk, and 130 by an interrupt. The same call again makes what is missing.
+Exit status: 0 if all recordings are complete, 1 if some are in failures.csv, 2 for a wrong call or recipe and for a
+package that is missing, 3 if the run was cut off, for example by a full disk, and 130 by an interrupt. The same call
+again makes what is missing.
 """
 
 
@@ -35,6 +36,8 @@ def main(arguments: Optional[List[str]] = None) -> int:
         return _told("interrupted; what is complete stays", 130)
     except ValueError as error:
         return _told(str(error), 2)
+    except ImportError as error:
+        return _told(f"{error}; needed are soundfile and dask, for a cluster distributed, for Zarr zarr", 2)
     except (CutOff, OSError, MemoryError) as error:
         return _told(f"{error}; what is complete stays, the same call makes the rest", 3)
     print(f"{report.complete} complete, {report.new} of them new, {report.failed} failed")

@@ -2,6 +2,7 @@
 """A run of a recipe over a corpus."""
 import os
 from functools import partial
+from importlib import import_module
 from os import PathLike
 from typing import Any, Iterable, List, Mapping, NamedTuple, Optional, Union
 
@@ -64,6 +65,8 @@ def run(recipe: Union[Path, Mapping[str, Any], Recipe], files: Iterable[Path], f
         For what is no recipe, a folder that was made by another, and one into which another run works.
     OSError
         If the recipe cannot be read or the folder not be written, for example because the disk is full.
+    ImportError
+        Without the packages soundfile and dask, and zarr for its arrays.
     CutOff
         If a local worker process or the scheduler dies.
 
@@ -79,6 +82,8 @@ def run(recipe: Union[Path, Mapping[str, Any], Recipe], files: Iterable[Path], f
     (16000,)
     """
     wanted = read_recipe(recipe)
+    for package in ("soundfile", "dask", *(("zarr",) if wanted.arrays == "zarr" else ())):
+        import_module(package)                            # or tell at once that it is missing
     every = recordings([os.fspath(file) for file in files])
     place = Folder(os.path.abspath(folder))
     size = _batch(len(every), client) if batch is None else whole(batch, "batch", 1, 2**31 - 1)

@@ -4,8 +4,6 @@ from pathlib import Path
 from types import TracebackType
 from typing import Optional, Type
 
-import soundfile
-
 from .._arrays import Samples
 from .source import BadRecording
 
@@ -43,6 +41,7 @@ class Sound:
     """A sound file that is written block by block, full scale 1.0; samples beyond it are cut off."""
 
     def __init__(self, path: Path, fs: int, channels: int, subtype: str) -> None:
+        import soundfile
         kind = path.suffix[1:].upper()
         self._file = _File(path, MOST_WAV if kind == "WAV" else None)
         try:

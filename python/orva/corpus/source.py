@@ -5,8 +5,6 @@ import re
 import stat
 from typing import Any, Iterator
 
-import soundfile
-
 from .._arrays import Samples
 
 BLOCK = 1 << 15           # frames at a time; no result depends on it
@@ -36,6 +34,7 @@ class Recording:
         self.fs, self.channels, self.frames = self._sound.samplerate, self._sound.channels, self._sound.frames
 
     def _decoder(self) -> Any:
+        import soundfile
         if self.bytes == 0:
             raise BadRecording("an empty file")
         try:
@@ -53,11 +52,12 @@ class Recording:
 
     def blocks(self) -> Iterator[Samples]:
         """All frames, full scale 1.0, in blocks; an error tells how far they went."""
+        from soundfile import SoundFileError
         read = 0
         while True:
             try:
                 block: Samples = self._sound.read(BLOCK, dtype="float32")
-            except soundfile.SoundFileError as error:
+            except SoundFileError as error:
                 reason = getattr(error, "error_string", error)
                 raise BadRecording(f"damaged after {read} of {self.frames} frames: {reason}") from None
             if not len(block):
