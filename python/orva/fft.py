@@ -107,7 +107,7 @@ class Fft:
         Returns
         -------
         ndarray of float32
-            Frames of `n` samples.
+            Frames of `n` samples. A NaN or an infinity among the bins spoils samples of that frame only.
 
         Raises
         ------
@@ -274,7 +274,7 @@ def irfft(spectrum: npt.ArrayLike, n: Optional[int] = None, axis: int = -1) -> S
     Returns
     -------
     ndarray of float32
-        `n` samples along `axis`.
+        `n` samples along `axis`. A NaN or an infinity among the bins spoils samples.
 
     Raises
     ------

@@ -87,7 +87,8 @@ class NoiseSuppressor(Stream):
         Returns
         -------
         ndarray of float32
-            What is ready, cut to 16 bits, in as many dimensions as `block`.
+            What is ready, in as many dimensions as `block`. The suppressor works on 16 bits: what is beyond full scale, also
+            an infinity, counts as full scale, and a NaN as 0.
 
         Raises
         ------

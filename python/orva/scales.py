@@ -80,7 +80,7 @@ def hz_to_bark(hz: npt.ArrayLike) -> Any:
     Returns
     -------
     float, or ndarray of float64
-        Bark in the shape of `hz`.
+        Bark in the shape of `hz`; NaN for NaN.
 
     Notes
     -----

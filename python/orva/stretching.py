@@ -27,7 +27,7 @@ class Stretcher(Stream):
 
     Output comes in hops of half a frame, the first as soon as 3.5 frames of input are in. After `flush` the next block
     begins a new stream. A stream takes 255 changes of speed, after which the last one stays in force, and 2**31 - 1
-    frames, in or out.
+    frames, in or out. A NaN or an infinity spoils the splices near it.
 
     Parameters
     ----------

@@ -69,7 +69,7 @@ def window_gain(window: npt.ArrayLike, second: Optional[npt.ArrayLike] = None) -
     Returns
     -------
     float
-        The mean of the window, or of the products of both; not-a-number for an empty one.
+        The mean of the window, or of the products of both; not-a-number for an empty one, and where there is one in it.
 
     Raises
     ------

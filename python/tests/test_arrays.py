@@ -144,8 +144,15 @@ def test_what_is_not_finite_passes_through(value):
         assert (decibels[4] == -120).all() or np.isinf(value)
         assert (np.delete(decibels, 4, axis=0) > -120).all()
         assert np.isnan(orva.interp(np.float32(value), [0, 1], [0, 1])) or np.isinf(value)
-        assert orva.NoiseSuppressor(8000).process(x).shape == (N,)
+        limited = np.nan_to_num(x, nan=0, posinf=1, neginf=-1)
+        assert same_bits(orva.NoiseSuppressor(8000).process(x), orva.NoiseSuppressor(8000).process(limited))
+        assert np.isnan(orva.window_gain(x)) or np.isinf(orva.window_gain(x)) and np.isinf(value)
         assert orva.Lapped(4).forward(x).shape == (200, 4)
+
+
+def test_scales_of_what_is_no_number():
+    for scale in (orva.hz_to_mel, orva.mel_to_hz, orva.hz_to_bark, orva.bark_to_hz):
+        assert np.isnan(scale(np.nan)) and np.isnan(scale([1.0, np.nan])[1])
 
 
 def test_a_double_beyond_float_becomes_infinite():
