@@ -40,3 +40,15 @@ TEST(IoTransfer, GoesOnWhereTheSystemFallsShort)
     EXPECT_EQ(taken, content);
     EXPECT_TRUE(KTIO_CloseFile(file));
 }
+
+// The file holds more, and the buffer ends where the read is told to end.
+TEST(IoTransfer, TakesNoMoreThanItIsAskedForAfterAShortRead)
+{
+    const support::Folder folder;
+    EXPECT_TRUE(replace(folder / "file", std::string(3 * mostBytes, 'x')));
+    KT_FILE *const file = KTIO_Open((folder / "file").c_str(), "r");
+    std::string taken(3 * mostBytes, '-');
+    EXPECT_EQ(KTIO_ReadData(file, taken.data(), mostBytes + 7), mostBytes + 7);
+    EXPECT_EQ(taken, std::string(mostBytes + 7, 'x') + std::string(2 * mostBytes - 7, '-'));
+    EXPECT_TRUE(KTIO_CloseFile(file));
+}

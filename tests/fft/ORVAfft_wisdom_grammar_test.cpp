@@ -215,6 +215,7 @@ TEST(WisdomGrammar, RefusesWhatFFTWWouldNotWrite)
         withEntry("a -1 #x0 #x0 #x0"),
         withEntry("a +1 #x0 #x0 #x0"),
         withEntry("a 01 #x0 #x0 #x0"),
+        withEntry("a 1f #x0 #x0 #x0"),
         withEntry("a 4096 #x0 #x0 #x0"),
         withEntry("a 99999999999999999999999999 #x0 #x0 #x0"),
         withEntry("a 0 #x100000 #x100000 #x0"),

@@ -52,3 +52,23 @@ TEST(XcorrHeap, WithoutMemoryTheCoefficientIsRefusedAndTheLagUntouched)
             << n;
     }
 }
+
+// The copies of the two vectors and the result come last.
+TEST(XcorrHeap, WithoutOneOfItsOwnVectorsTheCoefficientIsRefused)
+{
+    const float samples[16] = {1, 2, 3};
+    int32_t lag = 12345;
+    ORVA_XcorrCoef(samples, 16, samples, 16, nullptr); // so that FFTW keeps nothing more
+    support::begin();
+    const double usual = ORVA_XcorrCoef(samples, 16, samples, 16, nullptr);
+    const uint64_t allocations = support::end().heap / 2; // each is freed
+    for (uint64_t n = allocations - 2; n <= allocations; ++n) {
+        support::failAllocation(n);
+        EXPECT_EQ(ORVA_XcorrCoef(samples, 16, samples, 16, &lag), -1.0) << n;
+        EXPECT_TRUE(support::endFailure()) << n;
+        EXPECT_EQ(lag, 12345) << n;
+    }
+    support::failAllocation(allocations + 1);
+    EXPECT_EQ(ORVA_XcorrCoef(samples, 16, samples, 16, &lag), usual);
+    EXPECT_FALSE(support::endFailure());
+}
