@@ -32,15 +32,16 @@ def work(filters, x, threads):
 
 
 def test_filters_run_beside_each_other():
-    """8 filters on 2 threads, on two processors where there are two. Other processes may take one away, so the best of
-    some rounds counts."""
+    """8 filters on 2 threads, on two processors where there are two. Other processes may take a part of these away, so the
+    best of some rounds counts, and less than twice as fast is enough: threads that waited for each other would not get
+    above 1."""
     filters, x = [orva.Filter("order=8; fpass=0.2") for _ in range(8)], noise(1 << 19)
     best = 0.0
     for _ in range(12):
         best = max(best, work(filters, x, 1) / work(filters, x, 2))
         if best > 1.6:
             break
-    assert best > (1.4 if len(os.sched_getaffinity(0)) > 1 else 0.7)
+    assert best > (1.2 if len(os.sched_getaffinity(0)) > 1 else 0.7)
 
 
 @pytest.mark.parametrize("name", CALLS)
