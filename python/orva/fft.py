@@ -253,7 +253,9 @@ def rfft(x: npt.ArrayLike, n: Optional[int] = None, axis: int = -1) -> Spectrum:
     >>> orva.rfft([1, 2, 3, 4])
     array([10.+0.j, -2.+2.j, -2.+0.j], dtype=complex64)
     """
-    frames = _last(real(x, "x"), axis)
+    frames = real(x, "x")
+    if axis != -1 or frames.ndim == 0:
+        frames = _last(frames, axis)
     transform = transforms(frames.shape[-1] if n is None else n)
     spectra = transform.forward(frames if n is None else _fitted(frames, transform.n))
     return spectra if axis == -1 else np.moveaxis(spectra, -1, axis)

@@ -1,9 +1,10 @@
 # SPDX-License-Identifier: GPL-2.0-or-later
 """Faster and slower at the same pitch."""
-from typing import Any, List, Optional
+from typing import Any, List, Optional, Tuple
 
 import numpy as np
 import numpy.typing as npt
+from numpy import empty, multiply
 
 from ._arrays import FLOAT, MOST, Samples, pointer, rate, samples, whole
 from ._library import lib
@@ -13,6 +14,7 @@ from ._stream import Stream
 SCALE = np.array(32768, np.float32)    # 16 bits, at which the search is far better; a power of two, so that nothing is rounded
 MOST_FRAME_MS = 220
 HOPS = 4                      # to play at a time
+KEPT = 1 << 12                # samples of a block whose room is kept for the next one
 
 _feed, _play = lib.ORVA_SolafsInputData, lib.ORVA_SolafsOutputData
 
@@ -64,13 +66,22 @@ class Stretcher(Stream):
         count = whole(channels, "channels", 1, MOST)
         self._every = range(count)                        # channel
         self._room = HOPS * self.hop                      # frames to play at a time
-        self._played = np.empty(self._room * count, FLOAT)
+        self._played = empty(self._room * count, FLOAT)
         self._place = pointer(self._played)
+        self._scaled = self._room_for(empty(0, FLOAT))
         super().__init__(count, [self._handle(count) for _ in range(count)],
                          {"fs": fs, "speed": speed, "channels": count, "frame_ms": frame_ms})
 
     def _handle(self, channels: int) -> Any:
         return created(lib.ORVA_SolafsCreate, _destroy, self._frame_ms, self._fs, channels)
+
+    def _room_for(self, x: Samples) -> Tuple[Samples, Any]:
+        """What takes a block at 16 bits, and its place; kept for those that follow, if it is small."""
+        room = empty(x.shape, FLOAT)
+        both = room, pointer(room)
+        if room.size <= KEPT:
+            self._scaled = both
+        return both
 
     @property
     def hop(self) -> int:
@@ -108,7 +119,11 @@ class Stretcher(Stream):
             handles = self._handles or self._open()
             if speed is not None:
                 self._speed = _speed(speed)
-            return self._push(handles, x * SCALE)
+            scaled, place = self._scaled
+            if scaled.shape != x.shape:
+                scaled, place = self._room_for(x)
+            multiply(x, SCALE, scaled)
+            return self._push(handles, scaled, place)
 
     def flush(self) -> Samples:
         """The end of the stream, brought out by 3.5 frames of silence; the next block begins a new one.
@@ -127,7 +142,7 @@ class Stretcher(Stream):
         tail = 7 * self._frame // 2
         with self._lock:
             silence = np.zeros((tail, self._channels) if self._channels > 1 else tail, np.float32)
-            played = self._push(self._open(), silence)
+            played = self._push(self._open(), silence, pointer(silence))
             self._ended, self._handles = self._open(), [self._handle(self._channels) for _ in range(self._channels)]
         return played
 
@@ -162,11 +177,11 @@ class Stretcher(Stream):
             handles = self._ended or self._open()
             return int(lib.ORVA_SolafsTranslateCursorPosition(handles[0], whole(frame, "frame", -2**63, 2**63 - 1)))
 
-    def _push(self, handles: List[Any], x: Samples) -> Samples:
-        """Offers samples until all are taken, and pulls after each offer."""
+    def _push(self, handles: List[Any], x: Samples, place: Any) -> Samples:
+        """Offers samples, which stand at a place, until all are taken, and pulls after each offer."""
         self._ended = None
         parts: List[Samples] = []
-        place, left, taken, written = pointer(x), len(x), 0, 0
+        left, taken, written = len(x), 0, 0
         while True:
             count = left if left < MOST else MOST
             for channel in self._every:
@@ -180,7 +195,7 @@ class Stretcher(Stream):
             if not left:
                 break
             place += taken * self._channels
-        y = np.concatenate(parts) / SCALE if parts else np.empty(0, FLOAT)
+        y = np.concatenate(parts) / SCALE if parts else empty(0, FLOAT)
         return y if x.ndim == 1 else y.reshape(-1, self._channels)
 
     def _keep(self, handles: List[Any], written: int, parts: List[Samples]) -> None:
