@@ -58,6 +58,7 @@ endif()
 add_library(orva_library_options INTERFACE)
 target_link_libraries(orva_library_options INTERFACE orva_compile_options)
 target_compile_options(orva_library_options INTERFACE
+    -Wdouble-promotion                                    # a float becomes a double where the code says so
     -fno-tree-vectorize -fno-tree-slp-vectorize           # GCC's vectoriser fuses complex products in spite of the above
     -fvisibility=hidden
     $<$<COMPILE_LANGUAGE:CXX>:-fvisibility-inlines-hidden -fno-exceptions -fno-rtti>
