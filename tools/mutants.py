@@ -20,7 +20,7 @@ from pathlib import Path
 # Tests that add nothing here: they look at sources and at what is shipped, take minutes, or run other programs.
 OTHERS = re.compile(r"tests/(docs|examples|package|programs)/|/(exports|flags|format|imports|includes|instructions|msvc)_|_slow_")
 # Tests that measure a time, and may fail by themselves on a busy machine.
-TIMED = "-Many.*:Number.TimeGrows*:PolyphaseFlush.AnOutputCosts*:*FullPipe*"
+TIMED = "-Many.*:Number.TimeGrows*:PolyphaseFlush.AnOutputCosts*:*FullPipe*:Silence.*"
 MEMORY = 16 << 30               # bytes that a test may take
 WAIT = 60                       # seconds beyond the usual for a test that waits; and a tenth of it for one that computes
 

@@ -10,7 +10,7 @@ from ._library import lib
 from ._messages import created
 from ._stream import Stream
 
-_direct, _inverse = lib.ORVA_FMCLTDirect, lib.ORVA_FMCLTInverse
+_direct_call, _inverse_call = lib.ORVA_FMCLTDirect, lib.ORVA_FMCLTInverse
 
 
 class Lapped(Stream):
@@ -90,7 +90,7 @@ class Lapped(Stream):
             raise ValueError(f"x must be blocks of {m} samples, not {signal.size} samples")
         re, im, real, imaginary = self._one if count == 1 else self._room(count)
         for n in range(0, signal.size, m):
-            _direct(handles[0], real + n, imaginary + n, source + n, history, twiddles)
+            _direct_call(handles[0], real + n, imaginary + n, source + n, history, twiddles)
         coefficients = np.empty((count, m), COMPLEX)
         coefficients.real, coefficients.imag = re, im
         return coefficients
@@ -132,7 +132,7 @@ class Lapped(Stream):
         re, im, real, imaginary = self._one if len(blocks) == 1 else self._room(len(blocks))
         re[:], im[:] = blocks.real, blocks.imag
         for n in range(0, y.size, self.m):
-            _inverse(handles[0], real + n, imaginary + n, target + n, overlap, twiddles)
+            _inverse_call(handles[0], real + n, imaginary + n, target + n, overlap, twiddles)
         return y
 
     def process(self, block: npt.ArrayLike) -> Samples:
